@@ -1,0 +1,23 @@
+# Installation: headers, the library, a CMake package and a pkg-config file.
+include(CMakePackageConfigHelpers)
+
+install(TARGETS kwcore EXPORT kwcoreTargets
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY include/kwcore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+set(KWCORE_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/kwcore)
+install(EXPORT kwcoreTargets NAMESPACE kwcore:: DESTINATION ${KWCORE_CMAKE_DIR})
+configure_package_config_file(cmake/kwcoreConfig.cmake.in
+                              ${CMAKE_CURRENT_BINARY_DIR}/kwcoreConfig.cmake
+                              INSTALL_DESTINATION ${KWCORE_CMAKE_DIR})
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/kwcoreConfigVersion.cmake
+                                 COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kwcoreConfig.cmake
+              ${CMAKE_CURRENT_BINARY_DIR}/kwcoreConfigVersion.cmake
+        DESTINATION ${KWCORE_CMAKE_DIR})
+
+configure_file(cmake/kwcore.pc.in ${CMAKE_CURRENT_BINARY_DIR}/kwcore.pc @ONLY)
+install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kwcore.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
