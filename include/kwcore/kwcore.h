@@ -1,0 +1,35 @@
+// kwcore: the whole public interface of the library in one header.
+#pragma once
+
+// Platform: the Win32 and framework types the interface is written in.
+#include "kwcore/platform/Arrays.h"
+#include "kwcore/platform/BString.h"
+#include "kwcore/platform/CArchive.h"
+#include "kwcore/platform/CException.h"
+#include "kwcore/platform/CKWTrace.h"
+#include "kwcore/platform/CList.h"
+#include "kwcore/platform/CObject.h"
+#include "kwcore/platform/CRect.h"
+#include "kwcore/platform/CString.h"
+#include "kwcore/platform/CStringList.h"
+#include "kwcore/platform/Export.h"
+#include "kwcore/platform/Rpc.h"
+#include "kwcore/platform/Win32Types.h"
+
+// Object model: GUIDs, objects, types and collections.
+#include "kwcore/object/CKWGuid.h"
+#include "kwcore/object/CKWGuidMapIterator.h"
+#include "kwcore/object/CKWObjGuidPtrMap.h"
+#include "kwcore/object/CKWObjPtrList.h"
+#include "kwcore/object/CKWObjectImpl.h"
+#include "kwcore/object/CKWObjectTypeImpl.h"
+#include "kwcore/object/CKWSingleton.h"
+#include "kwcore/object/CKWTypeRepository.h"
+#include "kwcore/object/CKWTypeSystem.h"
+#include "kwcore/object/IKWCallback.h"
+#include "kwcore/object/IKWCollection.h"
+#include "kwcore/object/IKWIterator.h"
+#include "kwcore/object/IKWObject.h"
+#include "kwcore/object/IKWObjectType.h"
+#include "kwcore/object/IKWUnknown.h"
+#include "kwcore/object/KWTypeMacros.h"

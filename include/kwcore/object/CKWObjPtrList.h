@@ -1,0 +1,182 @@
+// CKWObjPtrList<T>: framework objects in insertion order.
+//
+// Holds plain, non-owning pointers, each at most once. Large lists keep a
+// pointer index beside the list, so Add and Remove stay constant-time for
+// the million-node walks of graph visitors while small lists (a node's
+// edges) cost no more than the list itself. Find by instance ID scans.
+//
+//   CKWObjPtrList<CKWGraphEdge> edges;
+//   edges.Add(edge);
+//   auto it = edges.GetIterator();
+//   for (CKWGraphEdge* e = it.GetNext(1); e; e = it.GetNext(0)) { ... }
+#pragma once
+
+#include <algorithm>
+#include <iterator>
+#include <list>
+#include <memory>
+#include <type_traits>
+#include <unordered_map>
+
+#include "kwcore/object/IKWCollection.h"
+#include "kwcore/object/IKWIterator.h"
+
+template <class T>
+class CKWObjPtrList : public IKWCollection<T> {
+public:
+    using List = std::list<T*>;
+
+    template <class Position>
+    class BasicIterator : public IKWIterator<T> {
+    public:
+        BasicIterator() = default;
+        BasicIterator(const List* list, Position first, Position end)
+            : m_pList(list), m_current(first), m_end(end) {}
+
+        T* GetNext(int bFromStart) override {
+            if (!m_pList) {
+                return nullptr;
+            }
+            Reset(bFromStart);
+            if (m_current == m_end) {
+                return nullptr;
+            }
+            return *m_current++;
+        }
+
+        void Reset(int bFromStart) override {
+            if (bFromStart && m_pList) {
+                m_current = First();
+            }
+        }
+
+        bool IsValid() const override { return m_pList != nullptr; }
+
+    private:
+        Position First() const;
+
+        const List* m_pList = nullptr;
+        Position m_current{};
+        Position m_end{};
+    };
+
+    using Iterator = BasicIterator<typename List::const_iterator>;
+    using ReverseIterator = BasicIterator<typename List::const_reverse_iterator>;
+
+    CKWObjPtrList() = default;
+    CKWObjPtrList(const CKWObjPtrList& other) : m_list(other.m_list) { RebuildIndex(); }
+    CKWObjPtrList(CKWObjPtrList&&) noexcept = default;
+    CKWObjPtrList& operator=(const CKWObjPtrList& other) {
+        if (this != &other) {
+            m_list = other.m_list;
+            RebuildIndex();
+        }
+        return *this;
+    }
+    CKWObjPtrList& operator=(CKWObjPtrList&&) noexcept = default;
+    ~CKWObjPtrList() = default;
+
+    int GetCount() const override { return static_cast<int>(m_list.size()); }
+
+    void* Find(const CKWGuid& instanceID) const override { return FindObject(instanceID); }
+
+    // The first element, from the front, whose instance ID equals instanceID.
+    T* FindObject(const CKWGuid& instanceID) const {
+        for (T* element : m_list) {
+            if (element->GetInstanceID() == instanceID) {
+                return element;
+            }
+        }
+        return nullptr;
+    }
+
+    bool Contains(const T* element) const { return Locate(element) != m_list.end(); }
+
+    int Add(T* element) override {
+        if (!element || Contains(element)) {
+            return 0;
+        }
+        m_list.push_back(element);
+        if (m_pIndex) {
+            m_pIndex->emplace(element, std::prev(m_list.end()));
+        } else if (m_list.size() > kIndexThreshold) {
+            RebuildIndex();
+        }
+        return 1;
+    }
+
+    int Remove(T* element) override {
+        auto position = Locate(element);
+        if (position == m_list.end()) {
+            return 0;
+        }
+        if (m_pIndex) {
+            m_pIndex->erase(element);
+        }
+        m_list.erase(position);
+        return 1;
+    }
+
+    // With bRelease, releases the elements from front to back. Each element
+    // leaves the list before it is released, so a release that removes other
+    // elements from this list (or the element itself) is safe.
+    void RemoveAll(bool bRelease) override {
+        while (bRelease && !m_list.empty()) {
+            T* element = m_list.front();
+            Remove(element);
+            element->Release();
+        }
+        m_list.clear();
+        m_pIndex.reset();
+    }
+
+    Iterator GetIterator() const { return Iterator(&m_list, m_list.begin(), m_list.end()); }
+    ReverseIterator GetReverseIterator() const {
+        return ReverseIterator(&m_list, m_list.rbegin(), m_list.rend());
+    }
+
+    // Range-based walks: for (T* element : list) { ... }
+    typename List::const_iterator begin() const { return m_list.begin(); }
+    typename List::const_iterator end() const { return m_list.end(); }
+
+private:
+    static constexpr std::size_t kIndexThreshold = 16;
+
+    typename List::const_iterator Locate(const T* element) const {
+        if (!element) {
+            return m_list.end();
+        }
+        if (m_pIndex) {
+            auto found = m_pIndex->find(const_cast<T*>(element));
+            return found == m_pIndex->end() ? m_list.end() : found->second;
+        }
+        return std::find(m_list.begin(), m_list.end(), element);
+    }
+
+    void RebuildIndex() {
+        m_pIndex.reset();
+        if (m_list.size() <= kIndexThreshold) {
+            return;
+        }
+        m_pIndex = std::make_unique<Index>();
+        m_pIndex->reserve(m_list.size());
+        for (auto position = m_list.begin(); position != m_list.end(); ++position) {
+            m_pIndex->emplace(*position, position);
+        }
+    }
+
+    using Index = std::unordered_map<T*, typename List::iterator>;
+
+    List m_list;
+    std::unique_ptr<Index> m_pIndex;
+};
+
+template <class T>
+template <class Position>
+Position CKWObjPtrList<T>::BasicIterator<Position>::First() const {
+    if constexpr (std::is_same_v<Position, typename List::const_iterator>) {
+        return m_pList->begin();
+    } else {
+        return m_pList->rbegin();
+    }
+}

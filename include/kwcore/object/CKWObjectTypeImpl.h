@@ -1,0 +1,73 @@
+// CKWObjectTypeImpl: the common implementation of type objects.
+//
+// Concrete classes do not derive from it by hand: KW_DECLARE_TYPE and
+// KW_IMPLEMENT_TYPE (KWTypeMacros.h) write the nested type class, whose
+// constructor names the type and registers it with the type system.
+//
+// Creation: CTOR, then the instance ID, then OnInitialize, then tracking.
+// Release: OnBeforeRelease may refuse; otherwise untrack, then DTOR.
+#pragma once
+
+#include <map>
+#include <memory>
+
+#include "kwcore/object/IKWObject.h"
+#include "kwcore/object/IKWObjectType.h"
+
+class CKWInstanceTable;
+
+class KWCORE_API CKWObjectTypeImpl : public IKWObjectType {
+public:
+    CKWGuid GetID() const override { return m_typeID; }
+    CKWGuid GetParentTypeID() const override { return m_parentTypeID; }
+    void Release() override;
+    void SetName(const CString& name) override { m_name = name; }
+    CString GetName() const override { return m_name; }
+    CString GetClassNameA() const override { return m_className; }
+    int IsAbstract() const override { return m_iAbstract; }
+    int HasDerivedTypes() const override { return m_derivedTypes.empty() ? 0 : 1; }
+    void InitializeType() override {}
+    int RegisterWithParentType(IKWObjectType* parent) override;
+    IKWObjectType* GetParentType() const override { return m_pParentType; }
+    CKWGuid GetRepositoryID() const override { return m_repositoryID; }
+    IKWObject* CreateInstance(const CKWGuid& instanceID) override;
+    int ReleaseInstance(IKWObject* object) override;
+    int AddChildType(IKWObjectType* child) override;
+    int IsTypeOf(const IKWObjectType* type) const override;
+    int IsTypeOf(const CKWGuid& typeID) const override;
+    void GetInstanceList(std::list<CKWGuid>& instanceIDs) const override;
+    void GetDerivedTypes(std::list<IKWObjectType*>& types) const override;
+    void RemoveTrackedInstance(IKWObject* object) override;
+    void AddTrackedInstance(IKWObject* object) override;
+    void SetClassName(const CString& className) override { m_className = className; }
+
+    // The number of live instances this type made (not those of derived types).
+    int GetInstanceCount() const;
+    // The tracked instance with that ID, or null.
+    IKWObject* FindInstance(const CKWGuid& instanceID) const;
+
+protected:
+    CKWObjectTypeImpl();
+    // A type object that goes away (a plug-in module unloaded) leaves the type system.
+    ~CKWObjectTypeImpl() override;
+
+    // Stores the ID and registers the type; every type constructor calls it.
+    void SetID(const CKWGuid& typeID) override;
+    void SetParentTypeID(const CKWGuid& parentTypeID) override { m_parentTypeID = parentTypeID; }
+    void SetRepositoryID(const CKWGuid& repositoryID) override { m_repositoryID = repositoryID; }
+    void SetAbstract(int abstract) { m_iAbstract = abstract; }
+
+private:
+    void ReleaseTrackedInstances();
+
+    int m_iAbstract = 0;
+    CKWGuid m_typeID;
+    CKWGuid m_repositoryID;
+    CKWGuid m_parentTypeID;
+    CString m_name;
+    CString m_className;
+    // Keyed by instance ID; listed and released in ascending ID order.
+    std::unique_ptr<CKWInstanceTable> m_pTrackedInstances;
+    IKWObjectType* m_pParentType = nullptr;
+    std::map<CKWGuid, IKWObjectType*> m_derivedTypes;
+};

@@ -1,0 +1,73 @@
+// IKWObjectType: the type object of a framework class.
+//
+// One static instance exists per class. It knows the class's type GUID, name,
+// parent and derived types, makes and frees instances and tracks the ones it
+// made. Type objects are owned by their classes (static storage), never by
+// the type system that files them.
+#pragma once
+
+#include <list>
+
+#include "kwcore/object/CKWGuid.h"
+#include "kwcore/platform/CString.h"
+#include "kwcore/platform/Export.h"
+
+class IKWObject;
+
+class KWCORE_API IKWObjectType {
+public:
+    virtual CKWGuid GetID() const = 0;
+
+protected:
+    virtual void SetID(const CKWGuid& typeID) = 0;
+
+public:
+    virtual CKWGuid GetParentTypeID() const = 0;
+
+protected:
+    virtual void SetParentTypeID(const CKWGuid& parentTypeID) = 0;
+
+public:
+    // Reports and releases leftover instances and forgets the derived types.
+    virtual void Release() = 0;
+    virtual void SetName(const CString& name) = 0;
+    virtual CString GetName() const = 0;
+    virtual CString GetClassNameA() const = 0;
+    virtual int IsAbstract() const = 0;
+    virtual int HasDerivedTypes() const = 0;
+    // Called once when the type is collected into a repository.
+    virtual void InitializeType() = 0;
+    virtual int RegisterWithParentType(IKWObjectType* parent) = 0;
+    virtual IKWObjectType* GetParentType() const = 0;
+    virtual CKWGuid GetRepositoryID() const = 0;
+
+protected:
+    virtual void SetRepositoryID(const CKWGuid& repositoryID) = 0;
+
+public:
+    // A new initialised instance bearing instanceID (a fresh GUID when
+    // instanceID is empty), or null.
+    virtual IKWObject* CreateInstance(const CKWGuid& instanceID) = 0;
+    // 1 when the object agreed and was freed; 0 when it refused.
+    virtual int ReleaseInstance(IKWObject* object) = 0;
+    virtual int AddChildType(IKWObjectType* child) = 0;
+    // 1 when this type is `type` or one of its descendants (object identity).
+    virtual int IsTypeOf(const IKWObjectType* type) const = 0;
+    // 1 when typeID names this type or one of its ancestors.
+    virtual int IsTypeOf(const CKWGuid& typeID) const = 0;
+    // Appends the IDs of the live instances, in ascending order.
+    virtual void GetInstanceList(std::list<CKWGuid>& instanceIDs) const = 0;
+    // Appends every descendant: for each child in ascending ID order, the
+    // child's own descendants first, then the child.
+    virtual void GetDerivedTypes(std::list<IKWObjectType*>& types) const = 0;
+    virtual void RemoveTrackedInstance(IKWObject* object) = 0;
+    virtual void AddTrackedInstance(IKWObject* object) = 0;
+    virtual ~IKWObjectType() = default;
+    virtual void SetClassName(const CString& className) = 0;
+
+protected:
+    virtual IKWObject* CTOR() = 0;
+    virtual void DTOR(IKWObject* object) = 0;
+
+    friend class CKWTypeSystem;
+};

@@ -1,0 +1,234 @@
+// The object list, the object map and their iterators.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "TestTypes.h"
+#include "kwcore/object/CKWObjGuidPtrMap.h"
+#include "kwcore/object/CKWObjPtrList.h"
+
+namespace {
+
+class Collections : public ::testing::Test {
+protected:
+    void SetUp() override { CTestWidget::s_releasedIDs.clear(); }
+    void TearDown() override {
+        for (CTestWidget* w : m_widgets) {
+            if (w) {
+                w->Release();
+            }
+        }
+    }
+    CTestWidget* Make(const char* id = nullptr) {
+        auto* w = static_cast<CTestWidget*>(
+            CTestWidget::GetCTestWidgetType()->CreateInstance(id ? CKWGuid(id) : CKWGuid()));
+        m_widgets.push_back(w);
+        return w;
+    }
+    // The test no longer owns the widget (a collection released it).
+    void Forget(CTestWidget* w) {
+        std::replace(m_widgets.begin(), m_widgets.end(), w, static_cast<CTestWidget*>(nullptr));
+    }
+
+    template <class Iterator>
+    static std::vector<CTestWidget*> Walk(Iterator it) {
+        std::vector<CTestWidget*> seen;
+        for (CTestWidget* w = it.GetNext(1); w; w = it.GetNext(0)) {
+            seen.push_back(w);
+        }
+        return seen;
+    }
+
+    std::vector<CTestWidget*> m_widgets;
+};
+
+TEST_F(Collections, ListHoldsEachObjectOnceInInsertionOrder) {
+    CKWObjPtrList<CTestWidget> list;
+    CTestWidget* a = Make();
+    CTestWidget* b = Make();
+    EXPECT_EQ(list.Add(a), 1);
+    EXPECT_EQ(list.Add(a), 0);
+    EXPECT_EQ(list.Add(nullptr), 0);
+    EXPECT_EQ(list.Add(b), 1);
+    EXPECT_EQ(list.GetCount(), 2);
+    EXPECT_EQ(Walk(list.GetIterator()), (std::vector<CTestWidget*>{a, b}));
+    EXPECT_EQ(Walk(list.GetReverseIterator()), (std::vector<CTestWidget*>{b, a}));
+}
+
+TEST_F(Collections, ListFindsByInstanceIDAndRemovesByPointer) {
+    CKWObjPtrList<CTestWidget> list;
+    CTestWidget* a = Make();
+    CTestWidget* b = Make();
+    list.Add(a);
+    list.Add(b);
+    EXPECT_EQ(list.Find(b->GetInstanceID()), static_cast<void*>(b));
+    EXPECT_EQ(list.Find(CKWGuid::CreateNewGUID()), nullptr);
+    EXPECT_EQ(list.Remove(a), 1);
+    EXPECT_EQ(list.Remove(a), 0);
+    EXPECT_EQ(list.Remove(nullptr), 0);
+    EXPECT_EQ(list.GetCount(), 1);
+    EXPECT_FALSE(list.Contains(a));
+}
+
+TEST_F(Collections, LargeListsKeepOrderAndMembershipThroughAddAndRemove) {
+    CKWObjPtrList<CTestWidget> list;
+    std::vector<CTestWidget*> kept;
+    for (int i = 0; i < 200; ++i) {
+        CTestWidget* w = Make();
+        ASSERT_EQ(list.Add(w), 1);
+        ASSERT_EQ(list.Add(w), 0);
+        if (i % 3) {
+            kept.push_back(w);
+        }
+    }
+    for (int i = 0; i < 200; i += 3) {
+        ASSERT_EQ(list.Remove(m_widgets[i]), 1);
+        ASSERT_EQ(list.Remove(m_widgets[i]), 0);
+    }
+    EXPECT_EQ(Walk(list.GetIterator()), kept);
+    CKWObjPtrList<CTestWidget> copy(list);
+    EXPECT_EQ(copy.Add(kept.front()), 0);
+    EXPECT_EQ(copy.Remove(kept.back()), 1);
+    EXPECT_EQ(list.GetCount(), static_cast<int>(kept.size()));
+    list.RemoveAll(false);
+    EXPECT_EQ(list.Add(kept.front()), 1);
+}
+
+TEST_F(Collections, RemoveAllWithoutReleaseLeavesObjectsAlive) {
+    CKWObjPtrList<CTestWidget> list;
+    CKWObjGuidPtrMap<CTestWidget> map;
+    CTestWidget* a = Make();
+    list.Add(a);
+    map.Add(a);
+    list.RemoveAll(false);
+    map.RemoveAll(false);
+    EXPECT_EQ(list.GetCount(), 0);
+    EXPECT_EQ(map.GetCount(), 0);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(a->GetInstanceID()), a);
+}
+
+TEST_F(Collections, ListReleaseAllReleasesFrontToBack) {
+    CKWObjPtrList<CTestWidget> list;
+    CTestWidget* a = Make();
+    CTestWidget* b = Make();
+    list.Add(b);
+    list.Add(a);
+    std::vector<CKWGuid> expected{b->GetInstanceID(), a->GetInstanceID()};
+    list.RemoveAll(true);
+    Forget(a);
+    Forget(b);
+    EXPECT_EQ(CTestWidget::s_releasedIDs, expected);
+    EXPECT_EQ(list.GetCount(), 0);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(expected[0]), nullptr);
+}
+
+TEST_F(Collections, ListReleaseAllSurvivesElementsThatRemoveOthers) {
+    CKWObjPtrList<CTestWidget> list;
+    CTestWidget* a = Make();
+    CTestWidget* b = Make();
+    list.Add(a);
+    list.Add(b);
+    // Releasing a takes b out of the list and releases it too (a node and its edge).
+    a->m_pContext = &list;
+    a->m_pOnRelease = [](CTestWidget* self) {
+        auto* owner = static_cast<CKWObjPtrList<CTestWidget>*>(self->m_pContext);
+        CTestWidget* other = static_cast<CTestWidget*>(owner->GetIterator().GetNext(1));
+        owner->Remove(other);
+        other->Release();
+    };
+    list.RemoveAll(true);
+    Forget(a);
+    Forget(b);
+    EXPECT_EQ(CTestWidget::s_releasedIDs.size(), 2u);
+    EXPECT_EQ(list.GetCount(), 0);
+}
+
+TEST_F(Collections, MapKeysByInstanceIDAtAddTime) {
+    CKWObjGuidPtrMap<CTestWidget> map;
+    CTestWidget* a = Make("{00000002-0000-4000-8000-000000000000}");
+    CTestWidget* b = Make("{00000001-0000-4000-8000-000000000000}");
+    EXPECT_EQ(map.Add(a), 1);
+    EXPECT_EQ(map.Add(a), 0);
+    EXPECT_EQ(map.Add(nullptr), 0);
+    EXPECT_EQ(map.Add(b), 1);
+    EXPECT_EQ(Walk(map.GetIterator()), (std::vector<CTestWidget*>{b, a}));
+    EXPECT_EQ(map.FindObject(a->GetInstanceID()), a);
+
+    // The key stays what it was when added.
+    const CKWGuid oldID = a->GetInstanceID();
+    a->ChangeInstanceID(CKWGuid("{00000003-0000-4000-8000-000000000000}"));
+    EXPECT_EQ(map.Remove(a), 0);
+    EXPECT_EQ(map.Find(oldID), static_cast<void*>(a));
+    a->ChangeInstanceID(oldID);
+    EXPECT_EQ(map.Remove(a), 1);
+    EXPECT_EQ(map.Remove(nullptr), 0);
+}
+
+TEST_F(Collections, MapRefusesASecondObjectWithTheSameID) {
+    CKWObjGuidPtrMap<CTestWidget> map;
+    CTestWidget* a = Make();
+    CTestWidget* twin = Make();
+    twin->ChangeInstanceID(a->GetInstanceID());
+    EXPECT_EQ(map.Add(a), 1);
+    EXPECT_EQ(map.Add(twin), 0);
+    EXPECT_EQ(map.GetCount(), 1);
+    twin->ChangeInstanceID(CKWGuid::CreateNewGUID());
+}
+
+TEST_F(Collections, MapReleaseAllReleasesInAscendingIDOrder) {
+    CKWObjGuidPtrMap<CTestWidget> map;
+    CTestWidget* late = Make("{9F000000-0000-4000-8000-000000000000}");
+    CTestWidget* early = Make("{10000000-0000-4000-8000-000000000000}");
+    map.Add(late);
+    map.Add(early);
+    map.RemoveAll(true);
+    Forget(late);
+    Forget(early);
+    EXPECT_EQ(CTestWidget::s_releasedIDs,
+              (std::vector<CKWGuid>{CKWGuid("{10000000-0000-4000-8000-000000000000}"),
+                                    CKWGuid("{9F000000-0000-4000-8000-000000000000}")}));
+    EXPECT_EQ(map.GetCount(), 0);
+}
+
+TEST_F(Collections, IteratorsOnEmptyOrDetachedCollectionsGiveNull) {
+    CKWObjPtrList<CTestWidget> list;
+    CKWObjGuidPtrMap<CTestWidget> map;
+    EXPECT_EQ(list.GetIterator().GetNext(1), nullptr);
+    EXPECT_EQ(list.GetReverseIterator().GetNext(1), nullptr);
+    EXPECT_EQ(map.GetIterator().GetNext(1), nullptr);
+    EXPECT_TRUE(list.GetIterator().IsValid());
+
+    CKWObjPtrList<CTestWidget>::Iterator detached;
+    CKWObjGuidPtrMap<CTestWidget>::Iterator detachedMap;
+    EXPECT_FALSE(detached.IsValid());
+    EXPECT_EQ(detached.GetNext(1), nullptr);
+    EXPECT_EQ(detached.GetNext(0), nullptr);
+    EXPECT_EQ(detachedMap.GetNext(1), nullptr);
+    detached.Reset(1);
+    EXPECT_FALSE(detached.IsValid());
+}
+
+TEST_F(Collections, IteratorsRestartFromTheFirstElement) {
+    CKWObjPtrList<CTestWidget> list;
+    CTestWidget* first = Make();
+    CTestWidget* second = Make();
+    CTestWidget* third = Make();
+    list.Add(first);
+    list.Add(second);
+    list.Add(third);
+    auto reverse = list.GetReverseIterator();
+    EXPECT_EQ(reverse.GetNext(1), third);
+    EXPECT_EQ(reverse.GetNext(0), second);
+    reverse.Reset(1);
+    EXPECT_EQ(reverse.GetNext(0), third);
+    auto forward = list.GetIterator();
+    forward.GetNext(1);
+    forward.Reset(0);  // without bFromStart the position stays
+    EXPECT_EQ(forward.GetNext(0), second);
+    EXPECT_EQ(forward.GetNext(0), third);
+    EXPECT_EQ(forward.GetNext(0), nullptr);
+    EXPECT_EQ(forward.GetNext(1), first);
+}
+
+}  // namespace

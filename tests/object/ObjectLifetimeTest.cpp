@@ -1,0 +1,139 @@
+// Creation, identity, interfaces and release of framework objects.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "TestTypes.h"
+
+namespace {
+
+CTestWidget* NewWidget(const CKWGuid& id = CKWGuid()) {
+    return static_cast<CTestWidget*>(CTestWidget::GetCTestWidgetType()->CreateInstance(id));
+}
+
+class ObjectLifetime : public ::testing::Test {
+protected:
+    void SetUp() override {
+        CTestWidget::s_releasedIDs.clear();
+        CTestWidget::s_beforeReleaseCalls = 0;
+        m_liveBefore = CTestWidget::GetCTestWidgetType()->GetInstanceCount();
+    }
+    int LiveWidgets() const {
+        return CTestWidget::GetCTestWidgetType()->GetInstanceCount() - m_liveBefore;
+    }
+    int m_liveBefore = 0;
+};
+
+TEST_F(ObjectLifetime, CreationWithEmptyIDGivesFreshValidID) {
+    CTestWidget* a = NewWidget();
+    CTestWidget* b = NewWidget();
+    ASSERT_NE(a, nullptr);
+    ASSERT_NE(b, nullptr);
+    EXPECT_TRUE(a->GetInstanceID().IsValid());
+    EXPECT_NE(a->GetInstanceID(), b->GetInstanceID());
+    EXPECT_EQ(LiveWidgets(), 2);
+    EXPECT_EQ(a->Release(), 1);
+    EXPECT_EQ(b->Release(), 1);
+    EXPECT_EQ(LiveWidgets(), 0);
+}
+
+TEST_F(ObjectLifetime, CreationWithValidIDBearsExactlyThatID) {
+    CKWGuid id("{0A0B0C0D-1111-2222-3333-444455556666}");
+    CTestWidget* w = NewWidget(id);
+    ASSERT_NE(w, nullptr);
+    EXPECT_EQ(w->GetInstanceID(), id);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(id), w);
+    w->Release();
+}
+
+TEST_F(ObjectLifetime, FailedInitialisationGivesNullAndReleasesTheHalfMadeObject) {
+    CTestWidget::s_failNextInitialize = 1;
+    EXPECT_EQ(NewWidget(), nullptr);
+    EXPECT_EQ(LiveWidgets(), 0);
+    EXPECT_EQ(CTestWidget::s_beforeReleaseCalls, 1);
+}
+
+TEST_F(ObjectLifetime, RefusedReleaseKeepsTheObjectAliveAndTracked) {
+    CTestWidget* w = NewWidget();
+    w->SetRefuseRelease(true);
+    EXPECT_EQ(w->Release(), 0);
+    std::list<CKWGuid> ids;
+    CTestWidget::GetCTestWidgetType()->GetInstanceList(ids);
+    EXPECT_NE(std::find(ids.begin(), ids.end(), w->GetInstanceID()), ids.end());
+    w->SetRefuseRelease(false);
+    EXPECT_EQ(w->Release(), 1);
+    EXPECT_EQ(LiveWidgets(), 0);
+}
+
+TEST_F(ObjectLifetime, ObjectEqualsItsOwnInstanceIDOnly) {
+    CTestWidget* w = NewWidget();
+    EXPECT_TRUE(*w == w->GetInstanceID());
+    EXPECT_FALSE(*w == CKWGuid::CreateNewGUID());
+    EXPECT_FALSE(*w == CKWGuid());
+    w->Release();
+}
+
+TEST_F(ObjectLifetime, IsTypeOfFollowsTheParentChain) {
+    CTestWidget* gadget =
+        static_cast<CTestWidget*>(CTestGadget::GetCTestGadgetType()->CreateInstance(CKWGuid()));
+    CTestWidget* widget = NewWidget();
+    const CKWGuid objectImplID("{3719246B-C3B0-4AE9-9723-6E998C42484A}");
+    EXPECT_EQ(gadget->IsTypeOf(CKWGuid(kGadgetTypeID)), 1);
+    EXPECT_EQ(gadget->IsTypeOf(CKWGuid(kWidgetTypeID)), 1);
+    EXPECT_EQ(gadget->IsTypeOf(objectImplID), 1);
+    EXPECT_EQ(widget->IsTypeOf(CKWGuid(kGadgetTypeID)), 0);
+    EXPECT_EQ(widget->IsTypeOf(CKWGuid(kShapeTypeID)), 0);
+    EXPECT_EQ(widget->IsTypeOf(CKWGuid()), 0);
+    gadget->Release();
+    widget->Release();
+}
+
+TEST_F(ObjectLifetime, EachTypeTracksOnlyTheInstancesItMade) {
+    auto* gadgetType = CTestGadget::GetCTestGadgetType();
+    int gadgetsBefore = gadgetType->GetInstanceCount();
+    IKWObject* gadget = gadgetType->CreateInstance(CKWGuid());
+    EXPECT_EQ(gadgetType->GetInstanceCount(), gadgetsBefore + 1);
+    EXPECT_EQ(LiveWidgets(), 0);
+    gadget->Release();
+    EXPECT_EQ(gadgetType->GetInstanceCount(), gadgetsBefore);
+}
+
+TEST_F(ObjectLifetime, GetInterfaceAnswersTheObjectInterfaceAndOwnInterfaces) {
+    IKWObject* gadget = CTestGadget::GetCTestGadgetType()->CreateInstance(CKWGuid());
+    EXPECT_EQ(gadget->GetInterface(CKWGuid(IID_IKWObject)), static_cast<void*>(gadget));
+    EXPECT_EQ(gadget->GetInterface(CKWGuid(CTestGadget::IID_ITestGadget)),
+              static_cast<void*>(static_cast<CTestGadget*>(gadget)));
+    EXPECT_EQ(gadget->GetInterface(CKWGuid()), nullptr);
+    EXPECT_EQ(gadget->GetInterface(CKWGuid::CreateNewGUID()), nullptr);
+    gadget->Release();
+}
+
+TEST_F(ObjectLifetime, PlainObjectImplAnswersOnlyTheObjectInterface) {
+    IKWObjectType* type = CKWObjectImpl::GetCKWObjectImplType();
+    IKWObject* object = type->CreateInstance(CKWGuid());
+    ASSERT_NE(object, nullptr);
+    EXPECT_EQ(object->GetType(), type);
+    EXPECT_EQ(object->GetInterface(CKWGuid(IID_IKWObject)), static_cast<void*>(object));
+    // CKWObjectImpl's own Release is a no-op that reports success; its type frees it.
+    EXPECT_EQ(object->Release(), 1);
+    EXPECT_EQ(type->ReleaseInstance(object), 1);
+}
+
+TEST_F(ObjectLifetime, AbstractTypeMakesNothing) {
+    IKWObjectType* shape = CTestShape::GetCTestShapeType();
+    EXPECT_EQ(shape->IsAbstract(), 1);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->IsAbstract(), 0);
+    EXPECT_EQ(shape->CreateInstance(CKWGuid()), nullptr);
+}
+
+TEST_F(ObjectLifetime, DuplicateInstanceIDDoesNotDisturbTheFirstInstance) {
+    CTestWidget* first = NewWidget();
+    CTestWidget* twin = NewWidget(first->GetInstanceID());
+    ASSERT_NE(twin, nullptr);
+    EXPECT_EQ(LiveWidgets(), 1);
+    EXPECT_EQ(twin->Release(), 1);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(first->GetInstanceID()), first);
+    first->Release();
+}
+
+}  // namespace
