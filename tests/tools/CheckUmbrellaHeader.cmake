@@ -1,0 +1,13 @@
+# Fails when a public header is missing from <kwcore/kwcore.h>.
+file(READ ${INCLUDE_DIR}/kwcore/kwcore.h umbrella)
+file(GLOB_RECURSE headers RELATIVE ${INCLUDE_DIR} ${INCLUDE_DIR}/kwcore/*/*.h)
+set(missing "")
+foreach(header IN LISTS headers)
+  string(FIND "${umbrella}" "#include \"${header}\"" position)
+  if(position EQUAL -1)
+    list(APPEND missing ${header})
+  endif()
+endforeach()
+if(missing)
+  message(FATAL_ERROR "not in kwcore/kwcore.h: ${missing}")
+endif()
