@@ -18,6 +18,9 @@ install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kwcoreConfig.cmake
               ${CMAKE_CURRENT_BINARY_DIR}/kwcoreConfigVersion.cmake
         DESTINATION ${KWCORE_CMAKE_DIR})
 
+# The pkg-config file finds the prefix from its own place, so the package
+# still works when installed with cmake --install --prefix elsewhere.
+file(RELATIVE_PATH KWCORE_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(cmake/kwcore.pc.in ${CMAKE_CURRENT_BINARY_DIR}/kwcore.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/kwcore.pc
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
