@@ -12,6 +12,7 @@
 #include "kwcore/platform/CRect.h"
 #include "kwcore/platform/CString.h"
 #include "kwcore/platform/CStringList.h"
+#include "kwcore/platform/CollectionFallback.h"
 #include "kwcore/platform/Export.h"
 #include "kwcore/platform/Rpc.h"
 #include "kwcore/platform/Win32Types.h"

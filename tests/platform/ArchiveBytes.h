@@ -1,16 +1,24 @@
 // Helpers for the tests that check stored bytes.
 #pragma once
 
-#include <initializer_list>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "kwcore/platform/Win32Types.h"
 
-inline std::vector<BYTE> Bytes(std::initializer_list<int> values) {
+// Bytes written as in a hex dump: "03 'ab' ff" is 03 61 62 FF.
+inline std::vector<BYTE> Hex(const std::string& text) {
     std::vector<BYTE> bytes;
-    for (int value : values) {
-        bytes.push_back(static_cast<BYTE>(value));
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\'') {
+            while (text[++i] != '\'') {
+                bytes.push_back(static_cast<BYTE>(text[i]));
+            }
+        } else if (text[i] != ' ') {
+            bytes.push_back(
+                static_cast<BYTE>(std::strtoul(text.substr(i++, 2).c_str(), nullptr, 16)));
+        }
     }
     return bytes;
 }

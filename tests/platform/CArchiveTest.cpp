@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ArchiveBytes.h"
@@ -23,183 +24,109 @@ CString LoadString(const std::vector<BYTE>& bytes, bool expectFailure = false) {
     return text;
 }
 
-TEST(ArchiveNumbers, AreStoredLittleEndian) {
+template <typename T>
+T Read(CArchive& ar) {
+    T value = static_cast<T>(0x5A5A5A5A);
+    ar >> value;
+    return value;
+}
+
+TEST(ArchiveNumbers, AreStoredLittleEndianAndLoadBack) {
     CArchive ar(CArchive::store);
     ar << BYTE(0x12) << WORD(0x3456) << DWORD(0x789ABCDE) << LONG(-2) << -1 << UINT(1);
-    EXPECT_EQ(ar.GetBytes(), Bytes({0x12, 0x56, 0x34, 0xDE, 0xBC, 0x9A, 0x78, 0xFE, 0xFF, 0xFF,
-                                    0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x01, 0x00, 0x00, 0x00}));
-    EXPECT_TRUE(ar.IsStoring());
-    EXPECT_FALSE(ar.HasFailed());
+    EXPECT_EQ(ar.GetBytes(), Hex("12 56 34 de bc 9a 78 fe ff ff ff ff ff ff ff 01 00 00 00"));
+    CArchive in(ar.GetBytes());
+    EXPECT_TRUE(Read<BYTE>(in) == 0x12 && Read<WORD>(in) == 0x3456 &&
+                Read<DWORD>(in) == 0x789ABCDE && Read<LONG>(in) == -2 && Read<int>(in) == -1 &&
+                Read<UINT>(in) == 1);
+    EXPECT_TRUE(in.IsLoading() && !in.HasFailed() && in.GetRemaining() == 0);
 }
 
-TEST(ArchiveNumbers, LoadBackAsStored) {
-    CArchive ar(Bytes({0x12, 0x56, 0x34, 0xDE, 0xBC, 0x9A, 0x78, 0xFE, 0xFF, 0xFF, 0xFF}));
-    BYTE byte = 0;
-    WORD word = 0;
-    DWORD dword = 0;
-    LONG negative = 0;
-    ar >> byte >> word >> dword >> negative;
-    EXPECT_TRUE(ar.IsLoading());
-    EXPECT_FALSE(ar.HasFailed());
-    EXPECT_EQ(byte, 0x12);
-    EXPECT_EQ(word, 0x3456);
-    EXPECT_EQ(dword, 0x789ABCDEu);
-    EXPECT_EQ(negative, -2);
-    EXPECT_EQ(ar.GetRemaining(), 0u);
-}
-
-TEST(ArchiveStrings, ShortStringHasAByteLength) {
-    EXPECT_EQ(Stored("abc"), Bytes({0x03, 'a', 'b', 'c'}));
-    EXPECT_EQ(Stored(""), Bytes({0x00}));
-    const std::string longest(254, 'x');
-    EXPECT_EQ(Stored(longest), Concat(Bytes({0xFE}), longest));
-}
-
-TEST(ArchiveStrings, From255BytesTheLengthIsAWord) {
-    const std::string text(255, 'y');
-    EXPECT_EQ(Stored(text), Concat(Bytes({0xFF, 0xFF, 0x00}), text));
-    const std::string longest(0xFFFD, 'z');
-    EXPECT_EQ(Stored(longest), Concat(Bytes({0xFF, 0xFD, 0xFF}), longest));
-}
-
-TEST(ArchiveStrings, From0xFFFEBytesTheLengthIsADword) {
-    const std::string text(0xFFFE, 'w');
-    EXPECT_EQ(Stored(text), Concat(Bytes({0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0x00, 0x00}), text));
-}
-
-TEST(ArchiveStrings, EveryLengthFormLoadsBack) {
-    for (int length : {0, 1, 254, 255, 0xFFFD, 0xFFFE, 0x12345}) {
-        const CString text(static_cast<char>('a' + length % 26), length);
-        EXPECT_EQ(LoadString(Stored(text)), text) << length;
+TEST(ArchiveStrings, LengthIsAByteThenEscapesToAWordFrom255AndADwordFrom0xFFFE) {
+    const std::pair<int, std::vector<BYTE>> cases[] = {{0, Hex("00")},
+                                                       {3, Hex("03")},
+                                                       {254, Hex("fe")},
+                                                       {255, Hex("ff ff 00")},
+                                                       {0xFFFD, Hex("ff fd ff")},
+                                                       {0xFFFE, Hex("ff ff ff fe ff 00 00")},
+                                                       {0x12345, Hex("ff ff ff 45 23 01 00")}};
+    for (const auto& [length, prefix] : cases) {
+        const std::string text(static_cast<std::size_t>(length),
+                               static_cast<char>('a' + length % 26));
+        EXPECT_EQ(Stored(text), Concat(prefix, text)) << length;
+        EXPECT_EQ(LoadString(Stored(text)), CString(text)) << length;
     }
-}
-
-TEST(ArchiveStrings, Utf8TextIsStoredByteForByte) {
-    const CString text(
-        "Gr\xC3\xB6\xC3\x9F"
-        "e");
-    EXPECT_EQ(Stored(text), Bytes({0x07, 'G', 'r', 0xC3, 0xB6, 0xC3, 0x9F, 'e'}));
-    EXPECT_EQ(LoadString(Stored(text)), text);
+    EXPECT_EQ(Stored("Gr\xC3\xB6\xC3\x9Fn"), Hex("07 'Gr' c3 b6 c3 9f 'n'"));
 }
 
 TEST(ArchiveStrings, UnicodeMarkedStringsLoadAsUtf8) {
-    // FF FE FF is the marker, then a BYTE length in UTF-16LE units.
-    EXPECT_EQ(LoadString(Bytes({0xFF, 0xFE, 0xFF, 0x03, 'a', 0x00, 0xE9, 0x00, 0xAC, 0x20})),
-              "a\xC3\xA9\xE2\x82\xAC");
-    EXPECT_EQ(LoadString(Bytes({0xFF, 0xFE, 0xFF, 0x02, 0x34, 0xD8, 0x1E, 0xDD})),
-              "\xF0\x9D\x84\x9E");
-    EXPECT_EQ(LoadString(Bytes({0xFF, 0xFE, 0xFF, 0x01, 0x00, 0xD8})), "\xEF\xBF\xBD");
-}
-
-TEST(ArchiveStrings, UnicodeMarkedStringsUseTheLongerLengthForms) {
-    std::vector<BYTE> bytes = Bytes({0xFF, 0xFE, 0xFF, 0xFF, 0x00, 0x01});
-    for (int i = 0; i < 0x100; ++i) {
-        bytes.push_back('u');
-        bytes.push_back(0x00);
+    // FF FE FF marks UTF-16LE text; its length counts units and escapes like
+    // a narrow length. A lone surrogate becomes U+FFFD.
+    std::string units(0x200, '\0');
+    for (std::size_t i = 0; i < units.size(); i += 2) {
+        units[i] = 'u';
     }
-    EXPECT_EQ(LoadString(bytes), CString('u', 0x100));
+    EXPECT_EQ(LoadString(Hex("ff fe ff 03 'a' 00 e9 00 ac 20")), "a\xC3\xA9\xE2\x82\xAC");
+    EXPECT_EQ(LoadString(Hex("ff fe ff 02 34 d8 1e dd")), "\xF0\x9D\x84\x9E");
+    EXPECT_EQ(LoadString(Hex("ff fe ff 01 00 d8")), "\xEF\xBF\xBD");
+    EXPECT_EQ(LoadString(Concat(Hex("ff fe ff ff 00 01"), units)), CString('u', 0x100));
 }
 
-TEST(ArchiveCounts, UseAWordBelow0xFFFF) {
-    CArchive ar(CArchive::store);
-    ar.WriteCount(0);
-    ar.WriteCount(0xFFFE);
-    EXPECT_EQ(ar.GetBytes(), Bytes({0x00, 0x00, 0xFE, 0xFF}));
-}
-
-TEST(ArchiveCounts, EscapeToADwordFrom0xFFFF) {
-    CArchive ar(CArchive::store);
-    ar.WriteCount(65535);
-    ar.WriteCount(0x12345678);
-    EXPECT_EQ(ar.GetBytes(),
-              Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0xFF, 0xFF, 0x78, 0x56, 0x34, 0x12}));
-    CArchive in(ar.GetBytes());
-    EXPECT_EQ(in.ReadCount(), 65535u);
-    EXPECT_EQ(in.ReadCount(), 0x12345678u);
-    EXPECT_FALSE(in.HasFailed());
-}
-
-TEST(ArchiveCounts, EscapeTo64BitsWhereCountsAreThatWide) {
-    if constexpr (sizeof(DWORD_PTR) == 8) {
+TEST(ArchiveCounts, AreAWordBelow0xFFFFAndEscapeToWiderForms) {
+    const std::pair<ULONGLONG, std::vector<BYTE>> cases[] = {
+        {0, Hex("00 00")},
+        {0xFFFE, Hex("fe ff")},
+        {0xFFFF, Hex("ff ff ff ff 00 00")},
+        {0x12345678, Hex("ff ff 78 56 34 12")},
+        {0x100000000ull, Hex("ff ff ff ff ff ff 00 00 00 00 01 00 00 00")}};
+    for (const auto& [count, bytes] : cases) {
+        if (sizeof(DWORD_PTR) < 8 && count > 0xFFFFFFFFu) {
+            continue;  // counts are 32 bits wide here
+        }
         CArchive ar(CArchive::store);
-        ar.WriteCount(static_cast<DWORD_PTR>(0x100000000ull));
-        EXPECT_EQ(ar.GetBytes(), Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00, 0x00,
-                                        0x01, 0x00, 0x00, 0x00}));
-        CArchive in(ar.GetBytes());
-        EXPECT_EQ(static_cast<unsigned long long>(in.ReadCount()), 0x100000000ull);
+        ar.WriteCount(static_cast<DWORD_PTR>(count));
+        EXPECT_EQ(ar.GetBytes(), bytes) << count;
+        CArchive in(bytes);
+        EXPECT_EQ(static_cast<ULONGLONG>(in.ReadCount()), count);
+        EXPECT_FALSE(in.HasFailed());
     }
 }
 
-TEST(ArchiveFailure, ReadingPastTheEndFailsAndZeroesTheOutput) {
-    CArchive ar(Bytes({0x01, 0x02, 0x03}));
-    DWORD value = 0xDEADBEEF;
-    ar >> value;
-    EXPECT_TRUE(ar.HasFailed());
-    EXPECT_EQ(value, 0u);
-}
-
-TEST(ArchiveFailure, FailureIsStickyEvenWithBytesLeft) {
-    CArchive ar(Bytes({0x01, 0x02, 0x03}));
-    DWORD tooWide = 0;
-    WORD fits = 0xFFFF;
-    ar >> tooWide >> fits;
-    EXPECT_TRUE(ar.HasFailed());
-    EXPECT_EQ(fits, 0);
-    EXPECT_EQ(ar.ReadCount(), 0u);
-}
-
-TEST(ArchiveFailure, TruncatedStringsLoadEmpty) {
-    EXPECT_EQ(LoadString(Bytes({0x05, 'a', 'b'}), true), "");
-    EXPECT_EQ(LoadString(Bytes({0xFF, 0x00}), true), "");
-    EXPECT_EQ(LoadString(Bytes({0xFF, 0xFE, 0xFF, 0x02, 'a', 0x00, 'b'}), true), "");
-    EXPECT_EQ(LoadString(Bytes({}), true), "");
-}
-
-TEST(ArchiveFailure, HugeLengthsFailWithoutAllocating) {
-    EXPECT_EQ(LoadString(Bytes({0xFF, 0xFF, 0xFF, 0xFE, 0xFF, 0xFF, 0x7F, 'a'}), true), "");
-    EXPECT_EQ(LoadString(Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
-                                0xFF, 0xFF, 0xFF, 0xFF, 'a'}),
-                         true),
-              "");
-}
-
-TEST(ArchiveFailure, CheckAvailableRefusesCountsBeyondTheBytesLeft) {
-    CArchive ar(Bytes({1, 2, 3, 4}));
-    EXPECT_TRUE(ar.CheckAvailable(2, 2));
-    EXPECT_FALSE(ar.CheckAvailable(0xFFFFFFFFFFFFFFFFull, 4));
-    EXPECT_TRUE(ar.HasFailed());
-}
-
-TEST(ArchiveFailure, ShortRawReadZeroFillsTheRest) {
-    CArchive ar(Bytes({0xAA, 0xBB}));
+TEST(ArchiveFailure, ReadingPastTheEndFailsForGoodAndZeroesTheOutputs) {
+    CArchive ar(Hex("01 02 03"));
+    EXPECT_EQ(Read<DWORD>(ar), 0u);
+    EXPECT_EQ(Read<WORD>(ar), 0);  // would fit, but the failure sticks
+    EXPECT_TRUE(ar.ReadCount() == 0 && ar.HasFailed());
+    CArchive raw(Hex("aa bb"));
     BYTE buffer[4] = {1, 1, 1, 1};
-    EXPECT_EQ(ar.Read(buffer, 4), 2u);
-    EXPECT_TRUE(ar.HasFailed());
-    EXPECT_EQ(std::vector<BYTE>(buffer, buffer + 4), Bytes({0xAA, 0xBB, 0x00, 0x00}));
-    EXPECT_EQ(ar.Read(nullptr, 0), 0u);
+    EXPECT_EQ(raw.Read(buffer, 4), 2u);
+    EXPECT_EQ(std::vector<BYTE>(buffer, buffer + 4), Hex("aa bb 00 00"));
+    EXPECT_TRUE(raw.HasFailed());
+    CArchive counted(Hex("01 02 03 04"));  // the size check must not overflow
+    EXPECT_TRUE(counted.CheckAvailable(2, 2) && !counted.CheckAvailable(0xFFFFFFFFFFFFFFFFull, 4) &&
+                counted.HasFailed());
 }
 
-TEST(ArchiveMisuse, LoadingFromAStoringArchiveFails) {
-    CArchive ar(CArchive::store);
-    int value = 5;
-    ar >> value;
-    EXPECT_TRUE(ar.HasFailed());
-    EXPECT_EQ(value, 0);
+TEST(ArchiveFailure, TruncatedOrHugeStringsLoadEmpty) {
+    // Too short for the length, a WORD or UTF-16 unit cut off, and lengths of
+    // 0x7FFFFFFF and 2^64-1 with one byte behind them.
+    for (const char* bytes :
+         {"", "05 'ab'", "ff 00", "ff fe ff 02 'a' 00 'b'", "ff ff ff fe ff ff 7f 'a'",
+          "ff ff ff ff ff ff ff ff ff ff ff ff ff ff ff 'a'"}) {
+        EXPECT_EQ(LoadString(Hex(bytes), true), "") << bytes;
+    }
 }
 
-TEST(ArchiveMisuse, StoringIntoALoadingArchiveFailsAndWritesNothing) {
-    CArchive ar(Bytes({0x01}));
-    ar << WORD(7) << CString("abc");
-    EXPECT_TRUE(ar.HasFailed());
-    EXPECT_EQ(ar.GetBytes(), Bytes({0x01}));
-}
-
-TEST(ArchiveMisuse, NullDataMakesAnEmptyLoadingArchive) {
-    CArchive ar(nullptr, 10);
-    EXPECT_TRUE(ar.IsLoading());
-    EXPECT_EQ(ar.GetRemaining(), 0u);
-    ar.Write(nullptr, 3);
-    EXPECT_TRUE(ar.HasFailed());
+TEST(ArchiveMisuse, ReadingAStoringArchiveOrWritingALoadingOneFails) {
+    CArchive storing(CArchive::store);
+    EXPECT_TRUE(Read<int>(storing) == 0 && storing.HasFailed());
+    CArchive loading(Hex("01"));
+    loading << WORD(7) << CString("abc");
+    EXPECT_TRUE(loading.HasFailed() && loading.GetBytes() == Hex("01"));
+    CArchive empty(nullptr, 10);
+    EXPECT_TRUE(empty.IsLoading() && empty.GetRemaining() == 0);
+    empty.Write(nullptr, 3);
+    EXPECT_TRUE(empty.HasFailed());
 }
 
 }  // namespace

@@ -9,21 +9,20 @@
 namespace {
 
 using IntList = CList<int, int>;
+using Ints = std::vector<int>;
 
-std::vector<int> Forward(const IntList& list) {
-    std::vector<int> values;
+// The elements head to tail, checked against a walk from the tail and the count.
+Ints Values(const IntList& list) {
+    Ints forward, backward;
     for (POSITION position = list.GetHeadPosition(); position;) {
-        values.push_back(list.GetNext(position));
+        forward.push_back(list.GetNext(position));
     }
-    return values;
-}
-
-std::vector<int> Backward(const IntList& list) {
-    std::vector<int> values;
     for (POSITION position = list.GetTailPosition(); position;) {
-        values.push_back(list.GetPrev(position));
+        backward.insert(backward.begin(), list.GetPrev(position));
     }
-    return values;
+    EXPECT_EQ(forward, backward) << "the links disagree";
+    EXPECT_EQ(static_cast<std::size_t>(list.GetCount()), forward.size());
+    return forward;
 }
 
 IntList MakeList(std::initializer_list<int> values) {
@@ -34,125 +33,71 @@ IntList MakeList(std::initializer_list<int> values) {
     return list;
 }
 
-TEST(ListOrder, AddsAtBothEnds) {
-    IntList list;
-    list.AddTail(2);
-    list.AddHead(1);
-    list.AddTail(3);
-    EXPECT_EQ(Forward(list), (std::vector<int>{1, 2, 3}));
-    EXPECT_EQ(Backward(list), (std::vector<int>{3, 2, 1}));
-    EXPECT_EQ(list.GetCount(), 3);
-    EXPECT_EQ(list.GetSize(), 3);
-    EXPECT_EQ(list.GetHead(), 1);
-    EXPECT_EQ(list.GetTail(), 3);
-}
-
-TEST(ListOrder, AddsWholeListsInOrder) {
+TEST(ListOrder, AddsElementsAndWholeListsAtBothEndsEvenTheListItself) {
     IntList list = MakeList({3, 4});
-    const IntList front = MakeList({1, 2});
-    list.AddHead(&front);
-    list.AddTail(&front);
-    EXPECT_EQ(Forward(list), (std::vector<int>{1, 2, 3, 4, 1, 2}));
+    const IntList pair = MakeList({1, 2});
+    list.AddHead(&pair);
+    list.AddTail(&pair);
     list.AddTail(static_cast<const IntList*>(nullptr));
-    EXPECT_EQ(list.GetCount(), 6);
+    list.AddHead(0);
+    EXPECT_EQ(Values(list), (Ints{0, 1, 2, 3, 4, 1, 2}));
+    IntList self = MakeList({1, 2});
+    self.AddTail(&self);
+    self.AddHead(&self);
+    EXPECT_EQ(Values(self), (Ints{1, 2, 1, 2, 1, 2, 1, 2}));
 }
 
-TEST(ListOrder, AddingAListToItselfDoublesItOnce) {
-    IntList list = MakeList({1, 2});
-    list.AddTail(&list);
-    EXPECT_EQ(Forward(list), (std::vector<int>{1, 2, 1, 2}));
-    list.AddHead(&list);
-    EXPECT_EQ(list.GetCount(), 8);
-    EXPECT_EQ(Backward(list), (std::vector<int>{2, 1, 2, 1, 2, 1, 2, 1}));
-}
-
-TEST(ListPositions, InsertAroundAPosition) {
+TEST(ListPositions, InsertAroundAPositionWhereNullMeansAnEndAndRemoveUnlinksOne) {
     IntList list = MakeList({1, 3});
-    POSITION three = list.Find(3);
+    const POSITION three = list.Find(3);
     list.InsertBefore(three, 2);
     list.InsertAfter(three, 4);
     list.InsertBefore(list.GetHeadPosition(), 0);
-    EXPECT_EQ(Forward(list), (std::vector<int>{0, 1, 2, 3, 4}));
-    EXPECT_EQ(Backward(list), (std::vector<int>{4, 3, 2, 1, 0}));
-}
-
-TEST(ListPositions, NullInsertPositionMeansAnEnd) {
-    IntList list = MakeList({2});
-    list.InsertBefore(nullptr, 1);
-    list.InsertAfter(nullptr, 3);
-    EXPECT_EQ(Forward(list), (std::vector<int>{1, 2, 3}));
-}
-
-TEST(ListPositions, RemoveAtUnlinksOnlyThatElement) {
-    IntList list = MakeList({1, 2, 3});
-    list.RemoveAt(list.FindIndex(1));
-    EXPECT_EQ(Forward(list), (std::vector<int>{1, 3}));
+    list.InsertBefore(nullptr, -1);
+    list.InsertAfter(nullptr, 5);
+    EXPECT_EQ(Values(list), (Ints{-1, 0, 1, 2, 3, 4, 5}));
+    list.RemoveAt(list.FindIndex(2));
     list.RemoveAt(list.GetHeadPosition());
     list.RemoveAt(list.GetTailPosition());
-    EXPECT_TRUE(list.IsEmpty());
-    EXPECT_EQ(list.GetHeadPosition(), nullptr);
-    EXPECT_EQ(list.GetTailPosition(), nullptr);
     list.RemoveAt(nullptr);
+    EXPECT_EQ(Values(list), (Ints{0, 2, 3, 4}));
 }
 
-TEST(ListPositions, GetAtAndSetAtAddressOneElement) {
-    IntList list = MakeList({1, 2});
-    POSITION second = list.FindIndex(1);
-    EXPECT_EQ(list.GetAt(second), 2);
-    list.SetAt(second, 20);
-    list.GetAt(list.GetHeadPosition()) = 10;
-    EXPECT_EQ(Forward(list), (std::vector<int>{10, 20}));
+TEST(ListSearch, FindStartsAfterTheGivenPositionAndFindIndexStaysInRange) {
+    IntList fives = MakeList({5, 6, 5});
+    const POSITION first = fives.Find(5);
+    EXPECT_EQ(first, fives.GetHeadPosition());
+    EXPECT_EQ(fives.Find(5, first), fives.GetTailPosition());
+    EXPECT_EQ(fives.FindIndex(2), fives.GetTailPosition());
+    EXPECT_TRUE(!fives.Find(5, fives.GetTailPosition()) && !fives.Find(7) && !fives.FindIndex(3) &&
+                !fives.FindIndex(-1));
 }
 
-TEST(ListSearch, FindStartsAfterTheGivenPosition) {
-    IntList list = MakeList({5, 6, 5});
-    POSITION first = list.Find(5);
-    POSITION second = list.Find(5, first);
-    EXPECT_EQ(first, list.GetHeadPosition());
-    EXPECT_EQ(second, list.GetTailPosition());
-    EXPECT_EQ(list.Find(5, second), nullptr);
-    EXPECT_EQ(list.Find(7), nullptr);
-    EXPECT_EQ(list.FindIndex(2), list.GetTailPosition());
-    EXPECT_EQ(list.FindIndex(3), nullptr);
-    EXPECT_EQ(list.FindIndex(-1), nullptr);
-}
-
-TEST(ListRemoval, RemoveHeadAndTailReturnTheElement) {
+TEST(ListRemoval, EndsGiveTheirElementUntilEmptyThenDefaults) {
     CList<CString> list;
     list.AddTail("a");
     list.AddTail("b");
-    list.AddTail("c");
-    EXPECT_EQ(list.RemoveHead(), "a");
-    EXPECT_EQ(list.RemoveTail(), "c");
-    EXPECT_EQ(list.GetHead(), "b");
-    EXPECT_EQ(list.GetTail(), "b");
-    list.RemoveAll();
-    EXPECT_TRUE(list.IsEmpty());
-}
-
-TEST(ListInvalidUse, EmptyListAndNullPositionsYieldDefaults) {
-    CList<CString> list;
-    EXPECT_EQ(list.RemoveHead(), "");
-    EXPECT_EQ(list.RemoveTail(), "");
-    EXPECT_EQ(list.GetHead(), "");
+    EXPECT_EQ((std::vector<CString>{list.RemoveHead(), list.RemoveTail(), list.RemoveHead(),
+                                    list.RemoveTail()}),
+              (std::vector<CString>{"a", "b", "", ""}));
+    EXPECT_TRUE(!list.GetHeadPosition() && !list.GetTailPosition());
     list.GetTail() = "written nowhere";
-    EXPECT_EQ(list.GetTail(), "");
+    list.SetAt(nullptr, "x");
     POSITION none = nullptr;
     EXPECT_EQ(list.GetNext(none), "");
-    EXPECT_EQ(none, nullptr);
-    list.SetAt(nullptr, "x");
-    EXPECT_TRUE(list.IsEmpty());
+    EXPECT_TRUE(list.GetTail().IsEmpty() && list.IsEmpty());
 }
 
 TEST(ListValue, CopiesAreDeepAndMovesTransfer) {
     IntList original = MakeList({1, 2});
     IntList copy(original);
     copy.AddTail(3);
-    EXPECT_EQ(Forward(original), (std::vector<int>{1, 2}));
+    EXPECT_EQ(Values(original), (Ints{1, 2}));
     original = copy;
-    EXPECT_EQ(Forward(original), (std::vector<int>{1, 2, 3}));
+    copy.RemoveHead();
     IntList moved(std::move(copy));
-    EXPECT_EQ(Forward(moved), (std::vector<int>{1, 2, 3}));
+    EXPECT_EQ(Values(original), (Ints{1, 2, 3}));
+    EXPECT_EQ(Values(moved), (Ints{2, 3}));
     EXPECT_TRUE(copy.IsEmpty());  // NOLINT(bugprone-use-after-move): a moved-from list is empty
 }
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstdio>
 #include <memory>
 
 // Named (not anonymous) so the run-time class members have external linkage
@@ -12,6 +12,9 @@ namespace runtime_class_test {
 
 class CShape : public CObject {
     DECLARE_DYNCREATE(CShape)
+
+public:
+    void Dump(CDumpContext& dc) const override { dc << "shape " << 7; }
 };
 IMPLEMENT_DYNCREATE(CShape, CObject)
 
@@ -19,11 +22,6 @@ class CCircle : public CShape {
     DECLARE_DYNAMIC(CCircle)
 };
 IMPLEMENT_DYNAMIC(CCircle, CShape)
-
-class CDumpedObject : public CObject {
-public:
-    void Dump(CDumpContext& dc) const override { dc << "dumped " << 7; }
-};
 
 int g_liveExceptions = 0;
 
@@ -40,8 +38,7 @@ public:
         if (helpContext) {
             *helpContext = 42;
         }
-        std::strncpy(buffer, "disk full", maxChars);
-        buffer[maxChars - 1] = '\0';
+        std::snprintf(buffer, maxChars, "%s", "disk full");
         return TRUE;
     }
 };
@@ -53,95 +50,53 @@ namespace {
 
 using namespace runtime_class_test;
 
-TEST(RuntimeClass, NamesTheClassAndItsSize) {
-    const CRuntimeClass* shape = RUNTIME_CLASS(CShape);
+TEST(RuntimeClass, DescribesTheClassAndFollowsTheBaseChainIntoTheLibrary) {
+    const CRuntimeClass *object = RUNTIME_CLASS(CObject), *shape = RUNTIME_CLASS(CShape),
+                        *circle = RUNTIME_CLASS(CCircle);
     EXPECT_STREQ(shape->m_lpszClassName, "CShape");
+    EXPECT_STREQ(RUNTIME_CLASS(CException)->m_lpszClassName, "CException");
     EXPECT_EQ(shape->m_nObjectSize, static_cast<int>(sizeof(CShape)));
-    EXPECT_EQ(shape->m_pBaseClass, RUNTIME_CLASS(CObject));
-    EXPECT_EQ(RUNTIME_CLASS(CObject)->m_pBaseClass, nullptr);
-    EXPECT_EQ(CShape::GetThisClass(), shape);
+    EXPECT_TRUE(shape->m_pBaseClass == object && object->m_pBaseClass == nullptr);
+    EXPECT_TRUE(circle->IsDerivedFrom(object) && circle->IsDerivedFrom(circle) &&
+                RUNTIME_CLASS(CCountedException)->IsDerivedFrom(RUNTIME_CLASS(CException)));
+    EXPECT_FALSE(shape->IsDerivedFrom(circle) || shape->IsDerivedFrom(nullptr));
 }
 
-TEST(RuntimeClass, FollowsTheBaseChain) {
-    EXPECT_TRUE(RUNTIME_CLASS(CCircle)->IsDerivedFrom(RUNTIME_CLASS(CObject)));
-    EXPECT_TRUE(RUNTIME_CLASS(CCircle)->IsDerivedFrom(RUNTIME_CLASS(CCircle)));
-    EXPECT_FALSE(RUNTIME_CLASS(CShape)->IsDerivedFrom(RUNTIME_CLASS(CCircle)));
-    EXPECT_FALSE(RUNTIME_CLASS(CShape)->IsDerivedFrom(nullptr));
-}
-
-TEST(RuntimeClass, CreatesOnlyDynCreateClasses) {
+TEST(RuntimeClass, CreatesOnlyDynCreateClassesAndIsKindOfUsesTheDynamicType) {
     std::unique_ptr<CObject> created(RUNTIME_CLASS(CShape)->CreateObject());
     ASSERT_NE(created, nullptr);
     EXPECT_EQ(created->GetRuntimeClass(), RUNTIME_CLASS(CShape));
     EXPECT_EQ(RUNTIME_CLASS(CCircle)->CreateObject(), nullptr);
-}
-
-TEST(RuntimeClass, IsKindOfUsesTheDynamicType) {
     CCircle circle;
     const CObject& object = circle;
     EXPECT_EQ(object.GetRuntimeClass(), RUNTIME_CLASS(CCircle));
-    EXPECT_TRUE(object.IsKindOf(RUNTIME_CLASS(CShape)));
-    EXPECT_TRUE(object.IsKindOf(RUNTIME_CLASS(CObject)));
+    EXPECT_TRUE(object.IsKindOf(RUNTIME_CLASS(CShape)) && object.IsKindOf(RUNTIME_CLASS(CObject)));
     EXPECT_FALSE(object.IsKindOf(RUNTIME_CLASS(CException)));
-}
-
-TEST(RuntimeClass, LibraryClassesAreVisibleToHosts) {
-    CCountedException exception(FALSE);
-    EXPECT_STREQ(RUNTIME_CLASS(CException)->m_lpszClassName, "CException");
-    EXPECT_TRUE(exception.IsKindOf(RUNTIME_CLASS(CException)));
-    EXPECT_TRUE(RUNTIME_CLASS(CCountedException)->IsDerivedFrom(RUNTIME_CLASS(CObject)));
-}
-
-TEST(DumpContext, CollectsWhatObjectsWrite) {
     CDumpContext dc;
-    CDumpedObject object;
     dc << object << ", " << 2.5 << static_cast<const char*>(nullptr);
-    EXPECT_EQ(dc.GetText(), "dumped 7, 2.5(null)");
+    EXPECT_EQ(dc.GetText(), "shape 7, 2.5(null)");
 }
 
-TEST(Exception, DeleteEndsAHeapException) {
-    try {
-        throw new CCountedException;
-    } catch (CException* caught) {
-        EXPECT_EQ(g_liveExceptions, 1);
-        caught->Delete();
-    }
+TEST(Exception, DeleteEndsOnlyAutoDeletingExceptions) {
+    (new CCountedException)->Delete();
     EXPECT_EQ(g_liveExceptions, 0);
+    CCountedException onStack(FALSE);
+    onStack.Delete();
+    EXPECT_EQ(g_liveExceptions, 1);
 }
 
-TEST(Exception, DeleteSparesAnExceptionThatIsNotAutoDeleting) {
-    {
-        CCountedException onStack(FALSE);
-        onStack.Delete();
-        EXPECT_EQ(g_liveExceptions, 1);
-    }
-    EXPECT_EQ(g_liveExceptions, 0);
-}
-
-TEST(Exception, BaseClassHasNoMessage) {
-    CException exception(FALSE);
+TEST(Exception, MessagesComeFromTheOverrideAndTheBaseClassHasNone) {
     char buffer[8] = "garbage";
     UINT help = 99;
-    EXPECT_FALSE(exception.GetErrorMessage(buffer, sizeof buffer, &help));
-    EXPECT_STREQ(buffer, "");
-    EXPECT_EQ(help, 0u);
-    EXPECT_FALSE(exception.GetErrorMessage(nullptr, 0));
-}
-
-TEST(Exception, NonConstFormReachesTheOverride) {
-    CCountedException exception(FALSE);
-    CException& base = exception;
-    char buffer[5];
-    UINT help = 0;
-    EXPECT_TRUE(base.GetErrorMessage(buffer, sizeof buffer, &help));
+    EXPECT_FALSE(CException(FALSE).GetErrorMessage(buffer, sizeof buffer, &help));
+    EXPECT_TRUE(buffer[0] == '\0' && help == 0);
+    CCountedException counted(FALSE);
+    CException& base = counted;  // the non-const overload must reach the override
+    EXPECT_TRUE(base.GetErrorMessage(buffer, 5, &help));
     EXPECT_STREQ(buffer, "disk");
     EXPECT_EQ(help, 42u);
-}
-
-TEST(Exception, ReportErrorWritesToStandardError) {
-    CCountedException exception(FALSE);
     testing::internal::CaptureStderr();
-    EXPECT_EQ(exception.ReportError(), 0);
+    EXPECT_EQ(base.ReportError(), 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "disk full\n");
 }
 

@@ -24,152 +24,83 @@ bool Load(Collection& collection, const std::vector<BYTE>& bytes) {
     return !ar.HasFailed();
 }
 
-std::vector<CString> Strings(const CStringList& list) {
-    std::vector<CString> strings;
-    for (POSITION position = list.GetHeadPosition(); position;) {
-        strings.push_back(list.GetNext(position));
+// Stores the elements, compares the bytes, and loads them back into an array
+// that already holds an element, which the load replaces.
+template <typename Array, typename Element>
+void ExpectStoredAs(std::initializer_list<Element> elements, const std::vector<BYTE>& bytes) {
+    Array array;
+    for (const Element& element : elements) {
+        array.Add(element);
     }
-    return strings;
+    const char* name = array.GetRuntimeClass()->m_lpszClassName;
+    EXPECT_TRUE(array.IsKindOf(Array::GetThisClass())) << name;
+    EXPECT_EQ(Stored(array), bytes) << name;
+    Array loaded;
+    loaded.Add(Element());
+    ASSERT_TRUE(Load(loaded, bytes)) << name;
+    EXPECT_EQ(std::vector<Element>(loaded.GetData(), loaded.GetData() + loaded.GetSize()),
+              std::vector<Element>(elements))
+        << name;
 }
 
-TEST(StoredStringList, HasACountThenLengthPrefixedStrings) {
-    CStringList list;
-    list.AddTail("ab");
-    list.AddTail("");
-    list.AddTail("xyz");
-    EXPECT_EQ(Stored(list), Bytes({0x03, 0x00, 0x02, 'a', 'b', 0x00, 0x03, 'x', 'y', 'z'}));
-    CStringList empty;
-    EXPECT_EQ(Stored(empty), Bytes({0x00, 0x00}));
-    EXPECT_TRUE(list.IsKindOf(RUNTIME_CLASS(CStringList)));
-}
-
-TEST(StoredStringList, LoadingAppendsAsMfcDoes) {
-    CStringList list;
-    list.AddTail("old");
-    ASSERT_TRUE(Load(list, Bytes({0x02, 0x00, 0x01, 'a', 0x01, 'b'})));
-    EXPECT_EQ(Strings(list), (std::vector<CString>{"old", "a", "b"}));
-}
-
-TEST(StoredStringList, FailedLoadLeavesTheListUnchanged) {
-    CStringList list;
-    list.AddTail("keep");
-    EXPECT_FALSE(Load(list, Bytes({0x02, 0x00, 0x01, 'a', 0x05, 'b'})));
-    EXPECT_FALSE(Load(list, Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F, 0x01, 'a'})));
-    EXPECT_FALSE(Load(list, Bytes({0x01})));
-    EXPECT_EQ(Strings(list), (std::vector<CString>{"keep"}));
-}
-
-TEST(StoredStringList, CountOf65535UsesTheDwordEscape) {
-    CStringList list;
-    for (int i = 0; i < 65535; ++i) {
-        list.AddTail("");
-    }
-    const std::vector<BYTE> bytes = Stored(list);
-    ASSERT_EQ(bytes.size(), 6u + 65535u);
-    EXPECT_EQ(std::vector<BYTE>(bytes.begin(), bytes.begin() + 7),
-              Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00, 0x00}));
-    CStringList loaded;
-    ASSERT_TRUE(Load(loaded, bytes));
-    EXPECT_EQ(loaded.GetCount(), 65535);
-}
-
-TEST(StoredStringArray, MatchesTheListLayoutAndReplacesOnLoad) {
-    CStringArray array;
-    array.Add("ab");
-    array.Add(CString('c', 255));
-    EXPECT_EQ(Stored(array),
-              Concat(Bytes({0x02, 0x00, 0x02, 'a', 'b', 0xFF, 0xFF, 0x00}), std::string(255, 'c')));
-    EXPECT_TRUE(array.IsKindOf(RUNTIME_CLASS(CStringArray)));
-    CStringArray loaded;
-    loaded.Add("old");
-    ASSERT_TRUE(Load(loaded, Stored(array)));
-    ASSERT_EQ(loaded.GetSize(), 2);
-    EXPECT_EQ(loaded[0], "ab");
-    EXPECT_EQ(loaded[1], CString('c', 255));
-}
-
-TEST(StoredStringArray, ReadsUnicodeMarkedElements) {
-    CStringArray array;
-    ASSERT_TRUE(Load(array, Bytes({0x01, 0x00, 0xFF, 0xFE, 0xFF, 0x01, 0xFC, 0x00})));
-    ASSERT_EQ(array.GetSize(), 1);
-    EXPECT_EQ(array[0], "\xC3\xBC");
-}
-
-TEST(StoredByteArray, HoldsRawBytes) {
-    CByteArray array;
-    array.Add(0x00);
-    array.Add(0xFF);
-    array.Add(0x7F);
-    EXPECT_EQ(Stored(array), Bytes({0x03, 0x00, 0x00, 0xFF, 0x7F}));
-    CByteArray loaded;
-    ASSERT_TRUE(Load(loaded, Stored(array)));
-    EXPECT_EQ(std::vector<BYTE>(loaded.GetData(), loaded.GetData() + 3), Bytes({0x00, 0xFF, 0x7F}));
-}
-
-TEST(StoredWordArray, HoldsLittleEndianWords) {
-    CWordArray array;
-    array.Add(0x0102);
-    array.Add(0xFFFE);
-    EXPECT_EQ(Stored(array), Bytes({0x02, 0x00, 0x02, 0x01, 0xFE, 0xFF}));
-    CWordArray loaded;
-    ASSERT_TRUE(Load(loaded, Stored(array)));
-    EXPECT_EQ(loaded[1], 0xFFFE);
-}
-
-TEST(StoredDWordArray, HoldsLittleEndianDwords) {
-    CDWordArray array;
-    array.Add(0x01020304);
-    array.Add(0xFFFFFFFF);
-    EXPECT_EQ(Stored(array), Bytes({0x02, 0x00, 0x04, 0x03, 0x02, 0x01, 0xFF, 0xFF, 0xFF, 0xFF}));
-    CDWordArray loaded;
-    ASSERT_TRUE(Load(loaded, Stored(array)));
-    EXPECT_EQ(loaded[0], 0x01020304u);
-}
-
-TEST(StoredUIntArray, HoldsFourBytesPerElement) {
-    CUIntArray array;
-    array.Add(1);
-    array.Add(0x80000000u);
-    EXPECT_EQ(Stored(array), Bytes({0x02, 0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x80}));
-    CUIntArray loaded;
-    ASSERT_TRUE(Load(loaded, Stored(array)));
-    EXPECT_EQ(loaded[1], 0x80000000u);
+TEST(StoredArrays, EachClassWritesACountThenItsElementsLittleEndian) {
+    ExpectStoredAs<CByteArray, BYTE>({0x00, 0xFF, 0x7F}, Hex("03 00 00 ff 7f"));
+    ExpectStoredAs<CWordArray, WORD>({0x0102, 0xFFFE}, Hex("02 00 02 01 fe ff"));
+    ExpectStoredAs<CDWordArray, DWORD>({0x01020304, 0xFFFFFFFF},
+                                       Hex("02 00 04 03 02 01 ff ff ff ff"));
+    ExpectStoredAs<CUIntArray, UINT>({1, 0x80000000u}, Hex("02 00 01 00 00 00 00 00 00 80"));
+    ExpectStoredAs<CStringArray, CString>(
+        {"ab", CString('c', 255)}, Concat(Hex("02 00 02 'ab' ff ff 00"), std::string(255, 'c')));
 }
 
 TEST(StoredArrays, CountOf65535UsesTheDwordEscape) {
     CByteArray array;
     array.SetSize(65535);
     const std::vector<BYTE> bytes = Stored(array);
-    ASSERT_EQ(bytes.size(), 6u + 65535u);
-    EXPECT_EQ(std::vector<BYTE>(bytes.begin(), bytes.begin() + 6),
-              Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x00, 0x00}));
+    EXPECT_EQ(std::vector<BYTE>(bytes.begin(), bytes.begin() + 7), Hex("ff ff ff ff 00 00 00"));
+    EXPECT_EQ(bytes.size(), 6u + 65535u);
     CByteArray loaded;
-    ASSERT_TRUE(Load(loaded, bytes));
-    EXPECT_EQ(loaded.GetSize(), 65535);
+    EXPECT_TRUE(Load(loaded, bytes) && loaded.GetSize() == 65535);
 }
 
-TEST(StoredArrays, FailedLoadLeavesTheArrayUnchanged) {
+TEST(StoredStringList, HasTheArrayLayoutButLoadingAppendsAsMfcDoes) {
+    CStringList list;
+    list.AddTail("ab");
+    list.AddTail("");
+    list.AddTail("xyz");
+    EXPECT_EQ(Stored(list), Hex("03 00 02 'ab' 00 03 'xyz'"));
+    EXPECT_TRUE(list.IsKindOf(RUNTIME_CLASS(CStringList)));
+    CStringList loaded;
+    loaded.AddTail("old");
+    EXPECT_TRUE(Load(loaded, Hex("02 00 01 'a' 01 'b'")));
+    EXPECT_EQ(Stored(loaded), Hex("03 00 03 'old' 01 'a' 01 'b'"));
+}
+
+TEST(StoredCollections, FailedLoadLeavesTheContentsUnchanged) {
+    CStringList list;
+    list.AddTail("keep");
+    EXPECT_FALSE(Load(list, Hex("02 00 01 'a' 05 'b'")));
+    EXPECT_FALSE(Load(list, Hex("ff ff ff ff ff 7f 01 'a'")));
+    EXPECT_FALSE(Load(list, Hex("01")));
+    EXPECT_EQ(Stored(list), Hex("01 00 04 'keep'"));
+
     CWordArray words;
     words.Add(7);
-    EXPECT_FALSE(Load(words, Bytes({0x02, 0x00, 0x01, 0x00, 0x02})));
-    EXPECT_FALSE(Load(words, Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,
-                                    0xFF, 0xFF, 0xFF, 0xFF})));
-    EXPECT_FALSE(Load(words, Bytes({})));
-    ASSERT_EQ(words.GetSize(), 1);
-    EXPECT_EQ(words[0], 7);
+    EXPECT_FALSE(Load(words, Hex("02 00 01 00 02")));
+    EXPECT_FALSE(Load(words, Hex("ff ff ff ff ff ff ff ff ff ff ff ff ff ff")));
+    EXPECT_FALSE(Load(words, Hex("")));
+    EXPECT_TRUE(words.GetSize() == 1 && words[0] == 7);
 
     CStringArray strings;
     strings.Add("keep");
-    EXPECT_FALSE(Load(strings, Bytes({0x03, 0x00, 0x01, 'a', 0x01, 'b'})));
-    ASSERT_EQ(strings.GetSize(), 1);
-    EXPECT_EQ(strings[0], "keep");
+    EXPECT_FALSE(Load(strings, Hex("03 00 01 'a' 01 'b'")));
+    EXPECT_TRUE(strings.GetSize() == 1 && strings[0] == "keep");
 }
 
-TEST(StoredArrays, GarbageNeverCrashes) {
-    std::vector<BYTE> garbage;
+TEST(StoredCollections, GarbageNeverCrashes) {
     unsigned state = 12345;
     for (int round = 0; round < 200; ++round) {
-        garbage.clear();
+        std::vector<BYTE> garbage;
         for (int i = 0; i < 40; ++i) {
             state = state * 1103515245u + 12345u;
             garbage.push_back(static_cast<BYTE>(state >> 16));
