@@ -8,7 +8,9 @@
 #include <random>
 #include <set>
 #include <string>
+#include <tuple>
 #include <type_traits>
+#include <vector>
 
 namespace {
 
@@ -33,200 +35,168 @@ GUID SetByte(GUID guid, std::size_t index, unsigned char value) {
 
 static_assert(std::has_virtual_destructor_v<CKWGuid>, "hosts delete derived values through it");
 
-TEST(GuidValue, EveryByteCountsAndComparingWithAnIntegerOnlyTestsForEmpty) {
+TEST(GuidValue, ComparingWithAnIntegerOnlyTestsForEmptyAndEveryByteCounts) {
     CKWGuid empty(kKnown);
     empty.SetEmpty();
     EXPECT_TRUE(empty == CKWGuid() && !empty.IsValid() && empty == 0 && empty == 5 &&
                 !(empty != 0));
-    const CKWGuid known(kKnown);
+    const std::size_t knownHash = std::hash<CKWGuid>()(kKnown);
     for (std::size_t i = 0; i < sizeof(GUID); ++i) {
         const CKWGuid oneByte(SetByte(GUID{}, i, 1));
         EXPECT_TRUE(oneByte.IsValid() == 1 && oneByte != 7 && !(oneByte == 0)) << i;
-        const GUID changed = SetByte(kKnown, i, reinterpret_cast<const BYTE*>(&kKnown)[i] ^ 1);
-        CKWGuid copy;
-        copy = CKWGuid(changed);
-        GUID out = kKnown;
-        copy.SetGUID(out);
-        EXPECT_TRUE(copy != known && copy == changed && !(copy == kKnown) && copy != kKnown) << i;
-        EXPECT_EQ(std::memcmp(&out, &changed, sizeof out), 0) << i;
-        EXPECT_NE(std::hash<CKWGuid>()(copy), std::hash<CKWGuid>()(known)) << i;
+        const CKWGuid changed(SetByte(kKnown, i, reinterpret_cast<const BYTE*>(&kKnown)[i] ^ 1));
+        EXPECT_TRUE(changed != kKnown && !(changed == CKWGuid(kKnown))) << i;
+        EXPECT_NE(std::hash<CKWGuid>()(changed), knownHash) << i;
     }
 }
 
-TEST(GuidOrder, FieldByFieldUnsignedFirstDifferenceDecides) {
-    const BYTE ff = 0xFF;
-    const std::pair<GUID, GUID> lowHigh[] = {
-        {{1, 0xFFFF, 0xFFFF, {ff, ff, ff, ff, ff, ff, ff, ff}}, {0xFFFFFFFF, 0, 0, {}}},
-        {{1, 0, 0, {}}, {0x80000000, 0, 0, {}}},
-        {{0, 1, 0, {}}, {0, 0x8000, 0, {}}},
-        {{0, 0, 1, {}}, {0, 0, 0x8000, {}}},
-        {{0, 0, 0, {1, ff}}, {0, 0, 0, {0x80}}},
-        {{0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 1}}, {0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0x80}}},
-        {{0x1, 0, 0, {}}, {0x100, 0, 0, {}}}};  // stored 01 00 .. and 00 01 ..: not memory order
-    for (const auto& [low, high] : lowHigh) {
-        EXPECT_TRUE(CKWGuid(low) < CKWGuid(high) && CKWGuid(high) > CKWGuid(low));
-        EXPECT_FALSE(CKWGuid(high) < CKWGuid(low) || CKWGuid(low) > CKWGuid(high));
-    }
-    EXPECT_FALSE(CKWGuid(kKnown) < CKWGuid(kKnown) || CKWGuid(kKnown) > CKWGuid(kKnown));
-}
-
-TEST(GuidWrittenForms, KnownValuesInEveryForm) {
-    const CKWGuid v(kKnown);
-    const std::string brace = "{" + kDashed + "}";
-    const std::string hex = "95e11590e20941b1811a263330087175";
-    const std::pair<std::string, std::string> forms[] = {
-        {v.GetCString().GetString(), brace},
-        {v.GetSTLString(), brace},
-        {static_cast<const char*>(v.GetBString()), brace},
-        {v.GetCStringUpperCase().GetString(), "{95E11590-E209-41B1-811A-263330087175}"},
-        {v.GetSTLStringSQL(), kDashed},
-        {v.GetCStringHex().GetString(), hex},
-        {static_cast<const char*>(v.GetBStringHex()), hex},
-        {v.GetCStringXML().GetString(), "GUID_" + kDashed},
-        {v.GetSTLStringXML(), "GUID_" + kDashed},
-        {static_cast<const char*>(v.GetBStringXML()), "GUID_" + kDashed},
-        {v.GetCStringXML64().GetString(), kXml64},
-        {static_cast<const char*>(v.GetBStringXML64()), kXml64},
-        {v.GetCStringXMLElement().GetString(), "_" + kXml64},
-        {v.GetSTLStringADOHex(), "80e00a019015e19509e2b141811a263330087175"},
-        {CKWGuid(GUID{1, 2, 3, {0, 4, 0, 0, 0, 0, 0, 5}}).GetSTLString(),
-         "{00000001-0002-0003-0004-000000000005}"},
-        {CKWGuid("{EC130930-944F-4394-B58A-D252EB277FFD}").GetCStringXMLElement().GetString(),
-         "_MAkT7E-UlEO1itJS6yd__Q"}};
-    for (const auto& [written, expected] : forms) {
-        EXPECT_EQ(written, expected);
+// The SQL text gives the fields in turn, most significant digit first, so its
+// order is the order: Data1, Data2, Data3, then the Data4 bytes, all unsigned.
+TEST(GuidOrder, MatchesTheOrderOfTheTextFormWhereverTheValuesDiffer) {
+    for (int i = 0; i < 20000; ++i) {
+        const CKWGuid a = RandomGuid();
+        GUID changed;
+        a.SetGUID(changed);
+        for (int k = 0; k <= i % 3; ++k) {
+            changed = SetByte(changed, g_random() % 16, static_cast<unsigned char>(g_random()));
+        }
+        const CKWGuid b(changed);
+        const std::string textA = a.GetSTLStringSQL(), textB = b.GetSTLStringSQL();
+        EXPECT_TRUE((a < b) == (textA < textB) && (b < a) == (textB < textA) &&
+                    (a > b) == (textA > textB))
+            << textA << " " << textB;
     }
 }
 
-TEST(GuidRoundTrip, EveryReadableFormRestoresRandomValues) {
-    for (int i = 0; i < 500; ++i) {
+template <typename Text>
+std::string Str(const Text& text) {
+    return static_cast<const char*>(text);
+}
+
+// The written forms in a fixed order: brace (CString, STL, BSTR), upper-case
+// brace, SQL, hex (CString, BSTR), XML (CString, STL, BSTR), XML64 (CString,
+// BSTR), element and ADO hex.
+std::vector<std::string> WrittenForms(const CKWGuid& v) {
+    return {Str(v.GetCString()),           v.GetSTLString(),         Str(v.GetBString()),
+            Str(v.GetCStringUpperCase()),  v.GetSTLStringSQL(),      Str(v.GetCStringHex()),
+            Str(v.GetBStringHex()),        Str(v.GetCStringXML()),   v.GetSTLStringXML(),
+            Str(v.GetBStringXML()),        Str(v.GetCStringXML64()), Str(v.GetBStringXML64()),
+            Str(v.GetCStringXMLElement()), v.GetSTLStringADOHex()};
+}
+
+template <auto Setter>
+void Read(CKWGuid& guid, const std::string& text) {
+    (guid.*Setter)(text.c_str());
+}
+
+// Every reader with the text lengths it accepts: 38 brace, 41 XML, 22 XML64,
+// 32 hex and 23 element. The wide XML64 reader ignores the XML form, and the
+// ADO hex reader never changes the value; both as they always did.
+const struct {
+    const char* name;
+    void (*read)(CKWGuid&, const std::string&);
+    std::set<std::size_t> lengths;
+} kReaders[] = {{"SetCString", Read<&CKWGuid::SetCString>, {38}},
+                {"SetSTLString", Read<&CKWGuid::SetSTLString>, {38}},
+                {"SetBString", Read<&CKWGuid::SetBString>, {38}},
+                {"SetCStringXML", Read<&CKWGuid::SetCStringXML>, {41}},
+                {"SetSTLStringXML", Read<&CKWGuid::SetSTLStringXML>, {41}},
+                {"SetBStringXML", Read<&CKWGuid::SetBStringXML>, {41}},
+                {"SetCStringXML64", Read<&CKWGuid::SetCStringXML64>, {22, 32, 41}},
+                {"SetBStringXML64", Read<&CKWGuid::SetBStringXML64>, {22, 32}},
+                {"SetCStringXMLElement", Read<&CKWGuid::SetCStringXMLElement>, {23}},
+                {"SetSTLStringADOHex", Read<&CKWGuid::SetSTLStringADOHex>, {}}};
+
+TEST(GuidWrittenForms, KnownValuesInEveryFormAndBack) {
+    const std::string brace = "{" + kDashed + "}", hex = "95e11590e20941b1811a263330087175";
+    EXPECT_EQ(WrittenForms(kKnown),
+              (std::vector<std::string>{
+                  brace, brace, brace, "{95E11590-E209-41B1-811A-263330087175}", kDashed, hex, hex,
+                  "GUID_" + kDashed, "GUID_" + kDashed, "GUID_" + kDashed, kXml64, kXml64,
+                  "_" + kXml64, "80e00a019015e19509e2b141811a263330087175"}));
+    EXPECT_EQ(CKWGuid(GUID{1, 2, 3, {0, 4, 0, 0, 0, 0, 0, 5}}).GetSTLString(),
+              "{00000001-0002-0003-0004-000000000005}");
+    EXPECT_EQ(CKWGuid("{EC130930-944F-4394-B58A-D252EB277FFD}").GetCStringXMLElement(),
+              "_MAkT7E-UlEO1itJS6yd__Q");
+    CKWGuid read[2];
+    read[0].SetBString(("\xC2\xAB" + kDashed + "\xC2\xBB").c_str());  // «...»: whole characters go
+    read[1].SetCStringXML64("kBXhlQnisUGBGiYzMAhxdR");  // the last 4 bits are beyond the value
+    EXPECT_TRUE(read[0] == kKnown && read[1] == kKnown);
+}
+
+TEST(GuidReaders, EachRestoresRandomValuesFromExactlyTheFormsOfItsLengths) {
+    for (int i = 0; i < 300; ++i) {
         const CKWGuid value = RandomGuid();
-        CKWGuid read[14];
-        read[0].SetCString(value.GetCString());
-        read[1].SetCString(value.GetCStringUpperCase());
-        read[2].SetSTLString(value.GetSTLString());
-        read[3].SetBString(value.GetBString());
-        read[4].SetCStringXML(value.GetCStringXML());
-        read[5].SetSTLStringXML(value.GetSTLStringXML());
-        read[6].SetBStringXML(value.GetBStringXML());
-        read[7].SetCStringXML64(value.GetCStringXML64());
-        read[8].SetCStringXML64(value.GetCStringHex());
-        read[9].SetCStringXML64(value.GetCStringXML());
-        read[10].SetBStringXML64(value.GetBStringXML64());
-        read[11].SetBStringXML64(value.GetBStringHex());
-        read[12].SetCStringXMLElement(value.GetCStringXMLElement());
-        read[13] = kOther;
-        read[13].SetBStringXML64(value.GetBStringXML());  // ignored here, as it always was
-        for (int form = 0; form < 14; ++form) {
-            EXPECT_EQ(read[form], form < 13 ? value : CKWGuid(kOther))
-                << form << " " << value.GetSTLString();
+        std::vector<std::string> forms = WrittenForms(value);
+        const std::string sql = value.GetSTLStringSQL(), hex = Str(value.GetCStringHex());
+        // Outer characters, the XML prefix, the element's first character and
+        // the case of hex digits are not checked.
+        forms.insert(forms.end(),
+                     {"(" + sql + ")", "12345" + sql, "9" + Str(value.GetCStringXML64()),
+                      Str(CString(hex.c_str()).MakeUpper())});
+        for (const std::string& form : forms) {
+            for (const auto& reader : kReaders) {
+                CKWGuid read(kOther);
+                reader.read(read, form);
+                EXPECT_EQ(read, reader.lengths.count(form.size()) ? value : CKWGuid(kOther))
+                    << reader.name << " on " << form;
+            }
         }
     }
 }
 
-using Reader = void (*)(CKWGuid&, const std::string&);
-
-TEST(GuidReaders, OnlyTheirOwnLengthsParseAndTheAdoHexReaderNeverDoes) {
-    const std::string tail(60, '}');
-    const std::string brace = "{" + kDashed + tail;
-    const std::string xml = "GUID_" + kDashed + tail;
-    const std::string digits = "95e11590e20941b1811a263330087175a0b1c2d3e4f5a6b7c8d9e0f1a2b3c4";
-    const struct {
-        Reader read;
-        std::string text;
-        std::set<std::size_t> lengths;
-    } cases[] = {
-        {[](CKWGuid& g, const std::string& t) { g.SetCString(t.c_str()); }, brace, {38}},
-        {[](CKWGuid& g, const std::string& t) { g.SetSTLString(t); }, brace, {38}},
-        {[](CKWGuid& g, const std::string& t) { g.SetBString(t.c_str()); }, brace, {38}},
-        {[](CKWGuid& g, const std::string& t) { g.SetCStringXML(t.c_str()); }, xml, {41}},
-        {[](CKWGuid& g, const std::string& t) { g.SetSTLStringXML(t); }, xml, {41}},
-        {[](CKWGuid& g, const std::string& t) { g.SetBStringXML(t.c_str()); }, xml, {41}},
-        {[](CKWGuid& g, const std::string& t) { g.SetCStringXML64(t.c_str()); }, digits, {22, 32}},
-        {[](CKWGuid& g, const std::string& t) { g.SetBStringXML64(t.c_str()); }, digits, {22, 32}},
-        {[](CKWGuid& g, const std::string& t) { g.SetCStringXMLElement(t.c_str()); },
-         "_" + kXml64 + digits,
-         {23}},
-        {[](CKWGuid& g, const std::string& t) { g.SetSTLStringADOHex(t.c_str()); },
-         CKWGuid(kKnown).GetSTLStringADOHex() + digits,
-         {}}};
-    for (const auto& c : cases) {
-        for (std::size_t length = 0; length <= c.text.size(); ++length) {
-            CKWGuid value(kOther);
-            c.read(value, c.text.substr(0, length));
-            EXPECT_EQ(value != kOther, c.lengths.count(length) == 1) << c.text << " at " << length;
+TEST(GuidReaders, NoOtherLengthParses) {
+    for (const std::string& form : WrittenForms(kKnown)) {
+        const std::string text = form + "a0b1c2d3e4f5a6b7c8d9e0f1a2b3c4d5e6f7";
+        for (std::size_t length = 0; length <= text.size(); ++length) {
+            for (const auto& reader : kReaders) {
+                CKWGuid value(kOther);
+                reader.read(value, text.substr(0, length));
+                EXPECT_TRUE(value == kOther || reader.lengths.count(length) == 1)
+                    << reader.name << " on " << text.substr(0, length);
+            }
         }
-    }
-}
-
-TEST(GuidReaders, OuterCharactersPrefixesCaseAndUnusedBitsAreNotChecked) {
-    CKWGuid read[8];
-    read[0].SetCString(("(" + kDashed + ")").c_str());
-    read[1].SetSTLString("a" + kDashed + "b");
-    read[2].SetCString("{95E11590-E209-41B1-811A-263330087175}");
-    read[3].SetCStringXML(("12345" + kDashed).c_str());
-    read[4].SetCStringXML64("95E11590E20941B1811A263330087175");
-    read[5].SetCStringXMLElement(("9" + kXml64).c_str());
-    read[6].SetBString(("\xC2\xAB" + kDashed + "\xC2\xBB").c_str());  // «...»: whole characters go
-    read[7].SetCStringXML64("kBXhlQnisUGBGiYzMAhxdR");  // the last 4 bits are beyond the value
-    for (const CKWGuid& value : read) {
-        EXPECT_TRUE(value == kKnown) << value.GetSTLString();
     }
 }
 
 TEST(GuidReaders, ABadCharacterAnywhereLeavesTheValueUnchanged) {
-    const std::string brace = "{" + kDashed + "}";
+    // Each form with where its checked characters start and how many there are.
+    const std::tuple<std::string, std::size_t, std::size_t> forms[] = {
+        {"{" + kDashed + "}", 1, 36}, {kXml64, 0, 22}, {"_" + kXml64, 1, 22}};
     // U+0139 and U+0141 end in the bytes of '9' and 'A'.
     const std::string bads[] = {
         "g", "-", "+", "/", "=", " ", "\r", "\x80", "\xC4\xB9", "\xC5\x81", std::string(1, '\0')};
     for (const std::string& bad : bads) {
-        for (std::size_t at = 0; at < 36; ++at) {
-            const std::string text = std::string(brace).replace(at + 1, 1, bad);
-            CKWGuid value(kOther);
-            if (brace[at + 1] != bad[0]) {
-                value.SetCString(text.c_str());
-                value.SetSTLString(text);
-                value.SetBString(text.c_str());
+        for (const auto& [form, first, count] : forms) {
+            for (std::size_t at = first; at < first + count; ++at) {
+                const std::string text = std::string(form).replace(at, 1, bad);
+                if (text == form || (form.size() < 38 && (bad == "-" || bad == "g"))) {
+                    continue;  // unchanged, or still base 64
+                }
+                for (const auto& reader : kReaders) {
+                    CKWGuid value(kOther);
+                    if (reader.lengths.count(form.size()) == 1) {  // a reader of this form
+                        reader.read(value, text);
+                    }
+                    EXPECT_TRUE(value == kOther) << reader.name << " on " << text;
+                }
             }
-            if (at < 22 && bad != "-" && bad != "g") {
-                const std::string base64 = std::string(kXml64).replace(at, 1, bad);
-                value.SetCStringXMLElement(("_" + base64).c_str());
-                value.SetCStringXML64(base64.c_str());
-                value.SetBStringXML64(base64.c_str());
-            }
-            EXPECT_TRUE(value == kOther) << bad << " at " << at;
         }
     }
 }
 
-TEST(GuidReaders, NullAndRandomTextsOfEveryLengthAreSafe) {
+TEST(GuidReaders, NullTextsChangeNothing) {
     CKWGuid value(kOther);
-    value.SetCString(nullptr);
-    value.SetCStringXML(nullptr);
-    value.SetCStringXML64(nullptr);
-    value.SetCStringXMLElement(nullptr);
-    value.SetSTLStringADOHex(nullptr);
-    value.SetBString(_bstr_t());
-    value.SetBStringXML(_bstr_t());
-    value.SetBStringXML64(_bstr_t());
+    for (auto setter : {&CKWGuid::SetCString, &CKWGuid::SetCStringXML, &CKWGuid::SetCStringXML64,
+                        &CKWGuid::SetCStringXMLElement, &CKWGuid::SetSTLStringADOHex}) {
+        (value.*setter)(nullptr);
+    }
+    for (auto setter : {&CKWGuid::SetBString, &CKWGuid::SetBStringXML, &CKWGuid::SetBStringXML64}) {
+        (value.*setter)(_bstr_t());
+    }
     value.SetCString(std::string(100000, 'A').c_str());
     EXPECT_TRUE(value == kOther);
     EXPECT_EQ(CKWGuid(static_cast<const char*>(nullptr)), CKWGuid());
-    for (std::size_t length = 0; length < 80; ++length) {
-        std::string text;
-        while (text.size() < length) {
-            text += static_cast<char>(1 + g_random() % 255);
-        }
-        value.SetSTLString(text);
-        value.SetSTLStringXML(text);
-        value.SetBString(text.c_str());
-        value.SetBStringXML(text.c_str());
-        value.SetCStringXML64(text.c_str());
-        value.SetBStringXML64(text.c_str());
-        value.SetCStringXMLElement(text.c_str());
-        EXPECT_TRUE(value == kOther || length == 22 || length == 23 || length == 32) << length;
-        value = kOther;
-    }
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ TEST(RuntimeClass, DescribesTheClassAndFollowsTheBaseChainIntoTheLibrary) {
     EXPECT_FALSE(shape->IsDerivedFrom(circle) || shape->IsDerivedFrom(nullptr));
 }
 
-TEST(RuntimeClass, CreatesOnlyDynCreateClassesAndIsKindOfUsesTheDynamicType) {
+TEST(RuntimeClass, CreatesOnlyDynCreateClassesAndIsKindOfAndDumpFollowTheDynamicType) {
     std::unique_ptr<CObject> created(RUNTIME_CLASS(CShape)->CreateObject());
     ASSERT_NE(created, nullptr);
     EXPECT_EQ(created->GetRuntimeClass(), RUNTIME_CLASS(CShape));
