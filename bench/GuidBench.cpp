@@ -23,6 +23,27 @@ void GuidGetCString(benchmark::State& state) {
 }
 BENCHMARK(GuidGetCString);
 
+// The like-for-like peer of uuid_unparse: text into the caller's buffer.
+void GuidWriteCString(benchmark::State& state) {
+    const CKWGuid guid(kBraceText);
+    char text[CKWGuid::BRACE_TEXT_SIZE];
+    for (auto _ : state) {
+        guid.WriteCString(text);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(GuidWriteCString);
+
+void GuidWriteCStringXML64(benchmark::State& state) {
+    const CKWGuid guid(kBraceText);
+    char text[CKWGuid::XML64_TEXT_SIZE];
+    for (auto _ : state) {
+        guid.WriteCStringXML64(text);
+        benchmark::DoNotOptimize(text);
+    }
+}
+BENCHMARK(GuidWriteCStringXML64);
+
 void GuidSetCString(benchmark::State& state) {
     CKWGuid guid;
     for (auto _ : state) {

@@ -1,5 +1,6 @@
 #include "kwcore/object/CKWGuid.h"
 
+#include <cstring>
 #include <new>
 #include <type_traits>
 
@@ -283,30 +284,62 @@ char* WriteHex(const unsigned char* bytes, std::size_t count, const HexPairTable
     return out;
 }
 
+// The 8-4-4-4-12 text, written straight from the fields (hot: every brace,
+// SQL and XML text goes through here).
 char* WriteDashed(const GUID& guid, const HexPairTable& hex, char* out) {
-    static constexpr std::size_t kGroupBytes[] = {4, 2, 2, 2, 6};
-    const GuidBytes text = TextOrder(guid);
-    const unsigned char* bytes = text.bytes;
-    for (std::size_t group : kGroupBytes) {
-        if (bytes != text.bytes) {
-            *out++ = '-';
-        }
-        out = WriteHex(bytes, group, hex, out);
-        bytes += group;
+    const auto put = [&hex, &out](unsigned byte) {
+        std::memcpy(out, hex.pairs[byte & 0xFF], 2);
+        out += 2;
+    };
+    put(guid.Data1 >> 24);
+    put(guid.Data1 >> 16);
+    put(guid.Data1 >> 8);
+    put(guid.Data1);
+    *out++ = '-';
+    put(guid.Data2 >> 8);
+    put(guid.Data2);
+    *out++ = '-';
+    put(guid.Data3 >> 8);
+    put(guid.Data3);
+    *out++ = '-';
+    put(guid.Data4[0]);
+    put(guid.Data4[1]);
+    *out++ = '-';
+    for (std::size_t i = 2; i < 8; ++i) {
+        put(guid.Data4[i]);
     }
     return out;
 }
+
+// Two base-64 characters for each 12-bit value, so a 24-bit group takes two
+// lookups (the element and attribute forms are written for every object).
+struct Base64PairTable {
+    char pairs[4096][2];
+};
+
+constexpr Base64PairTable MakeBase64PairTable() {
+    Base64PairTable table{};
+    for (int value = 0; value < 4096; ++value) {
+        table.pairs[value][0] = kBase64Alphabet[value >> 6];
+        table.pairs[value][1] = kBase64Alphabet[value & 0x3F];
+    }
+    return table;
+}
+
+constexpr Base64PairTable kBase64Pairs = MakeBase64PairTable();
 
 // Encode64 of the memory bytes, cut before its "==" padding.
 char* WriteXml64(const GUID& guid, char* out) {
     const GuidBytes memory = MemoryOrder(guid);
     const unsigned char* b = memory.bytes;
     for (std::size_t offset = 0; offset + 3 <= kGuidBytes; offset += 3) {
-        out = WriteGroupCharacters(Group24(b[offset], b[offset + 1], b[offset + 2]), 4, out);
+        const std::uint32_t group = Group24(b[offset], b[offset + 1], b[offset + 2]);
+        std::memcpy(out, kBase64Pairs.pairs[group >> 12], 2);
+        std::memcpy(out + 2, kBase64Pairs.pairs[group & 0xFFF], 2);
+        out += 4;
     }
-    *out++ = kBase64Alphabet[b[15] >> 2];
-    *out++ = kBase64Alphabet[(b[15] & 0x03) << 4];
-    return out;
+    std::memcpy(out, kBase64Pairs.pairs[(b[15] << 4) & 0xFFF], 2);
+    return out + 2;
 }
 
 GuidText BraceText(const GUID& guid, const HexPairTable& hex) {
@@ -534,6 +567,22 @@ CString CKWGuid::GetCStringXMLElement() const {
 
 std::string CKWGuid::GetSTLStringADOHex() const {
     return ToStdString(AdoHexText(m_guid));
+}
+
+void CKWGuid::WriteCString(char (&buffer)[BRACE_TEXT_SIZE]) const {
+    buffer[0] = '{';
+    char* end = WriteDashed(m_guid, kLowerHex, buffer + 1);
+    end[0] = '}';
+    end[1] = '\0';
+}
+
+void CKWGuid::WriteCStringXML64(char (&buffer)[XML64_TEXT_SIZE]) const {
+    *WriteXml64(m_guid, buffer) = '\0';
+}
+
+void CKWGuid::WriteCStringXMLElement(char (&buffer)[XML_ELEMENT_TEXT_SIZE]) const {
+    buffer[0] = '_';
+    *WriteXml64(m_guid, buffer + 1) = '\0';
 }
 
 void CKWGuid::SetCString(const char* text) {

@@ -94,6 +94,17 @@ public:
     CString GetCStringXMLElement() const;
     std::string GetSTLStringADOHex() const;
 
+    // The brace, XML64 and element forms written into the caller's buffer
+    // with a terminating NUL, without allocating: for hot paths such as
+    // archive writers. The text is that of GetCString, GetCStringXML64 and
+    // GetCStringXMLElement.
+    static constexpr std::size_t BRACE_TEXT_SIZE = 39;
+    static constexpr std::size_t XML64_TEXT_SIZE = 23;
+    static constexpr std::size_t XML_ELEMENT_TEXT_SIZE = 24;
+    void WriteCString(char (&buffer)[BRACE_TEXT_SIZE]) const;
+    void WriteCStringXML64(char (&buffer)[XML64_TEXT_SIZE]) const;
+    void WriteCStringXMLElement(char (&buffer)[XML_ELEMENT_TEXT_SIZE]) const;
+
     // Text forms read. A null pointer or a text that does not parse leaves
     // the value unchanged.
     //
