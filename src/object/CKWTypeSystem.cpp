@@ -1,9 +1,12 @@
 #include "kwcore/object/CKWTypeSystem.h"
 
+#include <algorithm>
+
 #include "kwcore/object/CKWObjectImpl.h"
 
 // Constant-initialised, so type objects may register from any static constructor.
 CKWTypeSystem* CKWTypeSystem::m_pInstance = nullptr;
+IKWObjectType* CKWTypeSystem::m_rootTypes[kMaxRootTypes] = {};
 
 CKWTypeSystem* CKWTypeSystem::GetInstance() {
     if (!m_pInstance) {
@@ -47,13 +50,38 @@ void CKWTypeSystem::GetRepositoryIDs(std::list<CKWGuid>& repositoryIDs) {
 
 void CKWTypeSystem::Initialize(const CKWGuid& repositoryID) {
     CKWTypeSystem* system = GetInstance();
-    IKWObjectType* root = CKWObjectImpl::GetCKWObjectImplType();
-    if (!FindType(root->GetID())) {
-        AddType(root);
-    }
+    AddMissingRootTypes();
     CKWTypeRepository& repository = system->RepositoryFor(repositoryID);
     system->LinkNewTypesToParents();
     system->CollectNewTypes(repository);
+}
+
+int CKWTypeSystem::AddRootType(IKWObjectType* type) {
+    if (!type) {
+        return 0;
+    }
+    IKWObjectType** end = m_rootTypes + kMaxRootTypes;
+    if (std::find(m_rootTypes, end, type) != end) {
+        return 0;
+    }
+    IKWObjectType** freeSlot = std::find(m_rootTypes, end, nullptr);
+    if (freeSlot == end) {
+        return 0;
+    }
+    *freeSlot = type;
+    return 1;
+}
+
+void CKWTypeSystem::AddMissingRootTypes() {
+    IKWObjectType* objectRoot = CKWObjectImpl::GetCKWObjectImplType();
+    if (!FindType(objectRoot->GetID())) {
+        AddType(objectRoot);
+    }
+    for (IKWObjectType* root : m_rootTypes) {
+        if (root && !FindType(root->GetID())) {
+            AddType(root);
+        }
+    }
 }
 
 CKWTypeRepository& CKWTypeSystem::RepositoryFor(const CKWGuid& repositoryID) {
@@ -129,6 +157,11 @@ void CKWTypeSystem::Release() {
 }
 
 void CKWTypeSystem::ForgetType(const IKWObjectType* type) {
+    for (IKWObjectType*& slot : m_rootTypes) {
+        if (slot == type) {
+            slot = nullptr;
+        }
+    }
     CKWTypeSystem* system = m_pInstance;
     if (!system) {
         return;

@@ -48,6 +48,12 @@ public:
     // The IDs of the repositories, in ascending order.
     static void GetRepositoryIDs(std::list<CKWGuid>& repositoryIDs);
 
+    // Names a root type of a layer above the object model (the serializable
+    // object's type): Initialize re-adds it when it is missing, as it does
+    // CKWObjectImpl's. Survives Release. 0 for null, a full table or a type
+    // already named.
+    static int AddRootType(IKWObjectType* type);
+
 protected:
     static CKWTypeSystem* GetInstance();
 
@@ -65,7 +71,12 @@ private:
     void CollectNewTypes(CKWTypeRepository& repository);
     void ReleaseTypesOf(CKWTypeRepository& repository);
 
+    static void AddMissingRootTypes();
+
     static CKWTypeSystem* m_pInstance;
+    // Constant-initialised, so layers may name root types from static constructors.
+    static constexpr int kMaxRootTypes = 4;
+    static IKWObjectType* m_rootTypes[kMaxRootTypes];
 
     std::map<CKWGuid, CKWTypeRepository*> m_repositories;
     std::map<CKWGuid, IKWObjectType*> m_globalTypes;

@@ -45,60 +45,83 @@
 #define KW_TYPE_OBJECT_STORAGE
 #endif
 
-// Everything but Release(): for classes whose Release is written by hand.
-#define KW_DECLARE_TYPE_OBJECT(Class, TypeBase)          \
-public:                                                  \
-    class Class##Type : public TypeBase {                \
-    public:                                              \
-        Class##Type();                                   \
-                                                         \
-    protected:                                           \
-        IKWObject* CTOR() override;                      \
-        void DTOR(IKWObject* object) override;           \
-    };                                                   \
-    static Class##Type* Get##Class##Type();              \
-    IKWObjectType* GetType() const override;             \
-                                                         \
-protected:                                               \
-    static Class##Type m_##Class##Type;                  \
-                                                         \
+// Everything but Release(), with extra members ending the nested type class
+// (public at their start): how a layer above adds its type hooks.
+#define KW_DECLARE_TYPE_OBJECT_WITH(Class, TypeBase, TypeMembers) \
+public:                                                           \
+    class Class##Type : public TypeBase {                         \
+    public:                                                       \
+        Class##Type();                                            \
+                                                                  \
+    protected:                                                    \
+        IKWObject* CTOR() override;                               \
+        void DTOR(IKWObject* object) override;                    \
+                                                                  \
+    public:                                                       \
+        TypeMembers                                               \
+    };                                                            \
+    static Class##Type* Get##Class##Type();                       \
+    IKWObjectType* GetType() const override;                      \
+                                                                  \
+protected:                                                        \
+    static Class##Type m_##Class##Type;                           \
+                                                                  \
 private:
 
-#define KW_DECLARE_TYPE(Class, TypeBase)      \
-    KW_DECLARE_TYPE_OBJECT(Class, TypeBase)   \
-public:                                       \
-    int Release() override;                   \
-                                              \
+// Everything but Release(): for classes whose Release is written by hand.
+#define KW_DECLARE_TYPE_OBJECT(Class, TypeBase) KW_DECLARE_TYPE_OBJECT_WITH(Class, TypeBase, )
+
+#define KW_DECLARE_TYPE_WITH(Class, TypeBase, TypeMembers)    \
+    KW_DECLARE_TYPE_OBJECT_WITH(Class, TypeBase, TypeMembers) \
+public:                                                       \
+    int Release() override;                                   \
+                                                              \
 private:
+
+#define KW_DECLARE_TYPE(Class, TypeBase) KW_DECLARE_TYPE_WITH(Class, TypeBase, )
 
 #define KW_DECLARE_ABSTRACT_TYPE(Class, TypeBase) KW_DECLARE_TYPE(Class, TypeBase)
 
-#define KW_IMPLEMENT_TYPE_COMMON_(Class, TypeID, ParentTypeID, IsAbstract)                    \
-    Class::Class##Type::Class##Type() {                                                        \
-        SetAbstract(IsAbstract);                                                               \
-        SetName(#Class);                                                                       \
-        SetClassName(#Class);                                                                  \
-        SetParentTypeID(CKWGuid(ParentTypeID));                                                \
-        SetID(CKWGuid(TypeID));                                                                \
-    }                                                                                          \
-    Class::Class##Type* Class::Get##Class##Type() { return &m_##Class##Type; }                 \
-    IKWObjectType* Class::GetType() const { return &m_##Class##Type; }                         \
+#define KW_IMPLEMENT_TYPE_COMMON_(Class, TypeID, ParentTypeID, IsAbstract) \
+    Class::Class##Type::Class##Type() {                                    \
+        SetAbstract(IsAbstract);                                           \
+        SetName(#Class);                                                   \
+        SetClassName(#Class);                                              \
+        SetParentTypeID(CKWGuid(ParentTypeID));                            \
+        SetID(CKWGuid(TypeID));                                            \
+    }                                                                      \
+    Class::Class##Type* Class::Get##Class##Type() {                        \
+        return &m_##Class##Type;                                           \
+    }                                                                      \
+    IKWObjectType* Class::GetType() const {                                \
+        return &m_##Class##Type;                                           \
+    }                                                                      \
     Class::Class##Type Class::m_##Class##Type KW_TYPE_OBJECT_STORAGE;
 
 // Everything but Release(), for a class declared with KW_DECLARE_TYPE_OBJECT.
 // DTOR destroys the object as its own class, so members are freed with it;
 // what an object holds in other objects is still given back in OnBeforeRelease.
-#define KW_IMPLEMENT_TYPE_OBJECT(Class, TypeID, ParentTypeID)                                 \
-    KW_IMPLEMENT_TYPE_COMMON_(Class, TypeID, ParentTypeID, 0)                                  \
-    IKWObject* Class::Class##Type::CTOR() { return new (std::nothrow) Class(); }               \
-    void Class::Class##Type::DTOR(IKWObject* object) { delete static_cast<Class*>(object); }
+#define KW_IMPLEMENT_TYPE_OBJECT(Class, TypeID, ParentTypeID) \
+    KW_IMPLEMENT_TYPE_COMMON_(Class, TypeID, ParentTypeID, 0) \
+    IKWObject* Class::Class##Type::CTOR() {                   \
+        return new (std::nothrow) Class();                    \
+    }                                                         \
+    void Class::Class##Type::DTOR(IKWObject* object) {        \
+        delete static_cast<Class*>(object);                   \
+    }
 
-#define KW_IMPLEMENT_TYPE(Class, TypeID, ParentTypeID)        \
-    KW_IMPLEMENT_TYPE_OBJECT(Class, TypeID, ParentTypeID)     \
-    int Class::Release() { return m_##Class##Type.ReleaseInstance(this); }
+#define KW_IMPLEMENT_TYPE(Class, TypeID, ParentTypeID)    \
+    KW_IMPLEMENT_TYPE_OBJECT(Class, TypeID, ParentTypeID) \
+    int Class::Release() {                                \
+        return m_##Class##Type.ReleaseInstance(this);     \
+    }
 
-#define KW_IMPLEMENT_ABSTRACT_TYPE(Class, TypeID, ParentTypeID)              \
-    KW_IMPLEMENT_TYPE_COMMON_(Class, TypeID, ParentTypeID, 1)                 \
-    IKWObject* Class::Class##Type::CTOR() { return nullptr; }                 \
-    void Class::Class##Type::DTOR(IKWObject*) {}                              \
-    int Class::Release() { return m_##Class##Type.ReleaseInstance(this); }
+#define KW_IMPLEMENT_ABSTRACT_TYPE(Class, TypeID, ParentTypeID) \
+    KW_IMPLEMENT_TYPE_COMMON_(Class, TypeID, ParentTypeID, 1)   \
+    IKWObject* Class::Class##Type::CTOR() {                     \
+        return nullptr;                                         \
+    }                                                           \
+    void Class::Class##Type::DTOR(IKWObject*) {}                \
+    int Class::Release() {                                      \
+        return m_##Class##Type.ReleaseInstance(this);           \
+    }

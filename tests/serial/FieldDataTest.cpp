@@ -1,0 +1,186 @@
+// Field data: values as text, links, collections, groups and change notices.
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "SerialTestTypes.h"
+#include "kwcore/serial/CKWGroupFieldData.h"
+
+namespace {
+
+class FieldData : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_pPart = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
+        m_pOther = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
+        ASSERT_TRUE(m_pPart && m_pOther);
+    }
+    void TearDown() override { ReleaseInstancesOf(CTestPart::GetCTestPartType()); }
+
+    static IKWFieldData* Data(CTestPart* part, const char* fieldID) {
+        return part->GetFieldData(CKWGuid(fieldID));
+    }
+    static std::string Text(CTestPart* part, const char* fieldID) {
+        return std::string(Data(part, fieldID)->GetStringValue());
+    }
+    // A group of the field in both parts; the caller releases it.
+    CKWGroupFieldData* Group(const char* fieldID) {
+        auto* group = new CKWGroupFieldData;
+        EXPECT_EQ(group->AddFieldData(Data(m_pPart, fieldID)), 1);
+        EXPECT_EQ(group->AddFieldData(Data(m_pOther, fieldID)), 1);
+        return group;
+    }
+
+    CTestPart* m_pPart = nullptr;
+    CTestPart* m_pOther = nullptr;
+};
+
+TEST_F(FieldData, ValuesTakeAndGiveTheirTextFormsInPlace) {
+    struct Row {
+        const char* fieldID;
+        const char* input;
+        int accepted;
+        const char* text;  // the value's text afterwards
+    };
+    const Row rows[] = {
+        {kNameFieldID, "wheel", 1, "wheel"},
+        {kNameFieldID, "", 1, ""},
+        {kCountFieldID, "42", 1, "42"},
+        {kCountFieldID, " -7 ", 1, "-7"},
+        {kCountFieldID, "4x", 0, "-7"},
+        {kCountFieldID, "", 0, "-7"},
+        {kCountFieldID, "99999999999", 0, "-7"},
+        {kTagFieldID, "{2E40626A-D1F3-4538-9EE0-0123AFC0E1F4}", 1,
+         "{2e40626a-d1f3-4538-9ee0-0123afc0e1f4}"},
+        {kTagFieldID, "not a guid", 0, "{2e40626a-d1f3-4538-9ee0-0123afc0e1f4}"},
+        {kTagFieldID, "{00000000-0000-0000-0000-000000000000}", 1,
+         "{00000000-0000-0000-0000-000000000000}"},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(Data(m_pPart, row.fieldID)->SetValueFromString(row.input), row.accepted)
+            << row.input;
+        EXPECT_EQ(Text(m_pPart, row.fieldID), row.text) << row.input;
+    }
+    EXPECT_EQ(m_pPart->m_iCount, -7);
+    EXPECT_FALSE(m_pPart->m_Tag.IsValid());
+    m_pPart->m_Name = "axle";
+    EXPECT_EQ(Text(m_pPart, kNameFieldID), "axle");
+    dynamic_cast<CKWFieldDataT<int>*>(Data(m_pPart, kCountFieldID))->SetValue(11);
+    EXPECT_EQ(m_pPart->m_iCount, 11);
+}
+
+TEST_F(FieldData, LinksShowTheLinkedInstanceAndCollectionsTheirCount) {
+    EXPECT_EQ(Text(m_pPart, kNextFieldID), "Not Set");
+    m_pPart->m_pNext = m_pOther;
+    EXPECT_EQ(Text(m_pPart, kNextFieldID), std::string(m_pOther->GetInstanceID().GetCString()));
+    EXPECT_EQ(Data(m_pPart, kNextFieldID)->SetValueFromString("x"), 0);
+    EXPECT_EQ(Text(m_pPart, kPartsFieldID), "0");
+    m_pPart->m_Parts.Add(m_pOther);
+    m_pPart->m_Parts.Add(m_pPart);
+    EXPECT_EQ(Text(m_pPart, kPartsFieldID), "2");
+}
+
+TEST_F(FieldData, EqualsSetToAndCloneCompareAndCopyEveryKind) {
+    m_pPart->m_Name = "rim";
+    m_pPart->m_iCount = 5;
+    m_pPart->m_Tag = CKWGuid::CreateNewGUID();
+    m_pPart->m_pNext = m_pOther;
+    m_pPart->m_Parts.Add(m_pPart);
+    m_pPart->m_Parts.Add(m_pOther);
+    m_pOther->m_Parts.Add(m_pOther);
+    for (const char* id : {kNameFieldID, kNextFieldID, kPartsFieldID}) {
+        EXPECT_EQ(Data(m_pOther, id)->Equals(Data(m_pPart, id)), 0) << id;
+        EXPECT_EQ(Data(m_pOther, id)->Equals(nullptr), 0) << id;
+        EXPECT_EQ(Data(m_pOther, id)->SetTo(nullptr), 0) << id;
+    }
+    EXPECT_EQ(Data(m_pOther, kNextFieldID)->SetTo(Data(m_pPart, kNameFieldID)), 0);
+    EXPECT_EQ(m_pOther->CloneFieldData(m_pPart), 1);
+    for (const char* id : {kNameFieldID, kCountFieldID, kTagFieldID, kNextFieldID, kPartsFieldID}) {
+        EXPECT_EQ(Data(m_pOther, id)->Equals(Data(m_pPart, id)), 1) << id;
+    }
+    EXPECT_EQ(std::string(m_pOther->m_Name), "rim");
+    EXPECT_EQ(m_pOther->m_Tag, m_pPart->m_Tag);
+    EXPECT_EQ(m_pOther->m_pNext, m_pOther);
+    EXPECT_EQ(m_pOther->m_Parts.GetCount(), 2);
+    EXPECT_EQ(m_pOther->CloneFieldData(nullptr), 0);
+}
+
+TEST_F(FieldData, ChangeNoticesAndPresentationAskTheHoldingObject) {
+    IKWFieldData* name = Data(m_pPart, kNameFieldID);
+    CString proposed = "spoke";
+    EXPECT_EQ(name->NotifyOfPendingChange(proposed), 1);
+    m_pPart->m_bRefuseChanges = true;
+    EXPECT_EQ(name->NotifyOfPendingChange(proposed), 0);
+    name->NotifyOfChange();
+    EXPECT_EQ(m_pPart->m_changedFields, (std::vector<IKWFieldData*>{name}));
+    const int presentation[] = {name->ReadOnly(),    name->Visible(),        name->Expanded(),
+                                name->Checked(),     name->HasCheckbox(),    name->HiliteReadable(),
+                                name->IsGroupData(), name->GroupDataVaries()};
+    EXPECT_EQ(std::vector<int>(std::begin(presentation), std::end(presentation)),
+              (std::vector<int>{0, 1, 1, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(name->GetEffectiveData(), name);
+    EXPECT_EQ(name->HasFieldDataImplTypeOf(CKWGuid(kNameFieldID)), 1);
+    EXPECT_EQ(name->HasFieldDataImplTypeOf(CKWGuid(kCountFieldID)), 0);
+    EXPECT_EQ(name->HasFieldTypeOf(CKWGuid(kTextTypeID)), 1);
+    EXPECT_EQ(name->HasFieldTypeOf(CKWGuid(kIntTypeID)), 0);
+    IKWFieldData* holder = Data(m_pOther, kNextFieldID);
+    m_pPart->SetParentField(holder);
+    for (IKWFieldData* data : m_pPart->GetFieldDataList()) {
+        EXPECT_EQ(data->GetParentField(), holder);
+    }
+}
+
+TEST_F(FieldData, GroupsGiveTheCommonTextVariesOrEmpty) {
+    struct Row {
+        const char* first;
+        const char* second;
+        const char* text;
+        int varies;
+    };
+    const Row rows[] = {{"a", "a", "a", 0}, {"a", "b", "*Varies*", 1}, {"", "", "", 0}};
+    for (const Row& row : rows) {
+        m_pPart->m_Name = row.first;
+        m_pOther->m_Name = row.second;
+        CKWGroupFieldData* group = Group(kNameFieldID);
+        EXPECT_EQ(std::string(group->GetStringValue()), row.text) << row.first << row.second;
+        EXPECT_EQ(group->GroupDataVaries(), row.varies);
+        group->Release(true);
+    }
+    auto* empty = new CKWGroupFieldData;
+    EXPECT_EQ(std::string(empty->GetStringValue()), "EMPTY");
+    EXPECT_EQ(empty->IsGroupData(), 1);
+    EXPECT_EQ(empty->GetField(), nullptr);
+    EXPECT_EQ(empty->GetEffectiveData(), empty);
+    EXPECT_EQ(empty->SupportsStringStorage(), 0);
+    EXPECT_EQ(empty->AddFieldData(nullptr) + empty->AddFieldData(empty), 0);
+    empty->Release(true);
+}
+
+TEST_F(FieldData, GroupsPassEditsToEveryMember) {
+    CKWGroupFieldData* group = Group(kCountFieldID);
+    EXPECT_EQ(group->AddFieldData(Data(m_pOther, kCountFieldID)), 0);
+    EXPECT_EQ(group->GetFieldDataList().size(), 2u);
+    EXPECT_EQ(group->GetField(), Data(m_pPart, kCountFieldID)->GetField());
+    EXPECT_EQ(group->GetEffectiveData(), Data(m_pPart, kCountFieldID));
+    EXPECT_EQ(group->SupportsStringStorage(), 1);
+
+    EXPECT_EQ(group->SetValueFromString("8"), 1);
+    EXPECT_EQ(m_pPart->m_iCount + m_pOther->m_iCount, 16);
+    EXPECT_EQ(group->SetValueFromString("eight"), 0);
+    CString proposed = "9";
+    m_pOther->m_bRefuseChanges = true;
+    EXPECT_EQ(group->NotifyOfPendingChange(proposed), 0);
+    group->NotifyOfChange();
+    EXPECT_EQ(m_pPart->m_changedFields.size() + m_pOther->m_changedFields.size(), 2u);
+    m_pPart->m_iCount = 12;
+    EXPECT_EQ(group->SetTo(Data(m_pPart, kCountFieldID)), 1);
+    EXPECT_EQ(m_pOther->m_iCount, 12);
+    EXPECT_EQ(group->SetTo(nullptr), 0);
+    // Releasing the group leaves the members with their objects.
+    group->Release(true);
+    EXPECT_EQ(Text(m_pOther, kCountFieldID), "12");
+}
+
+}  // namespace
