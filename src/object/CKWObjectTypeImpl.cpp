@@ -6,9 +6,13 @@
 
 CKWObjectTypeImpl::CKWObjectTypeImpl() : m_pTrackedInstances(new CKWInstanceTable) {}
 
-CKWObjectTypeImpl::~CKWObjectTypeImpl() { CKWTypeSystem::ForgetType(this); }
+CKWObjectTypeImpl::~CKWObjectTypeImpl() {
+    CKWTypeSystem::ForgetType(this);
+}
 
-int CKWObjectTypeImpl::GetInstanceCount() const { return m_pTrackedInstances->GetCount(); }
+int CKWObjectTypeImpl::GetInstanceCount() const {
+    return m_pTrackedInstances->GetCount();
+}
 
 IKWObject* CKWObjectTypeImpl::FindInstance(const CKWGuid& instanceID) const {
     return m_pTrackedInstances->Find(instanceID);
@@ -132,5 +136,19 @@ void CKWObjectTypeImpl::RemoveTrackedInstance(IKWObject* object) {
 void CKWObjectTypeImpl::AddTrackedInstance(IKWObject* object) {
     if (object) {
         m_pTrackedInstances->Insert(object->GetInstanceID(), object);
+    }
+}
+
+void CKWObjectTypeImpl::ChangeInstanceID(IKWObject* object, const CKWGuid& instanceID) {
+    if (!object || object->GetInstanceID() == instanceID) {
+        return;
+    }
+    IKWObjectType* type = object->GetType();
+    if (type) {
+        type->RemoveTrackedInstance(object);
+    }
+    object->SetInstanceID(instanceID);
+    if (type) {
+        type->AddTrackedInstance(object);
     }
 }

@@ -137,3 +137,20 @@ TEST_F(ObjectLifetime, DuplicateInstanceIDDoesNotDisturbTheFirstInstance) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(ObjectLifetime, ChangedInstanceIDIsReFiledWithTheType) {
+    CTestWidget* w = NewWidget();
+    const CKWGuid oldID = w->GetInstanceID();
+    const CKWGuid newID = CKWGuid::CreateNewGUID();
+    CKWObjectTypeImpl::ChangeInstanceID(w, newID);
+    EXPECT_EQ(w->GetInstanceID(), newID);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(newID), w);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(oldID), nullptr);
+    CKWObjectTypeImpl::ChangeInstanceID(nullptr, newID);
+    EXPECT_EQ(w->Release(), 1);
+    EXPECT_EQ(LiveWidgets(), 0);
+}
+
+}  // namespace

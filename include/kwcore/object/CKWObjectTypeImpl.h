@@ -41,6 +41,10 @@ public:
     void AddTrackedInstance(IKWObject* object) override;
     void SetClassName(const CString& className) override { m_className = className; }
 
+    // Gives a live object another instance ID and re-files it under that ID
+    // with its type: for archives that restore the IDs objects were stored with.
+    static void ChangeInstanceID(IKWObject* object, const CKWGuid& instanceID);
+
     // The number of live instances this type made (not those of derived types).
     int GetInstanceCount() const;
     // The tracked instance with that ID, or null.
