@@ -56,3 +56,11 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/KWSerialTypeMacros.h"
 
+// XML archive: the file back-end of the serialization, where Xerces-C is available.
+#if __has_include(<xercesc/util/XercesDefs.hpp>)
+#include "kwcore/serial/xml/CKWXMLFileArchive.h"
+#include "kwcore/serial/xml/CKWXMLFileDocument.h"
+#include "kwcore/serial/xml/CKWXMLFileFieldStream.h"
+#include "kwcore/serial/xml/CKWXMLFileTypeManifest.h"
+#include "kwcore/serial/xml/KWXercesForward.h"
+#endif

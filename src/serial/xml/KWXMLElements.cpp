@@ -1,0 +1,36 @@
+#include "KWXMLElements.h"
+
+#include <xercesc/util/XMLString.hpp>
+
+XERCES_CPP_NAMESPACE_USE
+
+namespace {
+// The element after element in a depth-first walk below root, or null.
+DOMElement* NextDescendant(DOMElement* root, DOMElement* element) {
+    if (DOMElement* child = element->getFirstElementChild()) {
+        return child;
+    }
+    for (; element != root; element = static_cast<DOMElement*>(element->getParentNode())) {
+        if (DOMElement* sibling = element->getNextElementSibling()) {
+            return sibling;
+        }
+    }
+    return nullptr;
+}
+}  // namespace
+
+std::vector<DOMElement*> KWFindDescendants(DOMElement* root, const XMLCh* name, std::size_t limit) {
+    std::vector<DOMElement*> found;
+    for (DOMElement* element = root ? NextDescendant(root, root) : nullptr;
+         element && found.size() < limit; element = NextDescendant(root, element)) {
+        if (XMLString::equals(element->getTagName(), name)) {
+            found.push_back(element);
+        }
+    }
+    return found;
+}
+
+DOMElement* KWFindSingleDescendant(DOMElement* root, const XMLCh* name) {
+    const std::vector<DOMElement*> found = KWFindDescendants(root, name, 2);
+    return found.size() == 1 ? found[0] : nullptr;
+}

@@ -1,0 +1,38 @@
+// A save replaces the file only with a complete one.
+#include <gtest/gtest.h>
+
+#include "XmlTestSupport.h"
+
+using XmlAtomicSave = XmlArchiveTest;
+
+TEST_F(XmlAtomicSave, SaveReplacesTheFileAndLeavesNoTemporaryFile) {
+    WriteText(Path("model.xml"), "previous");
+    ASSERT_EQ(1, SaveGraph(Path("model.xml"), NewNode("root")));
+    EXPECT_EQ(0u, ReadText(Path("model.xml")).find("<?xml"));
+    EXPECT_EQ(std::vector<std::string>{"model.xml"}, FolderEntries());
+}
+
+TEST_F(XmlAtomicSave, ReplacedFileKeepsItsPermissions) {
+    using std::filesystem::perms;
+    WriteText(Path("model.xml"), "previous");
+    std::filesystem::permissions(Path("model.xml"), perms::owner_read | perms::owner_write);
+    ASSERT_EQ(1, SaveGraph(Path("model.xml"), NewNode("root")));
+    EXPECT_EQ(perms::owner_read | perms::owner_write,
+              std::filesystem::status(Path("model.xml")).permissions());
+}
+
+TEST_F(XmlAtomicSave, FailedSaveLeavesTheTargetAndNoTemporaryFile) {
+    std::filesystem::create_directory(Path("model.xml"));
+    WriteText(Path("model.xml") / "inside", "kept");
+    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("model.xml"));
+    ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
+    NewNode("root")->SerializeTo(archive->CreateNewDocument(CKWGuid(), nullptr));
+    EXPECT_TRUE(archive->Close());  // kept: the result does not tell
+    EXPECT_EQ("kept", ReadText(Path("model.xml") / "inside"));
+    EXPECT_EQ(std::vector<std::string>{"model.xml"}, FolderEntries());
+}
+
+TEST_F(XmlAtomicSave, SaveIntoAMissingFolderCreatesNothing) {
+    ASSERT_EQ(1, SaveGraph(Path("nowhere") / "model.xml", NewNode("root")));
+    EXPECT_TRUE(FolderEntries().empty());
+}

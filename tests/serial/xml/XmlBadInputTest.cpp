@@ -1,0 +1,75 @@
+// Files that are missing, empty, cut short, not XML or badly nested give
+// false from Open, never a crash, and are never changed by the read.
+#include <gtest/gtest.h>
+
+#include "XmlTestSupport.h"
+
+namespace {
+// Nine levels of ten entity references each: 10^9 copies unless bounded.
+std::string BillionLaughs() {
+    std::string text = "<?xml version=\"1.0\"?><!DOCTYPE KWXML [<!ENTITY e0 \"lol\">";
+    for (int level = 1; level < 10; ++level) {
+        text += "<!ENTITY e" + std::to_string(level) + " \"";
+        for (int i = 0; i < 10; ++i) {
+            text += "&e" + std::to_string(level - 1) + ";";
+        }
+        text += "\">";
+    }
+    return text + "]><KWXML V=\"&e9;\"/>";
+}
+}  // namespace
+
+using XmlBadInput = XmlArchiveTest;
+
+TEST_F(XmlBadInput, MissingFileFailsOpenAndIsNotCreated) {
+    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("missing.xml"));
+    EXPECT_FALSE(archive->Open(CKWArchive::modeRead));
+    EXPECT_EQ(0, archive->GetDocumentCollection()->GetCount());
+    EXPECT_EQ(nullptr, archive->GetDOMDocument());
+    EXPECT_TRUE(archive->Close());
+    EXPECT_FALSE(std::filesystem::exists(Path("missing.xml")));
+}
+
+TEST_F(XmlBadInput, FolderInsteadOfFileFailsOpen) {
+    KWOwned<CKWXMLFileArchive> archive = NewArchive(m_dir);
+    EXPECT_FALSE(archive->Open(CKWArchive::modeRead));
+    EXPECT_TRUE(archive->Close());
+}
+
+TEST_F(XmlBadInput, BrokenFilesFailOpenAndStayUnchanged) {
+    CXmlNode* root = NewNode("root");
+    root->m_pLink = NewNode("linked");
+    ASSERT_EQ(1, SaveGraph(Path("good.xml"), root));
+    const CKWGuid rootID = root->GetInstanceID();
+    ReleaseAllNodes();
+    const std::string good = ReadText(Path("good.xml"));
+    const std::string broken[] = {
+        "",
+        good.substr(0, good.size() / 2),
+        good.substr(0, good.size() - 3),
+        "not XML at all \x01\xFF",
+        "<KWXML><a></KWXML></a>",
+        "<?xml version=\"1.0\"?><KWXML>",
+        "<!DOCTYPE KWXML SYSTEM \"http://127.0.0.1:9/none.dtd\"><KWXML/>",
+        BillionLaughs(),
+    };
+    for (const std::string& text : broken) {
+        WriteText(Path("bad.xml"), text);
+        KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("bad.xml"));
+        EXPECT_FALSE(archive->Open(CKWArchive::modeRead)) << text;
+        LoadNode(archive.get(), rootID);
+        ReleaseAllNodes();
+        EXPECT_TRUE(archive->Close());
+        EXPECT_EQ(text, ReadText(Path("bad.xml")));
+    }
+}
+
+TEST_F(XmlBadInput, CutShortFileStillBuildsWhatWasParsed) {
+    CXmlNode* root = NewNode("root");
+    ASSERT_EQ(1, SaveGraph(Path("cut.xml"), root));
+    const std::string good = ReadText(Path("cut.xml"));
+    WriteText(Path("cut.xml"), good.substr(0, good.rfind("</KWXML>")));
+    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("cut.xml"));
+    EXPECT_FALSE(archive->Open(CKWArchive::modeRead));
+    EXPECT_EQ(1, archive->GetDocumentCollection()->GetCount());
+}

@@ -1,0 +1,180 @@
+// Loading is tolerant of what it does not need and strict about field elements.
+#include <gtest/gtest.h>
+
+#include "XmlTestSupport.h"
+
+namespace {
+void Replace(std::string& text, const std::string& from, const std::string& to) {
+    const auto at = text.find(from);
+    ASSERT_NE(std::string::npos, at) << from;
+    text.replace(at, from.size(), to);
+}
+
+std::string Open(const CKWGuid& id) {
+    return "<" + id.GetCStringXMLElement().GetStdString() + ">";
+}
+
+// Records every Add, null ones too.
+class CRecordingCollection : public IKWCollection<IKWObject> {
+public:
+    int GetCount() const override { return static_cast<int>(m_added.size()); }
+    void* Find(const CKWGuid&) const override { return nullptr; }
+    void RemoveAll(bool) override { m_added.clear(); }
+    int Add(IKWObject* element) override {
+        m_added.push_back(element);
+        return 1;
+    }
+    int Remove(IKWObject*) override { return 0; }
+
+    std::vector<IKWObject*> m_added;
+};
+
+CKWXMLFileFieldStream* StreamOf(CKWXMLFileArchive* archive, const CKWGuid& instanceID) {
+    CKWXMLFileDocument* document = FirstDocument(archive);
+    auto* manifest = static_cast<CKWTypeManifest*>(
+        document->GetTypeManifestCollection()->Find(CKWGuid(kXmlNodeTypeID)));
+    return manifest ? dynamic_cast<CKWXMLFileFieldStream*>(static_cast<CKWFieldStream*>(
+                          manifest->GetInstanceFieldStreamCollection()->Find(instanceID)))
+                    : nullptr;
+}
+}  // namespace
+
+class XmlLoading : public XmlArchiveTest {
+protected:
+    // Saves root -> linked; the text of the file.
+    std::string SaveTwo() {
+        CXmlNode* root = NewNode("root");
+        root->m_pLink = NewNode("linked");
+        root->m_Links.Add(root->m_pLink);
+        m_root = root->GetInstanceID();
+        m_linked = root->m_pLink->GetInstanceID();
+        EXPECT_EQ(1, SaveGraph(Path("in.xml"), root));
+        ReleaseAllNodes();
+        return ReadText(Path("in.xml"));
+    }
+    void OpenText(const std::string& text) {
+        WriteText(Path("in.xml"), text);
+        m_archive = NewArchive(Path("in.xml"));
+        EXPECT_TRUE(m_archive->Open(CKWArchive::modeRead));
+    }
+    CXmlNode* LoadRoot(const std::string& text) {
+        OpenText(text);
+        return LoadNode(m_archive.get(), m_root);
+    }
+
+    CKWGuid m_root, m_linked;
+    KWOwned<CKWXMLFileArchive> m_archive;
+};
+
+TEST_F(XmlLoading, AnyRootNameLoadsLikeKWXML) {
+    std::string text = SaveTwo();
+    Replace(text, "<KWXML>", "<Other>");
+    Replace(text, "</KWXML>", "</Other>");
+    CXmlNode* root = LoadRoot(text);
+    ASSERT_NE(nullptr, root);
+    EXPECT_EQ(CString("linked"), root->m_pLink->m_Name);
+}
+
+TEST_F(XmlLoading, CommentsAndWhitespaceBetweenElementsAreIgnored) {
+    std::string text = SaveTwo();
+    Replace(text, Open(m_root), "<!-- object -->\n\n  " + Open(m_root) + "<!-- fields -->\n \t");
+    Replace(text, "<KWXML>", "<KWXML><!-- documents -->");
+    CXmlNode* root = LoadRoot(text);
+    ASSERT_NE(nullptr, root);
+    EXPECT_EQ(CString("root"), root->m_Name);
+}
+
+TEST_F(XmlLoading, ElementsWithWrongLengthNamesAreSkippedAtEveryLevel) {
+    std::string text = SaveTwo();
+    const std::string wrong = "<_abc/><_ABCDEFGHIJKLMNOPQRSTUVW/><_ABCDEFGHIJKLMNOPQRSTU/><x/>";
+    Replace(text, "<KWXML>", "<KWXML>" + wrong);
+    Replace(text, Open(CKWGuid(kXmlNodeTypeID)), Open(CKWGuid(kXmlNodeTypeID)) + wrong);
+    Replace(text, Open(m_root), Open(m_root) + wrong);
+    CXmlNode* root = LoadRoot(text);
+    ASSERT_NE(nullptr, root);
+    EXPECT_EQ(CString("linked"), root->m_pLink->m_Name);
+    EXPECT_EQ(1, m_archive->GetDocumentCollection()->GetCount());
+    EXPECT_EQ(1, FirstDocument(m_archive.get())->GetTypeManifestCollection()->GetCount());
+}
+
+TEST_F(XmlLoading, OpenBuildsOneStreamPerObjectElement) {
+    CXmlNode* root = LoadRoot(SaveTwo());
+    ASSERT_NE(nullptr, root);
+    EXPECT_NE(nullptr, StreamOf(m_archive.get(), m_root));
+    EXPECT_NE(nullptr, StreamOf(m_archive.get(), m_linked));
+    EXPECT_EQ(m_root, root->GetInstanceID());
+}
+
+TEST_F(XmlLoading, FieldElementRepeatedDeeperInTheObjectFailsRead) {
+    std::string text = SaveTwo();
+    const std::string nameField = "<" + ElementName(kXmlNameFieldID);
+    const std::string linksField = "<" + ElementName(kXmlLinksFieldID) + ">";
+    Replace(text, linksField, linksField + nameField + " V=\"again\"/>");
+    EXPECT_EQ(nullptr, LoadRoot(text));
+
+    CXmlNode* probe = NewNode("probe");
+    CKWXMLFileFieldStream* stream = StreamOf(m_archive.get(), m_root);
+    ASSERT_NE(nullptr, stream);
+    EXPECT_EQ(0, stream->Read(probe->GetFieldData(CKWGuid(kXmlNameFieldID))));
+    EXPECT_EQ(CString("probe"), probe->m_Name);
+}
+
+TEST_F(XmlLoading, MissingFieldElementFailsTheObjectsLoad) {
+    std::string text = SaveTwo();
+    const std::string nameField = "<" + ElementName(kXmlNameFieldID) + " V=\"root\"/>";
+    Replace(text, nameField, "");
+    EXPECT_EQ(nullptr, LoadRoot(text));
+    EXPECT_EQ(0, LiveNodeCount());
+}
+
+TEST_F(XmlLoading, UnresolvedLinksAreAddedAsNullEntries) {
+    std::string text = SaveTwo();
+    // The first "L" names an instance the file does not hold.
+    Replace(text, "<L T=",
+            "<L T=\"" + Attribute64(CKWGuid(kXmlNodeTypeID)) +
+                "\" I=\"AAAAAAAAAAAAAAAAAAAAAA\"/><L T=");
+    OpenText(text);
+    CKWXMLFileFieldStream* stream = StreamOf(m_archive.get(), m_root);
+    ASSERT_NE(nullptr, stream);
+    CXmlNode* probe = NewNode("probe");
+    CRecordingCollection links;
+    EXPECT_EQ(1, stream->ReadLinks(probe->GetFieldData(CKWGuid(kXmlLinksFieldID)), &links));
+    ASSERT_EQ(2u, links.m_added.size());
+    EXPECT_EQ(nullptr, links.m_added[0]);
+    ASSERT_NE(nullptr, links.m_added[1]);
+    EXPECT_EQ(m_linked, links.m_added[1]->GetInstanceID());
+}
+
+TEST_F(XmlLoading, LinksToUnknownTypesOrBadIDsReadAsUnset) {
+    std::string text = SaveTwo();
+    const std::string linkField = "<" + ElementName(kXmlLinkFieldID) + " ";
+    const auto at = text.find(linkField);
+    ASSERT_NE(std::string::npos, at);
+    text.replace(at, text.find("/>", at) - at, linkField + "T=\"nonsense\" I=\"x\"");
+    CXmlNode* root = LoadRoot(text);
+    ASSERT_NE(nullptr, root);
+    EXPECT_EQ(nullptr, root->m_pLink);
+}
+
+TEST_F(XmlLoading, ReadTypeHeaderAddsAnElementAsWritingDoes) {
+    LoadRoot(SaveTwo());
+    auto* manifest = dynamic_cast<CKWXMLFileTypeManifest*>(
+        static_cast<CKWTypeManifest*>(FirstDocument(m_archive.get())
+                                          ->GetTypeManifestCollection()
+                                          ->Find(CKWGuid(kXmlNodeTypeID))));
+    ASSERT_NE(nullptr, manifest);
+    const auto* loaded = manifest->GetManifestElement();
+    EXPECT_EQ(1, manifest->ReadTypeHeader(CXmlNode::GetCXmlNodeType()));
+    EXPECT_NE(loaded, manifest->GetManifestElement());
+    EXPECT_EQ(0, manifest->ReadTypeHeader(nullptr));
+}
+
+TEST_F(XmlLoading, ReadObjectHeaderGivesTheStoredID) {
+    OpenText(SaveTwo());
+    CXmlNode* probe = NewNode("probe");
+    CKWXMLFileFieldStream* stream = StreamOf(m_archive.get(), m_linked);
+    ASSERT_NE(nullptr, stream);
+    EXPECT_EQ(1, stream->ReadObjectHeader(probe));
+    EXPECT_EQ(m_linked, probe->GetInstanceID());
+    EXPECT_EQ(probe, CXmlNode::GetCXmlNodeType()->FindInstance(m_linked));
+}

@@ -1,0 +1,136 @@
+// Graphs and text saved to a real file read back unchanged.
+#include <gtest/gtest.h>
+
+#include "XmlTestSupport.h"
+
+namespace {
+struct SSavedGraph {
+    CKWGuid a, b, c;
+};
+
+// a -> b, a [b, c], b [c], c -> a: every field kind and a cycle.
+SSavedGraph SaveCycle(const std::filesystem::path& file) {
+    CXmlNode* a = NewNode("a");
+    CXmlNode* b = NewNode("b");
+    CXmlNode* c = NewNode("c");
+    a->m_iCount = 2147483647;
+    b->m_iCount = -42;
+    c->m_Tag = CKWGuid("{0F1E2D3C-4B5A-4968-8776-A5B4C3D2E1F0}");
+    a->m_pLink = b;
+    a->m_Links.Add(b);
+    a->m_Links.Add(c);
+    b->m_Links.Add(c);
+    c->m_pLink = a;
+    EXPECT_EQ(1, SaveGraph(file, a));
+    SSavedGraph ids{a->GetInstanceID(), b->GetInstanceID(), c->GetInstanceID()};
+    ReleaseAllNodes();
+    return ids;
+}
+
+std::vector<CXmlNode*> Links(const CXmlNode* node) {
+    std::vector<CXmlNode*> links;
+    auto it = node->m_Links.GetIterator();
+    for (CXmlNode* link = it.GetNext(1); link; link = it.GetNext(0)) {
+        links.push_back(link);
+    }
+    return links;
+}
+
+// The text of one saved and reloaded name.
+CString RoundTripName(const std::filesystem::path& file, const CString& name) {
+    CXmlNode* node = NewNode("");
+    node->m_Name = name;
+    const CKWGuid id = node->GetInstanceID();
+    EXPECT_EQ(1, SaveGraph(file, node));
+    ReleaseAllNodes();
+    KWOwned<CKWXMLFileArchive> archive = NewArchive(file);
+    EXPECT_TRUE(archive->Open(CKWArchive::modeRead));
+    CXmlNode* loaded = LoadNode(archive.get(), id);
+    archive->Close();
+    return loaded ? loaded->m_Name : CString("<not loaded>");
+}
+}  // namespace
+
+using XmlRoundTrip = XmlArchiveTest;
+
+TEST_F(XmlRoundTrip, GraphWithCycleLoadsEveryObjectOnceWithAllFields) {
+    const SSavedGraph ids = SaveCycle(Path("graph.xml"));
+    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("graph.xml"));
+    ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
+    CXmlNode* a = LoadNode(archive.get(), ids.a);
+    ASSERT_NE(nullptr, a);
+    EXPECT_EQ(3, LiveNodeCount());
+
+    CXmlNode* b = a->m_pLink;
+    ASSERT_NE(nullptr, b);
+    ASSERT_EQ(2u, Links(a).size());
+    CXmlNode* c = Links(a)[1];
+    EXPECT_EQ(b, Links(a)[0]);
+    EXPECT_EQ(ids.b, b->GetInstanceID());
+    EXPECT_EQ(ids.c, c->GetInstanceID());
+    EXPECT_EQ(std::vector<CXmlNode*>{c}, Links(b));
+    EXPECT_EQ(a, c->m_pLink);
+    EXPECT_EQ(CString("a"), a->m_Name);
+    EXPECT_EQ(2147483647, a->m_iCount);
+    EXPECT_EQ(-42, b->m_iCount);
+    EXPECT_EQ(CKWGuid("{0F1E2D3C-4B5A-4968-8776-A5B4C3D2E1F0}"), c->m_Tag);
+    EXPECT_FALSE(b->m_Tag.IsValid());
+    EXPECT_EQ(nullptr, b->m_pLink);
+    EXPECT_TRUE(archive->Close());
+}
+
+TEST_F(XmlRoundTrip, EachObjectIsWrittenOnceEvenInACycle) {
+    const SSavedGraph ids = SaveCycle(Path("graph.xml"));
+    const std::string text = ReadText(Path("graph.xml"));
+    for (const CKWGuid& id : {ids.a, ids.b, ids.c}) {
+        const std::string open = "<" + id.GetCStringXMLElement().GetStdString() + ">";
+        const auto first = text.find(open);
+        ASSERT_NE(std::string::npos, first);
+        EXPECT_EQ(std::string::npos, text.find(open, first + 1));
+    }
+}
+
+TEST_F(XmlRoundTrip, AnyTextReadsBackByteForByte) {
+    const CString texts[] = {
+        "",
+        "plain",
+        "Gr\u00fc\u00dfe \u65e5\u672c \U0001F642",  // non-ASCII, up to 4 bytes
+        "<a href=\"x\">&amp; &lt; ]]> </a>",
+        "'single' \"double\"",
+        "  leading and trailing blanks  ",
+        "line\nbreak",
+        "tab\tand\r\nCRLF\rCR",
+        " \n\t ",
+    };
+    for (const CString& text : texts) {
+        EXPECT_EQ(text, RoundTripName(Path("text.xml"), text));
+    }
+}
+
+TEST_F(XmlRoundTrip, BlanksInValuesAreWrittenAsCharacterReferences) {
+    RoundTripName(Path("blanks.xml"), "a\tb\nc\rd");
+    EXPECT_NE(std::string::npos, ReadText(Path("blanks.xml")).find("V=\"a&#x9;b&#xA;c&#xD;d\""));
+}
+
+TEST_F(XmlRoundTrip, TextXmlCannotCarryFailsTheSaveAndTheFileStillLoads) {
+    const CString unfit[] = {"bad \xFF\xFE UTF-8", "control \x01", CString("nul \0 inside", 13),
+                             "U+FFFF \xEF\xBF\xBF"};
+    for (const CString& text : unfit) {
+        CXmlNode* node = NewNode("");
+        node->m_Name = text;
+        EXPECT_EQ(0, SaveGraph(Path("bad.xml"), node));
+        KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("bad.xml"));
+        EXPECT_TRUE(archive->Open(CKWArchive::modeRead));
+        EXPECT_TRUE(archive->Close());
+        ReleaseAllNodes();
+    }
+}
+
+TEST_F(XmlRoundTrip, FileNamesAreTakenAsTheyAre) {
+    const char* const names[] = {"with space.xml", "per%25cent#hash.xml",
+                                 "gr\u00fc\u00dfe-\u65e5.xml", "file:colon.xml"};
+    for (const char* name : names) {
+        EXPECT_EQ(CString("kept"), RoundTripName(Path(name), "kept")) << name;
+        EXPECT_TRUE(std::filesystem::exists(Path(name))) << name;
+    }
+}
