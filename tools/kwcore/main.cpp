@@ -1,25 +1,34 @@
 // kwcore: inspects and exercises the kwcore library from the command line.
 #include <cstdio>
-#include <cstring>
 
 #include "Commands.h"
+#include "kwcore/object/CKWTypeSystem.h"
 
 namespace {
+
+// {2B6EEE3A-CD70-4FF5-9034-D1C599170765}: the repository of the tool's own
+// types (the classes of the xml demo).
+constexpr GUID kToolRepositoryID = {
+    0x2B6EEE3A, 0xCD70, 0x4FF5, {0x90, 0x34, 0xD1, 0xC5, 0x99, 0x17, 0x07, 0x65}};
 
 const Command kCommands[] = {
     {"guid", "make a GUID, or convert a GUID text into every written form", RunGuidCommand},
     {"types", "list the registered types as a tree by parent", RunTypesCommand},
+#if KWCORE_TOOL_XML
+    {"xml", "inspect XML archive files, and save and load a sample model", RunXmlCommand},
+#endif
 };
 
-void PrintUsage(std::FILE* out) {
+void PrintUsage(std::FILE* out, const char* program, const Command* commands, std::size_t count) {
     std::fprintf(out,
-                 "usage: kwcore COMMAND [ARGS]\n"
+                 "usage: %s COMMAND [ARGS]\n"
                  "\n"
-                 "Commands:\n");
-    for (const Command& command : kCommands) {
-        std::fprintf(out, "  %-8s %s\n", command.name, command.summary);
+                 "Commands:\n",
+                 program);
+    for (std::size_t i = 0; i < count; ++i) {
+        std::fprintf(out, "  %-8s %s\n", commands[i].name, commands[i].summary);
     }
-    std::fprintf(out, "\nRun 'kwcore COMMAND --help' for the options of a command.\n");
+    std::fprintf(out, "\nRun '%s COMMAND --help' for the options of a command.\n", program);
 }
 
 }  // namespace
@@ -33,18 +42,28 @@ bool WantsHelp(const Arguments& args) {
     return false;
 }
 
-int main(int argc, char** argv) {
-    if (argc < 2 || std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0) {
-        PrintUsage(argc < 2 ? stderr : stdout);
-        return argc < 2 ? 2 : 0;
+int RunCommandFrom(const char* program, const Command* commands, std::size_t count,
+                   const Arguments& args) {
+    if (args.empty() || args[0] == "--help" || args[0] == "-h") {
+        PrintUsage(args.empty() ? stderr : stdout, program, commands, count);
+        return args.empty() ? 2 : 0;
     }
-    Arguments args(argv + 2, argv + argc);
-    for (const Command& command : kCommands) {
-        if (std::strcmp(argv[1], command.name) == 0) {
-            return command.run(args);
+    const Arguments rest(args.begin() + 1, args.end());
+    for (std::size_t i = 0; i < count; ++i) {
+        if (args[0] == commands[i].name) {
+            return commands[i].run(rest);
         }
     }
-    std::fprintf(stderr, "kwcore: unknown command '%s'\n\n", argv[1]);
-    PrintUsage(stderr);
+    std::fprintf(stderr, "%s: unknown command '%s'\n\n", program, args[0].c_str());
+    PrintUsage(stderr, program, commands, count);
     return 2;
+}
+
+int main(int argc, char** argv) {
+    // The tool is a host: it collects its own types, and releases the type
+    // system last.
+    CKWTypeSystem::Initialize(CKWGuid(kToolRepositoryID));
+    const int status = RunCommandFrom("kwcore", kCommands, Arguments(argv + 1, argv + argc));
+    CKWTypeSystem::Release();
+    return status;
 }

@@ -1,0 +1,101 @@
+// CStoredXmlArchive: an XML archive file as it is stored, for inspection: its
+// documents, the type manifests of each, the objects of each type and the
+// fields of each object, in file order.
+//
+// The file is read by CKWXMLFileArchive, so the documents, manifests and
+// objects are exactly those the library loads (elements not named after a
+// GUID, or named after one already taken, are left out as the loader leaves
+// them out); the fields are read from each object's element. The archive
+// stays open while the CStoredXmlArchive lives, so its documents can still
+// load the stored objects (SStoredDocument::document).
+//
+//   CStoredXmlArchive stored;
+//   std::string error;
+//   if (!stored.Open("model.xml", error)) { report(error); }
+//   for (const SStoredDocument& document : stored.GetDocuments()) { ... }
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "kwcore/object/CKWGuid.h"
+#include "kwcore/serial/xml/CKWXMLFileArchive.h"
+
+class CKWDocument;
+
+// A link as stored: the "T" and "I" attributes, read as GUIDs.
+struct SStoredLink {
+    CKWGuid typeID;
+    CKWGuid instanceID;
+    // The attribute texts, kept to show links that do not read as GUIDs.
+    std::string typeText;
+    std::string instanceText;
+
+    // An unset link has neither attribute.
+    bool IsSet() const { return !typeText.empty() || !instanceText.empty(); }
+    bool IsValid() const { return typeID.IsValid() && instanceID.IsValid(); }
+};
+
+// One field element. Its kind is what the element holds: a "V" value, a
+// link's "T" and "I", "L" children, or nothing (an unset link or an empty
+// collection).
+struct SStoredField {
+    enum class Kind { Value, Link, Links, Empty };
+
+    CKWGuid fieldID;
+    Kind kind = Kind::Empty;
+    std::string value;               // Kind::Value: the text, in UTF-8
+    std::vector<SStoredLink> links;  // Kind::Link: the link; Kind::Links: each "L"
+};
+
+struct SStoredObject {
+    CKWGuid instanceID;
+    std::vector<SStoredField> fields;
+};
+
+struct SStoredType {
+    CKWGuid typeID;
+    std::vector<SStoredObject> objects;
+};
+
+struct SStoredDocument {
+    CKWDocument* document = nullptr;  // owned by the archive
+    std::vector<SStoredType> types;
+    // Every stored (type ID, instance ID).
+    std::set<std::pair<CKWGuid, CKWGuid>> held;
+
+    bool Holds(const CKWGuid& typeID, const CKWGuid& instanceID) const {
+        return held.count({typeID, instanceID}) > 0;
+    }
+};
+
+struct SReleaseObject {
+    void operator()(IKWObject* object) const { object->Release(); }
+};
+using KWXmlArchivePtr = std::unique_ptr<CKWXMLFileArchive, SReleaseObject>;
+
+// A new XML file archive on path, released with the pointer; null when it
+// cannot be made.
+KWXmlArchivePtr NewXmlArchive(const std::string& path);
+
+class CStoredXmlArchive {
+public:
+    CStoredXmlArchive() = default;
+    CStoredXmlArchive(const CStoredXmlArchive&) = delete;
+    CStoredXmlArchive& operator=(const CStoredXmlArchive&) = delete;
+    ~CStoredXmlArchive();
+
+    // Reads the file; false, with error saying why, when it is missing,
+    // unreadable, or not well-formed XML.
+    bool Open(const std::string& path, std::string& error);
+    const std::vector<SStoredDocument>& GetDocuments() const { return m_documents; }
+
+private:
+    void ReadDocuments();
+
+    KWXmlArchivePtr m_pArchive;
+    std::vector<SStoredDocument> m_documents;
+};
