@@ -8,8 +8,13 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 COMMON_PACKAGES := cmake ninja-build g++ clang pkg-config libgtest-dev libgmock-dev googletest \
 	uuid-dev libxerces-c-dev libsqlite3-dev libclang-rt-14-dev
-BENCH_PACKAGES := $(COMMON_PACKAGES) libbenchmark-dev
+BENCH_PACKAGES := $(COMMON_PACKAGES) libbenchmark-dev libboost-serialization-dev
 WINDOWS_PACKAGES := $(COMMON_PACKAGES) g++-mingw-w64-x86-64-posix wine64 wine
+
+FUZZ_DIR := build/fuzz
+FUZZ_SECONDS ?= 300
+# The short run that closes make test.
+FUZZ_TEST_SECONDS := 30
 
 BENCH_DIR := build/release/bench
 BENCH_RESULTS := build/release/bench-results
@@ -33,7 +38,7 @@ apt-get -q update; \
 DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends $$missing
 endef
 
-.PHONY: demo test bench test-windows clean
+.PHONY: demo test fuzz bench test-windows clean
 
 demo:
 	@$(call require-packages,$(COMMON_PACKAGES))
@@ -52,6 +57,16 @@ test:
 	cmake --preset tsan
 	cmake --build --preset tsan -j $(JOBS)
 	ctest --preset tsan -j $(JOBS)
+	cmake --preset fuzz
+	cmake --build --preset fuzz -j $(JOBS)
+	fuzz/run-xml-fuzzer.sh $(FUZZ_DIR) $(FUZZ_TEST_SECONDS)
+
+# A longer run of the XML loader fuzzer; its corpus grows in $(FUZZ_DIR).
+fuzz:
+	@$(call require-packages,$(COMMON_PACKAGES))
+	cmake --preset fuzz
+	cmake --build --preset fuzz -j $(JOBS)
+	fuzz/run-xml-fuzzer.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
 
 # Runs one benchmark program at a time, so they do not compete for cores.
 bench:
