@@ -11,6 +11,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 
+#include "CKWXMLDOMParser.h"
 #include "CKWXMLErrorHandler.h"
 #include "KWForEachAs.h"
 #include "KWLinkAttributeOrder.h"
@@ -42,7 +43,7 @@ using XercesPtr = std::unique_ptr<T, ReleaseXerces>;
 // Entity references are expanded in place. The parser never reaches other
 // files or the network, and limits bound entity expansion.
 XercesDOMParser* NewParser(SecurityManager* limits) {
-    auto* parser = new XercesDOMParser();
+    auto* parser = new CKWXMLDOMParser();
     parser->setValidationScheme(XercesDOMParser::Val_Auto);
     parser->setDoNamespaces(false);
     parser->setDoSchema(false);

@@ -5,6 +5,7 @@
 
 #include "KWXMLElements.h"
 #include "KWXMLGuidNames.h"
+#include "KWXMLNamePool.h"
 #include "KWXMLText.h"
 #include "kwcore/object/CKWObjectTypeImpl.h"
 #include "kwcore/object/IKWObject.h"
@@ -40,6 +41,7 @@ int CKWXMLFileFieldStream::WriteObjectHeader(IKWObject* object) {
         }
         m_pObjectElement = element;
         parent->appendChild(element);
+        KWFitNamePool(m_pDOMDocument, m_pManifest->GetInstanceFieldStreamCollection()->GetCount());
         return 1;
     });
 }

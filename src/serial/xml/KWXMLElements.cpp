@@ -30,7 +30,17 @@ std::vector<DOMElement*> KWFindDescendants(DOMElement* root, const XMLCh* name, 
     return found;
 }
 
+// Called for every field read, so it counts instead of collecting.
 DOMElement* KWFindSingleDescendant(DOMElement* root, const XMLCh* name) {
-    const std::vector<DOMElement*> found = KWFindDescendants(root, name, 2);
-    return found.size() == 1 ? found[0] : nullptr;
+    DOMElement* single = nullptr;
+    for (DOMElement* element = root ? NextDescendant(root, root) : nullptr; element;
+         element = NextDescendant(root, element)) {
+        if (XMLString::equals(element->getTagName(), name)) {
+            if (single) {
+                return nullptr;
+            }
+            single = element;
+        }
+    }
+    return single;
 }

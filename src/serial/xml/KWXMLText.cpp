@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <xercesc/util/TransService.hpp>
+#include <xercesc/util/XMLString.hpp>
 
 XERCES_CPP_NAMESPACE_USE
 
@@ -13,20 +14,39 @@ const char* const kUTF8 = "UTF-8";
 bool IsXMLCharacter(XMLCh c) {
     return c >= 0x20 ? c < 0xFFFE : c == 0x9 || c == 0xA || c == 0xD;
 }
+
+bool IsASCII(unsigned c) {
+    return c < 0x80;
+}
+
+// ASCII, most stored text, widens and narrows unit by unit; anything else
+// goes through Xerces' UTF-8 transcoder.
+bool WidenUTF8(const std::string& bytes, KWXMLString& xml) {
+    if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return IsASCII(c & 0xFF); })) {
+        xml.assign(bytes.begin(), bytes.end());
+        return true;
+    }
+    return KWXMLGuarded(false, [&] {
+        TranscodeFromStr wide(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(), kUTF8);
+        xml.assign(wide.str(), wide.length());
+        return true;
+    });
+}
 }  // namespace
 
 bool KWToXMLText(const CString& text, KWXMLString& xml) {
-    return KWXMLGuarded(false, [&] {
-        const std::string& bytes = text.GetStdString();
-        TranscodeFromStr wide(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(), kUTF8);
-        xml.assign(wide.str(), wide.length());
-        return std::all_of(xml.begin(), xml.end(), IsXMLCharacter);
-    });
+    return WidenUTF8(text.GetStdString(), xml) &&
+           std::all_of(xml.begin(), xml.end(), IsXMLCharacter);
 }
 
 bool KWFromXMLText(const XMLCh* xml, CString& text) {
     if (!xml || !*xml) {
         text.Empty();
+        return true;
+    }
+    const XMLCh* end = xml + XMLString::stringLen(xml);
+    if (std::all_of(xml, end, IsASCII)) {
+        text = std::string(xml, end);
         return true;
     }
     return KWXMLGuarded(false, [&] {

@@ -1,0 +1,18 @@
+#include "CKWXMLDOMParser.h"
+
+#include "KWXMLNamePool.h"
+
+XERCES_CPP_NAMESPACE_USE
+
+void CKWXMLDOMParser::startDocument() {
+    m_elements = 0;
+    XercesDOMParser::startDocument();
+}
+
+void CKWXMLDOMParser::startElement(const XMLElementDecl& elemDecl, unsigned int urlId,
+                                   const XMLCh* elemPrefix, const RefVectorOf<XMLAttr>& attrList,
+                                   XMLSize_t attrCount, bool isEmpty, bool isRoot) {
+    XercesDOMParser::startElement(elemDecl, urlId, elemPrefix, attrList, attrCount, isEmpty,
+                                  isRoot);
+    KWFitNamePool(getDocument(), ++m_elements);
+}

@@ -1,0 +1,19 @@
+// CKWXMLDOMParser: the archive's DOM parser. It keeps the name pool of the
+// document it builds fitted to the number of elements parsed so far (see
+// KWXMLNamePool.h), so parsing stays linear in the number of objects.
+#pragma once
+
+#include <xercesc/parsers/XercesDOMParser.hpp>
+
+class CKWXMLDOMParser : public XERCES_CPP_NAMESPACE::XercesDOMParser {
+public:
+    void startElement(
+        const XERCES_CPP_NAMESPACE::XMLElementDecl& elemDecl, unsigned int urlId,
+        const XMLCh* elemPrefix,
+        const XERCES_CPP_NAMESPACE::RefVectorOf<XERCES_CPP_NAMESPACE::XMLAttr>& attrList,
+        XMLSize_t attrCount, bool isEmpty, bool isRoot) override;
+    void startDocument() override;
+
+private:
+    XMLSize_t m_elements = 0;
+};
