@@ -152,3 +152,14 @@ void CKWObjectTypeImpl::ChangeInstanceID(IKWObject* object, const CKWGuid& insta
         type->AddTrackedInstance(object);
     }
 }
+
+int CKWObjectTypeImpl::ReleaseInstances() {
+    int released = 0;
+    for (const CKWGuid& id : m_pTrackedInstances->GetSortedIDs()) {
+        IKWObject* object = m_pTrackedInstances->Find(id);
+        if (object && object->Release()) {
+            ++released;
+        }
+    }
+    return released;
+}

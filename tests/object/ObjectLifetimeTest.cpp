@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <vector>
 
 #include "TestTypes.h"
 
@@ -150,6 +151,24 @@ TEST_F(ObjectLifetime, ChangedInstanceIDIsReFiledWithTheType) {
     EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(oldID), nullptr);
     CKWObjectTypeImpl::ChangeInstanceID(nullptr, newID);
     EXPECT_EQ(w->Release(), 1);
+    EXPECT_EQ(LiveWidgets(), 0);
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(ObjectLifetime, ReleaseInstancesGoesLowestIDFirstAndKeepsRefusers) {
+    CTestWidget* high = NewWidget(CKWGuid("{F0000000-0000-4000-8000-000000000000}"));
+    CTestWidget* refuser = NewWidget(CKWGuid("{80000000-0000-4000-8000-000000000000}"));
+    CTestWidget* low = NewWidget(CKWGuid("{10000000-0000-4000-8000-000000000000}"));
+    refuser->SetRefuseRelease(true);
+    const std::vector<CKWGuid> expected{low->GetInstanceID(), high->GetInstanceID()};
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->ReleaseInstances(), 2);
+    EXPECT_EQ(CTestWidget::s_releasedIDs, expected);
+    EXPECT_EQ(LiveWidgets(), 1);
+    refuser->SetRefuseRelease(false);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->ReleaseInstances(), 1);
     EXPECT_EQ(LiveWidgets(), 0);
 }
 

@@ -17,7 +17,7 @@ protected:
         m_pOther = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
         ASSERT_TRUE(m_pPart && m_pOther);
     }
-    void TearDown() override { ReleaseInstancesOf(CTestPart::GetCTestPartType()); }
+    void TearDown() override { CTestPart::GetCTestPartType()->ReleaseInstances(); }
 
     static IKWFieldData* Data(CTestPart* part, const char* fieldID) {
         return part->GetFieldData(CKWGuid(fieldID));

@@ -55,8 +55,8 @@ protected:
     }
 
     void ReleaseGraph() {
-        ReleaseInstancesOf(CTestAssembly::GetCTestAssemblyType());
-        ReleaseInstancesOf(CTestPart::GetCTestPartType());
+        CTestAssembly::GetCTestAssemblyType()->ReleaseInstances();
+        CTestPart::GetCTestPartType()->ReleaseInstances();
     }
 
     int Save(IKWObject* object) { return AdaptorOf(object)->SerializeTo(m_pDocument); }

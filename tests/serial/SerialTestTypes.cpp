@@ -168,16 +168,6 @@ IKWObjectType* CMemArchive::GetDocumentType() const {
     return CMemDocument::GetCMemDocumentType();
 }
 
-void ReleaseInstancesOf(CKWObjectTypeImpl* type) {
-    std::list<CKWGuid> ids;
-    type->GetInstanceList(ids);
-    for (const CKWGuid& id : ids) {
-        if (IKWObject* object = type->FindInstance(id)) {
-            object->Release();
-        }
-    }
-}
-
 // The test program is a host: it collects its types once they exist.
 namespace {
 struct CollectSerialTestTypes {

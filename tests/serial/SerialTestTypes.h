@@ -150,6 +150,3 @@ T* KWTestCreate(IKWObjectType* type, const CKWGuid& id = CKWGuid()) {
 inline IKWSerializableAdaptor* AdaptorOf(IKWObject* object) {
     return static_cast<IKWSerializableAdaptor*>(object->GetInterface(IID_IKWSerializableAdaptor));
 }
-
-// Releases every live instance the type made.
-void ReleaseInstancesOf(CKWObjectTypeImpl* type);

@@ -41,15 +41,6 @@ std::string DescribePart(const CDemoPart* part) {
            "\n";
 }
 
-void ReleaseInstancesOf(CKWObjectTypeImpl* type) {
-    std::list<CKWGuid> ids;
-    type->GetInstanceList(ids);
-    for (const CKWGuid& id : ids) {
-        if (IKWObject* object = type->FindInstance(id)) {
-            object->Release();
-        }
-    }
-}
 }  // namespace
 
 KW_IMPLEMENT_SERIAL_TYPE(CDemoPart, kDemoPartTypeID, kSerialObjectTypeID)
@@ -123,6 +114,6 @@ int CountDemoObjects() {
 }
 
 void ReleaseDemoObjects() {
-    ReleaseInstancesOf(CDemoAssembly::GetCDemoAssemblyType());
-    ReleaseInstancesOf(CDemoPart::GetCDemoPartType());
+    CDemoAssembly::GetCDemoAssemblyType()->ReleaseInstances();
+    CDemoPart::GetCDemoPartType()->ReleaseInstances();
 }

@@ -45,6 +45,10 @@ public:
     // with its type: for archives that restore the IDs objects were stored with.
     static void ChangeInstanceID(IKWObject* object, const CKWGuid& instanceID);
 
+    // Releases every live instance this type made, lowest instance ID first;
+    // an instance that refuses stays alive and tracked. Gives the number released.
+    int ReleaseInstances();
+
     // The number of live instances this type made (not those of derived types).
     int GetInstanceCount() const;
     // The tracked instance with that ID, or null.

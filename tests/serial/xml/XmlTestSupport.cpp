@@ -31,13 +31,7 @@ CXmlNode* NewNode(const char* name) {
 }
 
 void ReleaseAllNodes() {
-    std::list<CKWGuid> ids;
-    CXmlNode::GetCXmlNodeType()->GetInstanceList(ids);
-    for (const CKWGuid& id : ids) {
-        if (IKWObject* node = CXmlNode::GetCXmlNodeType()->FindInstance(id)) {
-            node->Release();
-        }
-    }
+    CXmlNode::GetCXmlNodeType()->ReleaseInstances();
 }
 
 int LiveNodeCount() {
