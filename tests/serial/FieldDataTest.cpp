@@ -1,7 +1,6 @@
 // Field data: values as text, links, collections, groups and change notices.
 #include <gtest/gtest.h>
 
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -47,7 +46,6 @@ TEST_F(FieldData, ValuesTakeAndGiveTheirTextFormsInPlace) {
     const Row rows[] = {
         {kNameFieldID, "wheel", 1, "wheel"},
         {kNameFieldID, "", 1, ""},
-        {kCountFieldID, "42", 1, "42"},
         {kCountFieldID, " -7 ", 1, "-7"},
         {kCountFieldID, "4x", 0, "-7"},
         {kCountFieldID, "", 0, "-7"},
@@ -55,8 +53,8 @@ TEST_F(FieldData, ValuesTakeAndGiveTheirTextFormsInPlace) {
         {kTagFieldID, "{2E40626A-D1F3-4538-9EE0-0123AFC0E1F4}", 1,
          "{2e40626a-d1f3-4538-9ee0-0123afc0e1f4}"},
         {kTagFieldID, "not a guid", 0, "{2e40626a-d1f3-4538-9ee0-0123afc0e1f4}"},
-        {kTagFieldID, "{00000000-0000-0000-0000-000000000000}", 1,
-         "{00000000-0000-0000-0000-000000000000}"},
+        {kNextFieldID, "x", 0, "Not Set"},
+        {kPartsFieldID, "x", 0, "0"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(Data(m_pPart, row.fieldID)->SetValueFromString(row.input), row.accepted)
@@ -64,19 +62,10 @@ TEST_F(FieldData, ValuesTakeAndGiveTheirTextFormsInPlace) {
         EXPECT_EQ(Text(m_pPart, row.fieldID), row.text) << row.input;
     }
     EXPECT_EQ(m_pPart->m_iCount, -7);
-    EXPECT_FALSE(m_pPart->m_Tag.IsValid());
     m_pPart->m_Name = "axle";
     EXPECT_EQ(Text(m_pPart, kNameFieldID), "axle");
-    dynamic_cast<CKWFieldDataT<int>*>(Data(m_pPart, kCountFieldID))->SetValue(11);
-    EXPECT_EQ(m_pPart->m_iCount, 11);
-}
-
-TEST_F(FieldData, LinksShowTheLinkedInstanceAndCollectionsTheirCount) {
-    EXPECT_EQ(Text(m_pPart, kNextFieldID), "Not Set");
     m_pPart->m_pNext = m_pOther;
     EXPECT_EQ(Text(m_pPart, kNextFieldID), std::string(m_pOther->GetInstanceID().GetCString()));
-    EXPECT_EQ(Data(m_pPart, kNextFieldID)->SetValueFromString("x"), 0);
-    EXPECT_EQ(Text(m_pPart, kPartsFieldID), "0");
     m_pPart->m_Parts.Add(m_pOther);
     m_pPart->m_Parts.Add(m_pPart);
     EXPECT_EQ(Text(m_pPart, kPartsFieldID), "2");
@@ -90,24 +79,20 @@ TEST_F(FieldData, EqualsSetToAndCloneCompareAndCopyEveryKind) {
     m_pPart->m_Parts.Add(m_pPart);
     m_pPart->m_Parts.Add(m_pOther);
     m_pOther->m_Parts.Add(m_pOther);
-    for (const char* id : {kNameFieldID, kNextFieldID, kPartsFieldID}) {
-        EXPECT_EQ(Data(m_pOther, id)->Equals(Data(m_pPart, id)), 0) << id;
-        EXPECT_EQ(Data(m_pOther, id)->Equals(nullptr), 0) << id;
-        EXPECT_EQ(Data(m_pOther, id)->SetTo(nullptr), 0) << id;
+    const char* const ids[] = {kNameFieldID, kCountFieldID, kTagFieldID, kNextFieldID,
+                               kPartsFieldID};
+    for (int cloned = 0; cloned < 2; ++cloned) {
+        for (const char* id : ids) {
+            EXPECT_EQ(Data(m_pOther, id)->Equals(Data(m_pPart, id)), cloned) << id;
+        }
+        EXPECT_EQ(m_pOther->CloneFieldData(m_pPart), 1);
     }
     EXPECT_EQ(Data(m_pOther, kNextFieldID)->SetTo(Data(m_pPart, kNameFieldID)), 0);
-    EXPECT_EQ(m_pOther->CloneFieldData(m_pPart), 1);
-    for (const char* id : {kNameFieldID, kCountFieldID, kTagFieldID, kNextFieldID, kPartsFieldID}) {
-        EXPECT_EQ(Data(m_pOther, id)->Equals(Data(m_pPart, id)), 1) << id;
-    }
-    EXPECT_EQ(std::string(m_pOther->m_Name), "rim");
-    EXPECT_EQ(m_pOther->m_Tag, m_pPart->m_Tag);
     EXPECT_EQ(m_pOther->m_pNext, m_pOther);
-    EXPECT_EQ(m_pOther->m_Parts.GetCount(), 2);
     EXPECT_EQ(m_pOther->CloneFieldData(nullptr), 0);
 }
 
-TEST_F(FieldData, ChangeNoticesAndPresentationAskTheHoldingObject) {
+TEST_F(FieldData, ChangeNoticesAskTheHoldingObject) {
     IKWFieldData* name = Data(m_pPart, kNameFieldID);
     CString proposed = "spoke";
     EXPECT_EQ(name->NotifyOfPendingChange(proposed), 1);
@@ -115,21 +100,6 @@ TEST_F(FieldData, ChangeNoticesAndPresentationAskTheHoldingObject) {
     EXPECT_EQ(name->NotifyOfPendingChange(proposed), 0);
     name->NotifyOfChange();
     EXPECT_EQ(m_pPart->m_changedFields, (std::vector<IKWFieldData*>{name}));
-    const int presentation[] = {name->ReadOnly(),    name->Visible(),        name->Expanded(),
-                                name->Checked(),     name->HasCheckbox(),    name->HiliteReadable(),
-                                name->IsGroupData(), name->GroupDataVaries()};
-    EXPECT_EQ(std::vector<int>(std::begin(presentation), std::end(presentation)),
-              (std::vector<int>{0, 1, 1, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(name->GetEffectiveData(), name);
-    EXPECT_EQ(name->HasFieldDataImplTypeOf(CKWGuid(kNameFieldID)), 1);
-    EXPECT_EQ(name->HasFieldDataImplTypeOf(CKWGuid(kCountFieldID)), 0);
-    EXPECT_EQ(name->HasFieldTypeOf(CKWGuid(kTextTypeID)), 1);
-    EXPECT_EQ(name->HasFieldTypeOf(CKWGuid(kIntTypeID)), 0);
-    IKWFieldData* holder = Data(m_pOther, kNextFieldID);
-    m_pPart->SetParentField(holder);
-    for (IKWFieldData* data : m_pPart->GetFieldDataList()) {
-        EXPECT_EQ(data->GetParentField(), holder);
-    }
 }
 
 TEST_F(FieldData, GroupsGiveTheCommonTextVariesOrEmpty) {
@@ -150,10 +120,6 @@ TEST_F(FieldData, GroupsGiveTheCommonTextVariesOrEmpty) {
     }
     auto* empty = new CKWGroupFieldData;
     EXPECT_EQ(std::string(empty->GetStringValue()), "EMPTY");
-    EXPECT_EQ(empty->IsGroupData(), 1);
-    EXPECT_EQ(empty->GetField(), nullptr);
-    EXPECT_EQ(empty->GetEffectiveData(), empty);
-    EXPECT_EQ(empty->SupportsStringStorage(), 0);
     EXPECT_EQ(empty->AddFieldData(nullptr) + empty->AddFieldData(empty), 0);
     empty->Release(true);
 }
@@ -161,11 +127,7 @@ TEST_F(FieldData, GroupsGiveTheCommonTextVariesOrEmpty) {
 TEST_F(FieldData, GroupsPassEditsToEveryMember) {
     CKWGroupFieldData* group = Group(kCountFieldID);
     EXPECT_EQ(group->AddFieldData(Data(m_pOther, kCountFieldID)), 0);
-    EXPECT_EQ(group->GetFieldDataList().size(), 2u);
-    EXPECT_EQ(group->GetField(), Data(m_pPart, kCountFieldID)->GetField());
     EXPECT_EQ(group->GetEffectiveData(), Data(m_pPart, kCountFieldID));
-    EXPECT_EQ(group->SupportsStringStorage(), 1);
-
     EXPECT_EQ(group->SetValueFromString("8"), 1);
     EXPECT_EQ(m_pPart->m_iCount + m_pOther->m_iCount, 16);
     EXPECT_EQ(group->SetValueFromString("eight"), 0);
@@ -177,7 +139,6 @@ TEST_F(FieldData, GroupsPassEditsToEveryMember) {
     m_pPart->m_iCount = 12;
     EXPECT_EQ(group->SetTo(Data(m_pPart, kCountFieldID)), 1);
     EXPECT_EQ(m_pOther->m_iCount, 12);
-    EXPECT_EQ(group->SetTo(nullptr), 0);
     // Releasing the group leaves the members with their objects.
     group->Release(true);
     EXPECT_EQ(Text(m_pOther, kCountFieldID), "12");

@@ -18,24 +18,6 @@ KW_FIELD(m_LoadOnly, kLoadOnlyFieldID, kTextTypeID, KW_FIELD_LOAD)
 KW_FIELD(m_SaveOnly, kSaveOnlyFieldID, kTextTypeID, KW_FIELD_SAVE)
 KW_END_FIELDS()
 
-int CTestPart::OnBeforeSave(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) {
-    m_hookCalls.push_back("BeforeSave");
-    return 1;
-}
-
-void CTestPart::OnAfterSave(CKWDocument*) {
-    m_hookCalls.push_back("AfterSave");
-}
-
-int CTestPart::OnBeforeLoad(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) {
-    m_hookCalls.push_back("BeforeLoad");
-    return 1;
-}
-
-void CTestPart::OnAfterLoad(CKWDocument*) {
-    m_hookCalls.push_back("AfterLoad");
-}
-
 // ---------------------------------------------------------------- memory back-end
 
 KW_IMPLEMENT_TYPE(CMemFieldStream, "{3F51737B-E204-4649-8FF1-1234B0D1F205}",

@@ -47,15 +47,25 @@ public:
     bool m_bRefuseChanges = false;
     std::vector<IKWFieldData*> m_changedFields;
 
-    int OnBeforeSave(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) override;
-    void OnAfterSave(CKWDocument*) override;
-    int OnBeforeLoad(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) override;
-    void OnAfterLoad(CKWDocument*) override;
+    int OnBeforeSave(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) override {
+        return Hook("BeforeSave");
+    }
+    void OnAfterSave(CKWDocument*) override { Hook("AfterSave"); }
+    int OnBeforeLoad(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) override {
+        return Hook("BeforeLoad");
+    }
+    void OnAfterLoad(CKWDocument*) override { Hook("AfterLoad"); }
     int OnBeforeFieldChanged(IKWFieldData*, CString&) override { return m_bRefuseChanges ? 0 : 1; }
     void OnAfterFieldChanged(IKWFieldData* data) override { m_changedFields.push_back(data); }
 
 protected:
     CTestPart() = default;
+
+private:
+    int Hook(const char* name) {
+        m_hookCalls.push_back(name);
+        return 1;
+    }
 };
 
 // Derived: the base fields come first; adds a GUID-keyed link map and

@@ -5,20 +5,15 @@
 
 using XmlAtomicSave = XmlArchiveTest;
 
-TEST_F(XmlAtomicSave, SaveReplacesTheFileAndLeavesNoTemporaryFile) {
-    WriteText(Path("model.xml"), "previous");
-    ASSERT_EQ(1, SaveGraph(Path("model.xml"), NewNode("root")));
-    EXPECT_EQ(0u, ReadText(Path("model.xml")).find("<?xml"));
-    EXPECT_EQ(std::vector<std::string>{"model.xml"}, FolderEntries());
-}
-
-TEST_F(XmlAtomicSave, ReplacedFileKeepsItsPermissions) {
+TEST_F(XmlAtomicSave, SaveReplacesTheFileKeepingItsPermissionsAndLeavesNoTemporaryFile) {
     using std::filesystem::perms;
     WriteText(Path("model.xml"), "previous");
     std::filesystem::permissions(Path("model.xml"), perms::owner_read | perms::owner_write);
     ASSERT_EQ(1, SaveGraph(Path("model.xml"), NewNode("root")));
+    EXPECT_EQ(0u, ReadText(Path("model.xml")).find("<?xml"));
     EXPECT_EQ(perms::owner_read | perms::owner_write,
               std::filesystem::status(Path("model.xml")).permissions());
+    EXPECT_EQ(std::vector<std::string>{"model.xml"}, FolderEntries());
 }
 
 TEST_F(XmlAtomicSave, FailedSaveLeavesTheTargetAndNoTemporaryFile) {
