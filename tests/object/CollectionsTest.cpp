@@ -165,6 +165,29 @@ TEST_F(Collections, MapKeysByInstanceIDAtAddTime) {
     EXPECT_EQ(map.Remove(nullptr), 0);
 }
 
+TEST_F(Collections, LargeMapsFindEveryMemberThroughAddRemoveCopyAndClear) {
+    CKWObjGuidPtrMap<CTestWidget> map;
+    for (int i = 0; i < 200; ++i) {
+        ASSERT_EQ(map.Add(Make()), 1);
+    }
+    for (int i = 0; i < 200; i += 2) {
+        ASSERT_EQ(map.Remove(m_widgets[i]), 1);
+    }
+    CKWObjGuidPtrMap<CTestWidget> copy(map);
+    for (int i = 0; i < 200; ++i) {
+        CTestWidget* expected = i % 2 ? m_widgets[i] : nullptr;
+        ASSERT_EQ(map.FindObject(m_widgets[i]->GetInstanceID()), expected);
+        ASSERT_EQ(copy.FindObject(m_widgets[i]->GetInstanceID()), expected);
+    }
+    EXPECT_EQ(map.Add(m_widgets[1]), 0);
+    map.RemoveAll(false);
+    EXPECT_EQ(map.FindObject(m_widgets[1]->GetInstanceID()), nullptr);
+    EXPECT_EQ(copy.GetCount(), 100);
+    copy = map;
+    EXPECT_EQ(copy.FindObject(m_widgets[1]->GetInstanceID()), nullptr);
+    EXPECT_EQ(copy.Add(m_widgets[1]), 1);
+}
+
 TEST_F(Collections, MapRefusesASecondObjectWithTheSameID) {
     CKWObjGuidPtrMap<CTestWidget> map;
     CTestWidget* a = Make();

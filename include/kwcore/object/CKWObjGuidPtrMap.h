@@ -2,7 +2,9 @@
 //
 // Holds plain, non-owning pointers in ascending instance-ID order. The key is
 // taken when an element is added: an element whose ID changes later keeps
-// its old key. Only RemoveAll(true) releases elements.
+// its old key. Only RemoveAll(true) releases elements. Past a handful of
+// elements a hash index sits beside the ordered map, so lookups by ID stay
+// constant-time in the large maps that archives keep.
 //
 //   CKWObjGuidPtrMap<CKWDocument> documents;
 //   documents.Add(doc);
@@ -10,6 +12,8 @@
 #pragma once
 
 #include <map>
+#include <memory>
+#include <unordered_map>
 
 #include "kwcore/object/CKWGuidMapIterator.h"
 #include "kwcore/object/IKWCollection.h"
@@ -20,11 +24,25 @@ public:
     using Iterator = CKWGuidMapIterator<T>;
     using Map = std::map<CKWGuid, T*>;
 
+    CKWObjGuidPtrMap() = default;
+    CKWObjGuidPtrMap(const CKWObjGuidPtrMap& other) : m_map(other.m_map) { RebuildIndex(); }
+    CKWObjGuidPtrMap& operator=(const CKWObjGuidPtrMap& other) {
+        if (this != &other) {
+            m_map = other.m_map;
+            RebuildIndex();
+        }
+        return *this;
+    }
+
     int GetCount() const override { return static_cast<int>(m_map.size()); }
 
     void* Find(const CKWGuid& instanceID) const override { return FindObject(instanceID); }
 
     T* FindObject(const CKWGuid& instanceID) const {
+        if (m_pIndex) {
+            auto found = m_pIndex->find(instanceID);
+            return found == m_pIndex->end() ? nullptr : found->second;
+        }
         auto found = m_map.find(instanceID);
         return found == m_map.end() ? nullptr : found->second;
     }
@@ -33,7 +51,16 @@ public:
         if (!element) {
             return 0;
         }
-        return m_map.emplace(element->GetInstanceID(), element).second ? 1 : 0;
+        const CKWGuid& key = element->GetInstanceID();
+        if (!m_map.emplace(key, element).second) {
+            return 0;
+        }
+        if (m_pIndex) {
+            m_pIndex->emplace(key, element);
+        } else if (m_map.size() > kIndexThreshold) {
+            RebuildIndex();
+        }
+        return 1;
     }
 
     // Erases the element's current instance ID, whatever object that key holds.
@@ -41,7 +68,11 @@ public:
         if (!element) {
             return 0;
         }
-        return m_map.erase(element->GetInstanceID()) ? 1 : 0;
+        const CKWGuid& key = element->GetInstanceID();
+        if (m_pIndex) {
+            m_pIndex->erase(key);
+        }
+        return m_map.erase(key) ? 1 : 0;
     }
 
     void RemoveAll(bool bRelease) override {
@@ -49,6 +80,7 @@ public:
             ReleaseAll();
         } else {
             m_map.clear();
+            m_pIndex.reset();
         }
     }
 
@@ -56,6 +88,7 @@ public:
     // its element is released, so the element is unreachable through the map
     // while it goes. Stops at a null entry and gives 0; otherwise 1.
     int ReleaseAll() {
+        m_pIndex.reset();
         while (!m_map.empty()) {
             auto first = m_map.begin();
             T* element = first->second;
@@ -74,5 +107,17 @@ public:
     const Map& GetMap() const { return m_map; }
 
 private:
+    using Index = std::unordered_map<CKWGuid, T*>;
+    static constexpr std::size_t kIndexThreshold = 16;
+
+    void RebuildIndex() {
+        m_pIndex.reset();
+        if (m_map.size() <= kIndexThreshold) {
+            return;
+        }
+        m_pIndex = std::make_unique<Index>(m_map.begin(), m_map.end());
+    }
+
     Map m_map;
+    std::unique_ptr<Index> m_pIndex;
 };
