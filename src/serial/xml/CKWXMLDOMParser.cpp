@@ -1,5 +1,7 @@
 #include "CKWXMLDOMParser.h"
 
+#include <xercesc/util/XMLChar.hpp>
+
 #include "KWXMLNamePool.h"
 
 XERCES_CPP_NAMESPACE_USE
@@ -15,4 +17,11 @@ void CKWXMLDOMParser::startElement(const XMLElementDecl& elemDecl, unsigned int 
     XercesDOMParser::startElement(elemDecl, urlId, elemPrefix, attrList, attrCount, isEmpty,
                                   isRoot);
     KWFitNamePool(getDocument(), ++m_elements);
+}
+
+void CKWXMLDOMParser::docCharacters(const XMLCh* chars, XMLSize_t length, bool cdataSection) {
+    if (!cdataSection && XMLChar1_0::isAllSpaces(chars, length)) {
+        return;
+    }
+    XercesDOMParser::docCharacters(chars, length, cdataSection);
 }
