@@ -56,6 +56,16 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/KWSerialTypeMacros.h"
 
+// Framework: observers, models and views.
+#include "kwcore/framework/CKWModel.h"
+#include "kwcore/framework/CKWModelVoid.h"
+#include "kwcore/framework/CKWObservable.h"
+#include "kwcore/framework/CKWObservation.h"
+#include "kwcore/framework/CKWObserver.h"
+#include "kwcore/framework/CKWObserverAdapter.h"
+#include "kwcore/framework/CKWView.h"
+#include "kwcore/framework/IKWObservationListener.h"
+
 // XML archive: the file back-end of the serialization, where Xerces-C is available.
 #if __has_include(<xercesc/util/XercesDefs.hpp>)
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"

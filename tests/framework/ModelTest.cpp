@@ -1,0 +1,126 @@
+// Models and views, observer adapters, and the types of this family.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "FrameworkTestTypes.h"
+#include "kwcore/framework/CKWModelVoid.h"
+#include "kwcore/framework/CKWObserverAdapter.h"
+#include "kwcore/object/CKWTypeSystem.h"
+#include "kwcore/serial/IKWSerializableAdaptor.h"
+
+namespace {
+
+const CKWGuid kBase(KW_BASE_OBSERVATION_TYPE_ID);
+constexpr const char* kObjectImplTypeID = "{3719246B-C3B0-4AE9-9723-6E998C42484A}";
+
+TEST(ObserverTypes, AreRegisteredUnderTheirNamesAndParents) {
+    struct Row {
+        const char* typeID;
+        const char* name;
+        const char* parentID;
+        int abstract;
+    };
+    const Row rows[] = {
+        {"{D265DD01-767A-4ACB-BCF6-02720CB234E1}", "CKWObservable", kObjectImplTypeID, 0},
+        {"{A3E1639E-0C4D-4A7E-B48C-990F2D031F4E}", "CKWObserver", kObjectImplTypeID, 0},
+        {"{060C1069-68A0-400F-B3F4-45E9A33A1204}", "CKWObservation", kObjectImplTypeID, 0},
+        {"{D8D3E17D-9A46-4602-B39B-C4FD95399463}", "CKWObserverAdapter",
+         "{A3E1639E-0C4D-4A7E-B48C-990F2D031F4E}", 0},
+        {"{DCC62E4B-249A-470F-87E1-DEB9E4E976DD}", "CKWView",
+         "{A3E1639E-0C4D-4A7E-B48C-990F2D031F4E}", 0},
+        {"{A0220F9B-B946-4ACF-B582-B9BE858A07D6}", "CKWModel",
+         "{D265DD01-767A-4ACB-BCF6-02720CB234E1}", 1},
+        {"{AEE77D3B-F748-4C02-AEFE-53E785C7142F}", "CKWModelVoid",
+         "{A0220F9B-B946-4ACF-B582-B9BE858A07D6}", 0},
+    };
+    for (const Row& row : rows) {
+        IKWObjectType* type = CKWTypeSystem::FindType(CKWGuid(row.typeID));
+        ASSERT_NE(type, nullptr) << row.name;
+        EXPECT_EQ(std::string(type->GetName()), row.name);
+        EXPECT_EQ(type->GetParentType(), CKWTypeSystem::FindType(CKWGuid(row.parentID)))
+            << row.name;
+        EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
+        EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID));
+    }
+    EXPECT_EQ(CKWModel::GetCKWModelType()->CreateInstance(CKWGuid()), nullptr);
+    EXPECT_NE(dynamic_cast<CKWSerialObjectTypeImpl*>(CKWModelVoid::GetCKWModelVoidType()), nullptr);
+}
+
+class ModelTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_pModel = Make<CKWModelVoid>(CKWModelVoid::GetCKWModelVoidType());
+        m_pView = Make<CRecordingView>(CRecordingView::GetCRecordingViewType());
+        m_pObserver = Make<CRecordingObserver>(CRecordingObserver::GetCRecordingObserverType());
+        ASSERT_TRUE(m_pModel && m_pView && m_pObserver);
+    }
+    void TearDown() override {
+        EXPECT_EQ(m_pModel->Release(), 1);
+        m_pView->Release();
+        m_pObserver->Release();
+    }
+
+    CKWModelVoid* m_pModel = nullptr;
+    CRecordingView* m_pView = nullptr;
+    CRecordingObserver* m_pObserver = nullptr;
+};
+
+TEST_F(ModelTest, ViewsReceiveEveryObservation) {
+    EXPECT_EQ(m_pModel->AddView(m_pView), 1);
+    EXPECT_EQ(m_pModel->AddView(m_pView), 0);
+    EXPECT_EQ(m_pModel->AddView(nullptr), 0);
+    auto* derived = Make<CObservationC>(CObservationC::GetCObservationCType());
+    auto* plain = Make<CKWObservation>(CKWObservation::GetCKWObservationType());
+    m_pModel->NotifyObservers(derived);
+    m_pModel->NotifyObservers(plain);
+    EXPECT_EQ(m_pView->m_received, (std::vector<CKWObservation*>{derived, plain}));
+}
+
+TEST_F(ModelTest, GetViewFindsViewsOnlyAndRemoveViewTakesThemOut) {
+    m_pModel->AddView(m_pView);
+    m_pModel->AddObserver(m_pObserver, kBase);
+    EXPECT_EQ(m_pModel->GetView(m_pView->GetInstanceID()), m_pView);
+    EXPECT_EQ(m_pModel->GetView(m_pObserver->GetInstanceID()), nullptr);
+    EXPECT_EQ(m_pModel->GetView(CKWGuid::CreateNewGUID()), nullptr);
+
+    EXPECT_EQ(m_pModel->RemoveView(CKWGuid::CreateNewGUID()), 1);
+    EXPECT_EQ(m_pModel->RemoveView(m_pView->GetInstanceID()), 1);
+    EXPECT_EQ(m_pModel->GetView(m_pView->GetInstanceID()), nullptr);
+    EXPECT_EQ(m_pModel->GetObserverCount(kBase), 1);
+}
+
+TEST_F(ModelTest, IsSerializableThroughItsAdaptor) {
+    auto* adaptor = static_cast<IKWSerializableAdaptor*>(
+        m_pModel->GetInterface(CKWGuid(IID_IKWSerializableAdaptor)));
+    ASSERT_NE(adaptor, nullptr);
+    EXPECT_EQ(adaptor->GetThisObject(), static_cast<IKWObject*>(m_pModel));
+    EXPECT_EQ(adaptor->InitFieldData(), 1);
+    EXPECT_TRUE(adaptor->GetFieldDataList().empty());
+    EXPECT_EQ(m_pModel->GetInterface(CKWGuid(IID_IKWObject)), static_cast<IKWObject*>(m_pModel));
+    EXPECT_EQ(m_pModel->GetInterface(CKWGuid::CreateNewGUID()), nullptr);
+}
+
+class CountingListener : public IKWObservationListener {
+public:
+    std::vector<CKWObservation*> m_received;
+    void OnUpdate(CKWObservation* observation) override { m_received.push_back(observation); }
+};
+
+TEST(ObserverAdapter, ForwardsToItsListenerUntilReleased) {
+    auto* adapter = Make<CKWObserverAdapter>(CKWObserverAdapter::GetCKWObserverAdapterType());
+    auto* observation = Make<CKWObservation>(CKWObservation::GetCKWObservationType());
+    adapter->OnUpdate(observation);  // no listener: nothing happens
+
+    CountingListener listener;
+    adapter->SetListener(&listener);
+    EXPECT_EQ(adapter->GetListener(), &listener);
+    adapter->OnUpdate(observation);
+    adapter->OnUpdate(nullptr);
+    EXPECT_EQ(listener.m_received, (std::vector<CKWObservation*>{observation, nullptr}));
+    EXPECT_EQ(adapter->Release(), 1);
+    EXPECT_EQ(observation->Release(), 1);
+}
+
+}  // namespace
