@@ -19,9 +19,6 @@ inline constexpr const char* kObservationCTypeID = "{8F41ADC6-5E70-4293-B14A-DCF
 class CObservationA : public CKWObservation {
     KW_DECLARE_TYPE(CObservationA, CKWObjectTypeImpl)
 
-public:
-    int m_iValue = 0;
-
 protected:
     CObservationA() = default;
 };

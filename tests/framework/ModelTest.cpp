@@ -7,6 +7,7 @@
 #include "FrameworkTestTypes.h"
 #include "kwcore/framework/CKWModelVoid.h"
 #include "kwcore/framework/CKWObserverAdapter.h"
+#include "kwcore/framework/CKWTool.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 
@@ -15,25 +16,29 @@ namespace {
 const CKWGuid kBase(KW_BASE_OBSERVATION_TYPE_ID);
 constexpr const char* kObjectImplTypeID = "{3719246B-C3B0-4AE9-9723-6E998C42484A}";
 
-TEST(ObserverTypes, AreRegisteredUnderTheirNamesAndParents) {
+TEST(FrameworkTypes, AreRegisteredUnderTheirNamesAndParents) {
+    const char* kObservable = "{D265DD01-767A-4ACB-BCF6-02720CB234E1}";
+    const char* kObserver = "{A3E1639E-0C4D-4A7E-B48C-990F2D031F4E}";
+    const char* kObservation = "{060C1069-68A0-400F-B3F4-45E9A33A1204}";
+    const char* kModel = "{A0220F9B-B946-4ACF-B582-B9BE858A07D6}";
+    const char* kTool = "{45AE9A00-017B-4CEF-8CE5-FD6802B90C83}";
     struct Row {
         const char* typeID;
         const char* name;
         const char* parentID;
         int abstract;
-    };
-    const Row rows[] = {
-        {"{D265DD01-767A-4ACB-BCF6-02720CB234E1}", "CKWObservable", kObjectImplTypeID, 0},
-        {"{A3E1639E-0C4D-4A7E-B48C-990F2D031F4E}", "CKWObserver", kObjectImplTypeID, 0},
-        {"{060C1069-68A0-400F-B3F4-45E9A33A1204}", "CKWObservation", kObjectImplTypeID, 0},
-        {"{D8D3E17D-9A46-4602-B39B-C4FD95399463}", "CKWObserverAdapter",
-         "{A3E1639E-0C4D-4A7E-B48C-990F2D031F4E}", 0},
-        {"{DCC62E4B-249A-470F-87E1-DEB9E4E976DD}", "CKWView",
-         "{A3E1639E-0C4D-4A7E-B48C-990F2D031F4E}", 0},
-        {"{A0220F9B-B946-4ACF-B582-B9BE858A07D6}", "CKWModel",
-         "{D265DD01-767A-4ACB-BCF6-02720CB234E1}", 1},
-        {"{AEE77D3B-F748-4C02-AEFE-53E785C7142F}", "CKWModelVoid",
-         "{A0220F9B-B946-4ACF-B582-B9BE858A07D6}", 0},
+    } const rows[] = {
+        {kObservable, "CKWObservable", kObjectImplTypeID, 0},
+        {kObserver, "CKWObserver", kObjectImplTypeID, 0},
+        {kObservation, "CKWObservation", kObjectImplTypeID, 0},
+        {"{D8D3E17D-9A46-4602-B39B-C4FD95399463}", "CKWObserverAdapter", kObserver, 0},
+        {"{DCC62E4B-249A-470F-87E1-DEB9E4E976DD}", "CKWView", kObserver, 0},
+        {kModel, "CKWModel", kObservable, 1},
+        {"{AEE77D3B-F748-4C02-AEFE-53E785C7142F}", "CKWModelVoid", kModel, 0},
+        {kTool, "Tool", "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}", 0},
+        {"{2693E4BF-CD4A-4D2F-9722-3CD885AF66AC}", "CKWToolEvent", kObservation, 0},
+        {"{66D6E4CF-D167-4B40-89F0-8467A4961A4B}", "CKWFocusEvent", kObservation, 0},
+        {"{89C55D8F-1380-41E3-8A0C-245E1E4778D5}", "CKWToolEventRouter", kObservable, 0},
     };
     for (const Row& row : rows) {
         IKWObjectType* type = CKWTypeSystem::FindType(CKWGuid(row.typeID));
@@ -44,8 +49,10 @@ TEST(ObserverTypes, AreRegisteredUnderTheirNamesAndParents) {
         EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
         EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID));
     }
+    // Only the tool's own type is renamed; its class name stays.
+    EXPECT_EQ(std::string(CKWTool::GetCKWToolType()->GetDescription()), "A Tool");
+    EXPECT_EQ(std::string(CKWTool::GetCKWToolType()->GetClassNameA()), "CKWTool");
     EXPECT_EQ(CKWModel::GetCKWModelType()->CreateInstance(CKWGuid()), nullptr);
-    EXPECT_NE(dynamic_cast<CKWSerialObjectTypeImpl*>(CKWModelVoid::GetCKWModelVoidType()), nullptr);
 }
 
 class ModelTest : public ::testing::Test {
