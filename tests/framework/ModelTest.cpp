@@ -11,6 +11,14 @@
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 
+#if __has_include(<xercesc/util/XercesDefs.hpp>)
+#include <cstdio>
+
+#include "kwcore/serial/CKWDocument.h"
+#include "kwcore/serial/xml/CKWXMLFileArchive.h"
+#define FRAMEWORK_TESTS_HAVE_XML_ARCHIVE 1
+#endif
+
 namespace {
 
 const CKWGuid kBase(KW_BASE_OBSERVATION_TYPE_ID);
@@ -108,6 +116,31 @@ TEST_F(ModelTest, IsSerializableThroughItsAdaptor) {
     EXPECT_EQ(m_pModel->GetInterface(CKWGuid(IID_IKWObject)), static_cast<IKWObject*>(m_pModel));
     EXPECT_EQ(m_pModel->GetInterface(CKWGuid::CreateNewGUID()), nullptr);
 }
+
+#ifdef FRAMEWORK_TESTS_HAVE_XML_ARCHIVE
+TEST_F(ModelTest, SavesToAnArchiveAndLoadsBackUnderItsID) {
+    const std::string file = ::testing::TempDir() + "framework-model.xml";
+    auto* archive = static_cast<CKWXMLFileArchive*>(
+        CKWXMLFileArchive::GetCKWXMLFileArchiveType()->CreateInstance(CKWGuid()));
+    archive->SetFile(file.c_str());
+    ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
+    EXPECT_EQ(m_pModel->SerializeTo(archive->CreateNewDocument(CKWGuid(), nullptr)), 1);
+    ASSERT_TRUE(archive->Close());
+
+    ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
+    CKWDocument* document = archive->GetDocumentIterator().GetNext(1);
+    ASSERT_NE(document, nullptr);
+    IKWObject* loaded = document->GetObjectA(CKWModelVoid::GetCKWModelVoidType()->GetID(),
+                                             m_pModel->GetInstanceID());
+    archive->Close();
+    archive->Release();
+    std::remove(file.c_str());
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_NE(loaded, static_cast<IKWObject*>(m_pModel));
+    EXPECT_NE(dynamic_cast<CKWModelVoid*>(loaded), nullptr);
+    EXPECT_EQ(loaded->Release(), 1);
+}
+#endif
 
 class CountingListener : public IKWObservationListener {
 public:
