@@ -5,7 +5,8 @@
 // creates an observation through its type and hands it to
 // CKWObservable::NotifyObservers. With auto-release on (the default) the
 // observable releases it right after its delivery, so it is published once;
-// with auto-release off the publisher keeps it and may publish it again.
+// with auto-release off the publisher keeps it and may publish it again. An
+// observation stays alive until its delivery is over: observers never release it.
 //
 //   auto* o = static_cast<CKWObservation*>(
 //       CKWObservation::GetCKWObservationType()->CreateInstance(CKWGuid()));
