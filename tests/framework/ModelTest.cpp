@@ -1,4 +1,4 @@
-// Models and views, observer adapters, and the types of this family.
+// Models and views, and the types of this family.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -6,7 +6,6 @@
 
 #include "FrameworkTestTypes.h"
 #include "kwcore/framework/CKWModelVoid.h"
-#include "kwcore/framework/CKWObserverAdapter.h"
 #include "kwcore/framework/CKWTool.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/IKWSerializableAdaptor.h"
@@ -141,26 +140,5 @@ TEST_F(ModelTest, SavesToAnArchiveAndLoadsBackUnderItsID) {
     EXPECT_EQ(loaded->Release(), 1);
 }
 #endif
-
-class CountingListener : public IKWObservationListener {
-public:
-    std::vector<CKWObservation*> m_received;
-    void OnUpdate(CKWObservation* observation) override { m_received.push_back(observation); }
-};
-
-TEST(ObserverAdapter, ForwardsToItsListenerUntilReleased) {
-    auto* adapter = Make<CKWObserverAdapter>(CKWObserverAdapter::GetCKWObserverAdapterType());
-    auto* observation = Make<CKWObservation>(CKWObservation::GetCKWObservationType());
-    adapter->OnUpdate(observation);  // no listener: nothing happens
-
-    CountingListener listener;
-    adapter->SetListener(&listener);
-    EXPECT_EQ(adapter->GetListener(), &listener);
-    adapter->OnUpdate(observation);
-    adapter->OnUpdate(nullptr);
-    EXPECT_EQ(listener.m_received, (std::vector<CKWObservation*>{observation, nullptr}));
-    EXPECT_EQ(adapter->Release(), 1);
-    EXPECT_EQ(observation->Release(), 1);
-}
 
 }  // namespace

@@ -191,19 +191,4 @@ TEST(ToolEvents, CopiesAndAssignmentsCarryEveryField) {
     EXPECT_EQ(focus->Release(), 1);
 }
 
-TEST(PlatformWindows, CarryParentAndTitleAndRunTheRepaintHook) {
-    CKWMDIChildWnd frame;
-    CWnd view;
-    EXPECT_EQ(view.SetParent(&frame), nullptr);
-    EXPECT_EQ(view.GetParent(), &frame);
-    frame.SetTitle("Part 1");
-    EXPECT_EQ(std::string(frame.GetTitle()), "Part 1");
-    CWnd* repainted = nullptr;
-    view.SetInvalidateHook([&](CWnd* window) { repainted = window; });
-    view.Invalidate();
-    frame.Invalidate();
-    EXPECT_EQ(repainted, &view);
-    EXPECT_EQ(view.GetInvalidateCount() + frame.GetInvalidateCount(), 2);
-}
-
 }  // namespace
