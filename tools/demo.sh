@@ -16,6 +16,18 @@ run guid _MAkT7E-UlEO1itJS6yd__Q
 section "Types registered by the library before main"
 run types
 
+# The measuring-tool example sits beside the tool in the build tree.
+measure=${KWCORE_MEASURE_TOOL:-$(dirname "$kwcore")/../../examples/measure-tool/kwcore_example_measure_tool}
+section "A host tool fed by a tool-event router: measuring between mouse-down and mouse-up"
+if [[ -x $measure ]]; then
+    printf '$ kwcore_example_measure_tool\n'
+    "$measure"
+    printf '$ kwcore_example_measure_tool 0 0 30 40\n'
+    "$measure" 0 0 30 40
+else
+    echo "(the measuring-tool example was not built)"
+fi
+
 # The xml command is built where Xerces-C is found.
 commands=$("$kwcore" --help)
 if ! grep -q '^  xml ' <<<"$commands"; then

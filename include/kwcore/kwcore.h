@@ -13,6 +13,7 @@
 #include "kwcore/platform/CRect.h"
 #include "kwcore/platform/CString.h"
 #include "kwcore/platform/CStringList.h"
+#include "kwcore/platform/CWnd.h"
 #include "kwcore/platform/CollectionFallback.h"
 #include "kwcore/platform/Export.h"
 #include "kwcore/platform/Rpc.h"
@@ -56,6 +57,21 @@
 #include "kwcore/serial/IKWFieldStream.h"
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/KWSerialTypeMacros.h"
+
+// Framework: observers, models and views; tools and tool events.
+#include "kwcore/framework/CKWFocusEvent.h"
+#include "kwcore/framework/CKWMDIChildWnd.h"
+#include "kwcore/framework/CKWModel.h"
+#include "kwcore/framework/CKWModelVoid.h"
+#include "kwcore/framework/CKWObservable.h"
+#include "kwcore/framework/CKWObservation.h"
+#include "kwcore/framework/CKWObserver.h"
+#include "kwcore/framework/CKWObserverAdapter.h"
+#include "kwcore/framework/CKWTool.h"
+#include "kwcore/framework/CKWToolEvent.h"
+#include "kwcore/framework/CKWToolEventRouter.h"
+#include "kwcore/framework/CKWView.h"
+#include "kwcore/framework/IKWObservationListener.h"
 
 // Geometry kernel: scalar math, vectors, points and bounds.
 #include "kwcore/geometry/CKWBound2T.h"

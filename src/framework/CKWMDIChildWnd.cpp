@@ -1,0 +1,3 @@
+#include "kwcore/framework/CKWMDIChildWnd.h"
+
+CKWMDIChildWnd::~CKWMDIChildWnd() = default;

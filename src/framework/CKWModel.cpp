@@ -1,0 +1,53 @@
+#include "kwcore/framework/CKWModel.h"
+
+// Abstract: CKWModelVoid and the applications' models make the instances.
+KW_IMPLEMENT_ABSTRACT_TYPE(CKWModel, "{A0220F9B-B946-4ACF-B582-B9BE858A07D6}",
+                           "{D265DD01-767A-4ACB-BCF6-02720CB234E1}")
+void CKWModel::CKWModelType::InitializeType() {
+    CreateFields(this, nullptr);
+}
+KW_BEGIN_FIELDS(CKWModel)
+KW_END_FIELDS()
+
+int CKWModel::AddView(CKWView* view) {
+    return AddObserver(view, CKWGuid(KW_BASE_OBSERVATION_TYPE_ID));
+}
+
+CKWView* CKWModel::GetView(const CKWGuid& instanceID) {
+    CKWObserver* observer = GetObserver(CKWGuid(KW_BASE_OBSERVATION_TYPE_ID), instanceID);
+    if (!observer || !observer->IsTypeOf(CKWView::GetCKWViewType()->GetID())) {
+        return nullptr;
+    }
+    return dynamic_cast<CKWView*>(observer);
+}
+
+int CKWModel::RemoveView(const CKWGuid& instanceID) {
+    const CKWGuid base(KW_BASE_OBSERVATION_TYPE_ID);
+    return RemoveObserver(GetObserver(base, instanceID), base);
+}
+
+void* CKWModel::GetInterface(const CKWGuid& interfaceID) {
+    if (void* answer = CKWObservable::GetInterface(interfaceID)) {
+        return answer;
+    }
+    if (interfaceID.IsValid() && interfaceID == CKWGuid(IID_IKWSerializableAdaptor)) {
+        return static_cast<IKWSerializableAdaptor*>(this);
+    }
+    return nullptr;
+}
+
+int CKWModel::OnInitialize() {
+    if (!CKWObservable::OnInitialize()) {
+        return 0;
+    }
+    InitFieldData();
+    return 1;
+}
+
+int CKWModel::OnBeforeRelease() {
+    if (!CKWObservable::OnBeforeRelease()) {
+        return 0;
+    }
+    ReleaseFieldData();
+    return 1;
+}

@@ -1,0 +1,6 @@
+#include "kwcore/framework/CKWModelVoid.h"
+
+KW_IMPLEMENT_SERIAL_TYPE(CKWModelVoid, "{AEE77D3B-F748-4C02-AEFE-53E785C7142F}",
+                         "{A0220F9B-B946-4ACF-B582-B9BE858A07D6}")
+KW_BEGIN_FIELDS(CKWModelVoid)
+KW_END_FIELDS()

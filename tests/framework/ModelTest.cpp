@@ -1,0 +1,144 @@
+// Models and views, and the types of this family.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "FrameworkTestTypes.h"
+#include "kwcore/framework/CKWModelVoid.h"
+#include "kwcore/framework/CKWTool.h"
+#include "kwcore/object/CKWTypeSystem.h"
+#include "kwcore/serial/IKWSerializableAdaptor.h"
+
+#if __has_include(<xercesc/util/XercesDefs.hpp>)
+#include <cstdio>
+
+#include "kwcore/serial/CKWDocument.h"
+#include "kwcore/serial/xml/CKWXMLFileArchive.h"
+#define FRAMEWORK_TESTS_HAVE_XML_ARCHIVE 1
+#endif
+
+namespace {
+
+const CKWGuid kBase(KW_BASE_OBSERVATION_TYPE_ID);
+constexpr const char* kObjectImplTypeID = "{3719246B-C3B0-4AE9-9723-6E998C42484A}";
+
+TEST(FrameworkTypes, AreRegisteredUnderTheirNamesAndParents) {
+    const char* kObservable = "{D265DD01-767A-4ACB-BCF6-02720CB234E1}";
+    const char* kObserver = "{A3E1639E-0C4D-4A7E-B48C-990F2D031F4E}";
+    const char* kObservation = "{060C1069-68A0-400F-B3F4-45E9A33A1204}";
+    const char* kModel = "{A0220F9B-B946-4ACF-B582-B9BE858A07D6}";
+    const char* kTool = "{45AE9A00-017B-4CEF-8CE5-FD6802B90C83}";
+    struct Row {
+        const char* typeID;
+        const char* name;
+        const char* parentID;
+        int abstract;
+    } const rows[] = {
+        {kObservable, "CKWObservable", kObjectImplTypeID, 0},
+        {kObserver, "CKWObserver", kObjectImplTypeID, 0},
+        {kObservation, "CKWObservation", kObjectImplTypeID, 0},
+        {"{D8D3E17D-9A46-4602-B39B-C4FD95399463}", "CKWObserverAdapter", kObserver, 0},
+        {"{DCC62E4B-249A-470F-87E1-DEB9E4E976DD}", "CKWView", kObserver, 0},
+        {kModel, "CKWModel", kObservable, 1},
+        {"{AEE77D3B-F748-4C02-AEFE-53E785C7142F}", "CKWModelVoid", kModel, 0},
+        {kTool, "Tool", "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}", 0},
+        {"{2693E4BF-CD4A-4D2F-9722-3CD885AF66AC}", "CKWToolEvent", kObservation, 0},
+        {"{66D6E4CF-D167-4B40-89F0-8467A4961A4B}", "CKWFocusEvent", kObservation, 0},
+        {"{89C55D8F-1380-41E3-8A0C-245E1E4778D5}", "CKWToolEventRouter", kObservable, 0},
+    };
+    for (const Row& row : rows) {
+        IKWObjectType* type = CKWTypeSystem::FindType(CKWGuid(row.typeID));
+        ASSERT_NE(type, nullptr) << row.name;
+        EXPECT_EQ(std::string(type->GetName()), row.name);
+        EXPECT_EQ(type->GetParentType(), CKWTypeSystem::FindType(CKWGuid(row.parentID)))
+            << row.name;
+        EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
+        EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID));
+    }
+    // Only the tool's own type is renamed; its class name stays.
+    EXPECT_EQ(std::string(CKWTool::GetCKWToolType()->GetDescription()), "A Tool");
+    EXPECT_EQ(std::string(CKWTool::GetCKWToolType()->GetClassNameA()), "CKWTool");
+    EXPECT_EQ(CKWModel::GetCKWModelType()->CreateInstance(CKWGuid()), nullptr);
+}
+
+class ModelTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_pModel = Make<CKWModelVoid>(CKWModelVoid::GetCKWModelVoidType());
+        m_pView = Make<CRecordingView>(CRecordingView::GetCRecordingViewType());
+        m_pObserver = Make<CRecordingObserver>(CRecordingObserver::GetCRecordingObserverType());
+        ASSERT_TRUE(m_pModel && m_pView && m_pObserver);
+    }
+    void TearDown() override {
+        EXPECT_EQ(m_pModel->Release(), 1);
+        m_pView->Release();
+        m_pObserver->Release();
+    }
+
+    CKWModelVoid* m_pModel = nullptr;
+    CRecordingView* m_pView = nullptr;
+    CRecordingObserver* m_pObserver = nullptr;
+};
+
+TEST_F(ModelTest, ViewsReceiveEveryObservation) {
+    EXPECT_EQ(m_pModel->AddView(m_pView), 1);
+    EXPECT_EQ(m_pModel->AddView(m_pView), 0);
+    EXPECT_EQ(m_pModel->AddView(nullptr), 0);
+    auto* derived = Make<CObservationC>(CObservationC::GetCObservationCType());
+    auto* plain = Make<CKWObservation>(CKWObservation::GetCKWObservationType());
+    m_pModel->NotifyObservers(derived);
+    m_pModel->NotifyObservers(plain);
+    EXPECT_EQ(m_pView->m_received, (std::vector<CKWObservation*>{derived, plain}));
+}
+
+TEST_F(ModelTest, GetViewFindsViewsOnlyAndRemoveViewTakesThemOut) {
+    m_pModel->AddView(m_pView);
+    m_pModel->AddObserver(m_pObserver, kBase);
+    EXPECT_EQ(m_pModel->GetView(m_pView->GetInstanceID()), m_pView);
+    EXPECT_EQ(m_pModel->GetView(m_pObserver->GetInstanceID()), nullptr);
+    EXPECT_EQ(m_pModel->GetView(CKWGuid::CreateNewGUID()), nullptr);
+
+    EXPECT_EQ(m_pModel->RemoveView(CKWGuid::CreateNewGUID()), 1);
+    EXPECT_EQ(m_pModel->RemoveView(m_pView->GetInstanceID()), 1);
+    EXPECT_EQ(m_pModel->GetView(m_pView->GetInstanceID()), nullptr);
+    EXPECT_EQ(m_pModel->GetObserverCount(kBase), 1);
+}
+
+TEST_F(ModelTest, IsSerializableThroughItsAdaptor) {
+    auto* adaptor = static_cast<IKWSerializableAdaptor*>(
+        m_pModel->GetInterface(CKWGuid(IID_IKWSerializableAdaptor)));
+    ASSERT_NE(adaptor, nullptr);
+    EXPECT_EQ(adaptor->GetThisObject(), static_cast<IKWObject*>(m_pModel));
+    EXPECT_EQ(adaptor->InitFieldData(), 1);
+    EXPECT_TRUE(adaptor->GetFieldDataList().empty());
+    EXPECT_EQ(m_pModel->GetInterface(CKWGuid(IID_IKWObject)), static_cast<IKWObject*>(m_pModel));
+    EXPECT_EQ(m_pModel->GetInterface(CKWGuid::CreateNewGUID()), nullptr);
+}
+
+#ifdef FRAMEWORK_TESTS_HAVE_XML_ARCHIVE
+TEST_F(ModelTest, SavesToAnArchiveAndLoadsBackUnderItsID) {
+    const std::string file = ::testing::TempDir() + "framework-model.xml";
+    auto* archive = static_cast<CKWXMLFileArchive*>(
+        CKWXMLFileArchive::GetCKWXMLFileArchiveType()->CreateInstance(CKWGuid()));
+    archive->SetFile(file.c_str());
+    ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
+    EXPECT_EQ(m_pModel->SerializeTo(archive->CreateNewDocument(CKWGuid(), nullptr)), 1);
+    ASSERT_TRUE(archive->Close());
+
+    ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
+    CKWDocument* document = archive->GetDocumentIterator().GetNext(1);
+    ASSERT_NE(document, nullptr);
+    IKWObject* loaded = document->GetObjectA(CKWModelVoid::GetCKWModelVoidType()->GetID(),
+                                             m_pModel->GetInstanceID());
+    archive->Close();
+    archive->Release();
+    std::remove(file.c_str());
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_NE(loaded, static_cast<IKWObject*>(m_pModel));
+    EXPECT_NE(dynamic_cast<CKWModelVoid*>(loaded), nullptr);
+    EXPECT_EQ(loaded->Release(), 1);
+}
+#endif
+
+}  // namespace
