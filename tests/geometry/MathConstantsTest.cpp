@@ -8,6 +8,8 @@
 
 namespace {
 
+constexpr double kPi = 3.14159265358979323846;
+
 using MathF = CKWMathT<float, double>;
 using MathD = CKWMathT<double, float>;
 
@@ -33,7 +35,7 @@ TEST(MathConstants, HoldSinglePrecisionValuesInBothPairs) {
         EXPECT_EQ(static_cast<double>(e.single), e.value);
         EXPECT_EQ(e.wide, e.value);
     }
-    EXPECT_EQ(MathD::INV_TWO_PI, static_cast<double>(static_cast<float>(2.0 / M_PI)));
+    EXPECT_EQ(MathD::INV_TWO_PI, static_cast<double>(static_cast<float>(2.0 / kPi)));
 }
 
 TEST(MathConstants, DegreeFactorsDifferBetweenPairs) {
