@@ -66,9 +66,84 @@ public:
     static const CKWMatrix4T IDENTITY;
 
 private:
+#if defined(__GNUC__)
+    // Rows of the adjugate in the lanes from first on, from the columns g of
+    // the rows named above and the rows p and q whose minors they need.
+    template <class Lanes>
+    static void AdjugateLanes(const Lanes g[4], const Lanes p[4], const Lanes q[4], Lanes sign,
+                              Real* a, int first) {
+        const Lanes k0 = p[0] * q[1] - p[1] * q[0], k1 = p[0] * q[2] - p[2] * q[0];
+        const Lanes k2 = p[0] * q[3] - p[3] * q[0], k3 = p[1] * q[2] - p[2] * q[1];
+        const Lanes k4 = p[1] * q[3] - p[3] * q[1], k5 = p[2] * q[3] - p[3] * q[2];
+        const Lanes rows[4] = {(g[1] * k5 - g[2] * k4 + g[3] * k3) * sign,
+                               (g[0] * k5 - g[2] * k2 + g[3] * k1) * -sign,
+                               (g[0] * k4 - g[1] * k2 + g[3] * k0) * sign,
+                               (g[0] * k3 - g[1] * k1 + g[2] * k0) * -sign};
+        for (int r = 0; r < 4; ++r) {
+            std::memcpy(a + 4 * r + first, &rows[r], sizeof(Lanes));
+        }
+    }
+#endif
+
     // Writes the adjugate from the twelve 2x2 minors of rows 0-1 and 2-3.
     void Cofactors(Real* a) const {
         const Real* m = this->m_afEntry;
+#if defined(__GNUC__)
+        // The adjugate in groups of lanes, each computed exactly as the scalar
+        // formulas below (negation and the order of the sums included), so
+        // both paths give the same bits. Lanes 0 and 1 of a row use rows 1 and
+        // 0 and the minors of rows 2-3; lanes 2 and 3 use rows 3 and 2 and the
+        // minors of rows 0-1. A 16-byte vector holds four floats or two
+        // doubles.
+        if constexpr (sizeof(Real) == 4) {
+            typedef float Lanes __attribute__((vector_size(16)));
+            const Lanes g[4] = {{m[4], m[0], m[12], m[8]},
+                                {m[5], m[1], m[13], m[9]},
+                                {m[6], m[2], m[14], m[10]},
+                                { m[7],
+                                  m[3],
+                                  m[15],
+                                  m[11] }};
+            const Lanes p[4] = {{m[8], m[8], m[0], m[0]},
+                                {m[9], m[9], m[1], m[1]},
+                                {m[10], m[10], m[2], m[2]},
+                                { m[11],
+                                  m[11],
+                                  m[3],
+                                  m[3] }};
+            const Lanes q[4] = {{m[12], m[12], m[4], m[4]},
+                                {m[13], m[13], m[5], m[5]},
+                                {m[14], m[14], m[6], m[6]},
+                                { m[15],
+                                  m[15],
+                                  m[7],
+                                  m[7] }};
+            AdjugateLanes(g, p, q, Lanes{1, -1, 1, -1}, a, 0);
+        } else {
+            typedef double Lanes __attribute__((vector_size(16)));
+            for (int half = 0; half < 2; ++half) {
+                const Real* upper = m + (half ? 12 : 4);
+                const Real* lower = m + (half ? 8 : 0);
+                const Real* minors = m + (half ? 0 : 8);
+                const Lanes g[4] = {{upper[0], lower[0]},
+                                    {upper[1], lower[1]},
+                                    {upper[2], lower[2]},
+                                    { upper[3],
+                                      lower[3] }};
+                const Lanes p[4] = {{minors[0], minors[0]},
+                                    {minors[1], minors[1]},
+                                    {minors[2], minors[2]},
+                                    { minors[3],
+                                      minors[3] }};
+                const Lanes q[4] = {{minors[4], minors[4]},
+                                    {minors[5], minors[5]},
+                                    {minors[6], minors[6]},
+                                    { minors[7],
+                                      minors[7] }};
+                AdjugateLanes(g, p, q, Lanes{1, -1}, a, 2 * half);
+            }
+        }
+#else
         const Real s0 = m[0] * m[5] - m[1] * m[4];
         const Real s1 = m[0] * m[6] - m[2] * m[4];
         const Real s2 = m[0] * m[7] - m[3] * m[4];
@@ -97,6 +172,7 @@ private:
         a[13] = m[0] * c3 - m[1] * c1 + m[2] * c0;
         a[14] = -m[12] * s3 + m[13] * s1 - m[14] * s0;
         a[15] = m[8] * s3 - m[9] * s1 + m[10] * s0;
+#endif
     }
 };
 

@@ -14,6 +14,12 @@
 #pragma once
 
 #include <cstring>
+#include <type_traits>
+
+#if defined(__SSE2__) || defined(_M_X64)
+#include <emmintrin.h>
+#define KWCORE_MATRIX_SSE 1
+#endif
 
 #include "kwcore/geometry/CKWMathT.h"
 #include "kwcore/geometry/CKWPointT.h"
@@ -245,6 +251,20 @@ protected:
     }
 
     void Multiply(const Real* in, Real* out) const {
+#if KWCORE_MATRIX_SSE
+        if constexpr (N == 4 && std::is_same<Real, float>::value) {
+            // Four row products, transposed so that each row's sum is taken
+            // in the same order as below.
+            const __m128 v = _mm_loadu_ps(in);
+            __m128 p0 = _mm_mul_ps(_mm_loadu_ps(m_afEntry), v);
+            __m128 p1 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 4), v);
+            __m128 p2 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 8), v);
+            __m128 p3 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 12), v);
+            _MM_TRANSPOSE4_PS(p0, p1, p2, p3);
+            _mm_storeu_ps(out, _mm_add_ps(_mm_add_ps(_mm_add_ps(p0, p1), p2), p3));
+            return;
+        }
+#endif
         for (int r = 0; r < N; ++r) {
             Real sum = m_afEntry[I(r, 0)] * in[0];
             for (int c = 1; c < N; ++c) {
