@@ -57,7 +57,8 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/KWSerialTypeMacros.h"
 
-// Geometry kernel: scalar math, vectors and points.
+// Geometry kernel: scalar math, vectors, points and bounds.
+#include "kwcore/geometry/CKWBound2T.h"
 #include "kwcore/geometry/CKWMathT.h"
 #include "kwcore/geometry/CKWPoint2T.h"
 #include "kwcore/geometry/CKWPoint3T.h"

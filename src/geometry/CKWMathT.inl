@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cfloat>
+#include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
 
 #include "KWSpecialFunctions.h"
@@ -33,21 +35,137 @@ const Real CKWMathT<Real, Other>::INV_TWO_PI = Real(0.63661977236758134308f);
 template <class Real, class Other>
 const Real CKWMathT<Real, Other>::E = Real(2.71828182845904523536f);
 // pi/180 and 180/pi from the single-precision pi, divided in Real: the two
-// pairs differ here.
+// pairs differ here. The degree constants repeat the expression rather than
+// read DEG_TO_RAD, so that all of them are constants at load time.
+template <class Real>
+constexpr Real DegreeInRadians() {
+    return Real(3.14159265358979323846f) / Real(180);
+}
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::DEG_TO_RAD = Real(3.14159265358979323846f) / Real(180);
+const Real CKWMathT<Real, Other>::DEG_TO_RAD = DegreeInRadians<Real>();
 template <class Real, class Other>
 const Real CKWMathT<Real, Other>::RAD_TO_DEG = Real(180) / Real(3.14159265358979323846f);
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::ONE_DEGREE = DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::ONE_DEGREE = DegreeInRadians<Real>();
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::TWO_DEGREES = Real(2) * DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::TWO_DEGREES = Real(2) * DegreeInRadians<Real>();
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::THREE_DEGREES = Real(3) * DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::THREE_DEGREES = Real(3) * DegreeInRadians<Real>();
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::FIVE_DEGREES = Real(5) * DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::FIVE_DEGREES = Real(5) * DegreeInRadians<Real>();
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::TEN_DEGREES = Real(10) * DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::TEN_DEGREES = Real(10) * DegreeInRadians<Real>();
+
+// Fast approximations: near-minimax polynomials (fitted for this library by
+// reweighted least squares on each function's domain), evaluated in Real.
+
+namespace kwFastApprox {
+constexpr double kSin0[3] = {9.99696773433902914e-01, -1.65673079725274889e-01,
+                             7.51437729912451537e-03};
+constexpr double kSin1[6] = {9.99999999889852256e-01, -1.66666665414393447e-01,
+                             8.33332926445991324e-03, -1.98407028627876082e-04,
+                             2.75188556440114405e-06, -2.37947136019227307e-08};
+constexpr double kCos0[3] = {9.99403541545636771e-01, -4.95581357552819508e-01,
+                             3.67918480049542678e-02};
+constexpr double kCos1[6] = {9.99999999780778797e-01, -4.99999993585751240e-01,
+                             4.16666362604207707e-02, -1.38883614220805583e-03,
+                             2.47601622372801950e-05, -2.60515082649448285e-07};
+constexpr double kTan0[3] = {1.00251256442340432e+00, 3.03332589460359951e-01,
+                             2.18770124921095736e-01};
+constexpr double kTan1[7] = {1.00000014608760015e+00, 3.33324808513298882e-01,
+                             1.33476716176218588e-01, 5.29139022952940683e-02,
+                             2.57828935610807430e-02, 1.35622812641141980e-03,
+                             1.02689809311348047e-02};
+constexpr double kInvCos[4] = {1.57075834043023856e+00, -2.12875182798624411e-01,
+                               7.68973826408116111e-02, -2.08920332388047555e-02};
+constexpr double kInvTan0[3] = {9.95357954851966114e-01, -2.88690236097070396e-01,
+                                7.93390390441846512e-02};
+constexpr double kInvTan1[9] = {
+    9.99999886383283537e-01,  -3.33325970294378662e-01, 1.99859067847094883e-01,
+    -1.41612293108088309e-01, 1.04989464692378949e-01,  -7.23485811092216916e-02,
+    3.97812315689712711e-02,  -1.44013624835425958e-02, 2.45672565719607336e-03};
+
+template <class Real, int K>
+Real Horner(const double (&c)[K], Real u) {
+    Real sum = static_cast<Real>(c[K - 1]);
+    for (int i = K - 2; i >= 0; --i) {
+        sum = sum * u + static_cast<Real>(c[i]);
+    }
+    return sum;
+}
+}  // namespace kwFastApprox
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastSin0(Real x) {
+    return x * kwFastApprox::Horner(kwFastApprox::kSin0, x * x);
+}
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastSin1(Real x) {
+    return x * kwFastApprox::Horner(kwFastApprox::kSin1, x * x);
+}
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastCos0(Real x) {
+    return kwFastApprox::Horner(kwFastApprox::kCos0, x * x);
+}
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastCos1(Real x) {
+    return kwFastApprox::Horner(kwFastApprox::kCos1, x * x);
+}
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastTan0(Real x) {
+    return x * kwFastApprox::Horner(kwFastApprox::kTan0, x * x);
+}
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastTan1(Real x) {
+    return x * kwFastApprox::Horner(kwFastApprox::kTan1, x * x);
+}
+
+// acos(x) ~ sqrt(1 - x) p(x) on [0, 1]; negative x by acos(-x) = pi - acos(x).
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastInvCos(Real x) {
+    Real ax = Clamp1(std::fabs(x));
+    Real root = std::sqrt(Real(1) - ax) * kwFastApprox::Horner(kwFastApprox::kInvCos, ax);
+    return x < Real(0) ? PI - root : root;
+}
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastInvSin(Real x) {
+    return HALF_PI - FastInvCos(x);
+}
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastInvTan0(Real x) {
+    return x * kwFastApprox::Horner(kwFastApprox::kInvTan0, x * x);
+}
+
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastInvTan1(Real x) {
+    return x * kwFastApprox::Horner(kwFastApprox::kInvTan1, x * x);
+}
+
+// The bit-level first guess of 1/sqrt(x) refined by one Newton step.
+template <class Real, class Other>
+Real CKWMathT<Real, Other>::FastInvSqrt(Real x) {
+    Real half = Real(0.5) * x;
+    Real y;
+    if constexpr (sizeof(Real) == sizeof(std::uint32_t)) {
+        std::uint32_t bits;
+        std::memcpy(&bits, &x, sizeof bits);
+        bits = 0x5f3759dfu - (bits >> 1);
+        std::memcpy(&y, &bits, sizeof y);
+    } else {
+        std::uint64_t bits;
+        std::memcpy(&bits, &x, sizeof bits);
+        bits = 0x5fe6eb50c7b537a9ull - (bits >> 1);
+        std::memcpy(&y, &bits, sizeof y);
+    }
+    return y * (Real(1.5) - half * y * y);
+}
 
 // Special functions: computed in double for both pairs.
 

@@ -16,7 +16,7 @@ constexpr double kTiny = 1e-300;
 constexpr int kMaxSeriesTerms = 100000;
 
 // Lanczos approximation with g = 7 and nine coefficients: relative error
-// below 2e-15 for x >= 0.5.
+// below 2e-15 for x in [0.5, 10].
 constexpr double kLanczosG = 7.0;
 constexpr double kLanczos[9] = {0.99999999999980993,  676.5203681218851,     -1259.1392167224028,
                                 771.32342877765313,   -176.61502916214059,   12.507343278686905,
@@ -28,6 +28,22 @@ double LanczosSum(double x) {
         sum += kLanczos[i] / (x + i);
     }
     return sum;
+}
+
+// The Stirling correction series ln Gamma(x) - ((x - 1/2) ln x - x + ln(2 pi)/2),
+// sum B_2k / (2k (2k - 1) x^(2k - 1)); eight terms reach double precision
+// for x >= 10, where Lanczos' decimal coefficients start to lose digits.
+constexpr double kStirlingFrom = 10.0;
+double StirlingSeries(double x) {
+    static const double kTerms[8] = {1.0 / 12,   -1.0 / 360,      1.0 / 1260, -1.0 / 1680,
+                                     1.0 / 1188, -691.0 / 360360, 1.0 / 156,  -3617.0 / 122400};
+    double inv = 1.0 / x;
+    double inv2 = inv * inv;
+    double sum = 0.0;
+    for (int k = 7; k >= 0; --k) {
+        sum = sum * inv2 + kTerms[k];
+    }
+    return sum * inv;
 }
 
 bool IsPole(double x) {
@@ -65,12 +81,16 @@ double LowerSeriesSum(double a, double x) {
     return sum;
 }
 
-// The continued fraction of Q(a, x) without its prefactor (modified Lentz).
+// The continued fraction of Q(a, x) without its prefactor:
+// 1 / (b0 + a1 / (b1 + a2 / (b2 + ...))) with b_i = x + 2i + 1 - a and
+// a_i = -i (i - a). The modified Lentz method finds how many terms are
+// needed; the fraction is then summed from its tail, which does not pile up
+// rounding errors the way Lentz's running product does.
 double UpperFraction(double a, double x) {
     double b = x + 1.0 - a;
     double c = 1.0 / kTiny;
     double d = 1.0 / b;
-    double h = d;
+    int terms = kMaxSeriesTerms;
     for (int i = 1; i < kMaxSeriesTerms; ++i) {
         double an = -i * (i - a);
         b += 2.0;
@@ -83,18 +103,31 @@ double UpperFraction(double a, double x) {
             c = kTiny;
         }
         d = 1.0 / d;
-        double delta = d * c;
-        h *= delta;
-        if (std::fabs(delta - 1.0) < kEpsilon) {
+        if (std::fabs(d * c - 1.0) < kEpsilon) {
+            terms = i + 4;
             break;
         }
     }
-    return h;
+    double tail = x + 2.0 * terms + 1.0 - a;
+    for (int i = terms; i >= 1; --i) {
+        tail = (x + 2.0 * (i - 1) + 1.0 - a) + (-i * (i - a)) / tail;
+        if (std::fabs(tail) < kTiny) {
+            tail = kTiny;
+        }
+    }
+    return 1.0 / tail;
 }
 
-// exp(-x) x^a / Gamma(a), the common prefactor of P and Q.
+// exp(-x) x^a / Gamma(a), the common prefactor of P and Q. For large a the
+// exponent's terms are large and nearly cancel; with ln Gamma(a) written as
+// Stirling's series they cancel exactly, leaving
+// sqrt(a / 2 pi) exp(a (log1p(t) - t) - S(a)) with t = (x - a) / a.
 double GammaPrefactor(double a, double x) {
-    return std::exp(-x + a * std::log(x) - LogGamma(a));
+    if (a < kStirlingFrom) {
+        return std::exp(-x + a * std::log(x) - LogGamma(a));
+    }
+    double t = (x - a) / a;
+    return std::sqrt(a / (2.0 * kPi)) * std::exp(a * (std::log1p(t) - t) - StirlingSeries(a));
 }
 
 }  // namespace
@@ -106,9 +139,19 @@ double LogGamma(double x) {
     if (std::isinf(x) || IsPole(x)) {
         return kInfinity;
     }
+    if (x == 1.0 || x == 2.0) {
+        return 0.0;
+    }
+    if (x < 0.0) {
+        // Reflection through -x, which unlike 1 - x is exact:
+        // Gamma(x) (-x) Gamma(-x) = pi / sin(pi x).
+        return std::log(kPi / std::fabs(SinPi(x))) - std::log(-x) - LogGamma(-x);
+    }
     if (x < 0.5) {
-        // Reflection: Gamma(x) Gamma(1 - x) = pi / sin(pi x).
-        return std::log(kPi / std::fabs(SinPi(x))) - LogGamma(1.0 - x);
+        return LogGamma(x + 1.0) - std::log(x);
+    }
+    if (x >= kStirlingFrom) {
+        return (x - 0.5) * std::log(x) - x + 0.5 * std::log(2.0 * kPi) + StirlingSeries(x);
     }
     double z = x - 1.0;
     double t = z + kLanczosG + 0.5;
@@ -125,14 +168,29 @@ double Gamma(double x) {
     if (IsPole(x) || x > 171.7) {
         return kInfinity;
     }
+    if (x < 0.0) {
+        return kPi / (SinPi(x) * (-x) * Gamma(-x));
+    }
     if (x < 0.5) {
-        return kPi / (SinPi(x) * Gamma(1.0 - x));
+        return Gamma(x + 1.0) / x;
+    }
+    if (x <= 23.0 && x == std::floor(x)) {
+        // (x - 1)! is exact in double up to 22!.
+        double factorial = 1.0;
+        for (double k = 2.0; k < x; k += 1.0) {
+            factorial *= k;
+        }
+        return factorial;
+    }
+    if (x >= kStirlingFrom) {
+        // sqrt(2 pi) x^(x - 1/2) e^-x in two halves, each exact but for the
+        // rounding of pow and exp; whole, it would overflow near x = 171.
+        double half = std::pow(x, 0.5 * x - 0.25) * std::exp(-0.5 * x);
+        return std::sqrt(2.0 * kPi) * half * half * std::exp(StirlingSeries(x));
     }
     double z = x - 1.0;
     double t = z + kLanczosG + 0.5;
-    // t^(z + 1/2) in two halves, which would overflow on its own near x = 171.
-    double half = std::pow(t, 0.5 * (z + 0.5));
-    return std::sqrt(2.0 * kPi) * half * (half * std::exp(-t)) * LanczosSum(z);
+    return std::sqrt(2.0 * kPi) * std::pow(t, z + 0.5) * std::exp(-t) * LanczosSum(z);
 }
 
 double IncompleteGammaSeries(double a, double x) {
@@ -144,6 +202,9 @@ double IncompleteGammaSeries(double a, double x) {
     }
     if (std::isinf(x)) {
         return 1.0;
+    }
+    if (std::isinf(a)) {
+        return 0.0;
     }
     return std::fmin(1.0, GammaPrefactor(a, x) * LowerSeriesSum(a, x));
 }
@@ -157,6 +218,9 @@ double IncompleteGammaFraction(double a, double x) {
     }
     if (std::isinf(x)) {
         return 1.0;
+    }
+    if (std::isinf(a)) {
+        return 0.0;
     }
     return std::fmax(0.0, 1.0 - GammaPrefactor(a, x) * UpperFraction(a, x));
 }

@@ -9,7 +9,8 @@
 // Equality and ordering compare the component bytes (0 and -0 differ; a NaN
 // equals itself when its bits match): a total order for sorted containers,
 // not the numeric order. Normalize sets a vector no longer than EPSILON to
-// zero; division by an exact 0 gives MAX_REAL in every component.
+// zero (so also one with a NaN component; an infinite component gives NaN
+// components); division by an exact 0 gives MAX_REAL in every component.
 //
 //   CKWVector3T<float, double> v(3, 0, 4);
 //   float length = v.Normalize();   // 5; v is (0.6, 0, 0.8)
