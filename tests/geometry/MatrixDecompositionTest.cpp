@@ -1,6 +1,7 @@
 // Eigen-, singular-value and QDU decompositions: each reconstructs its input,
 // with the factors of the promised shape, on ordinary and degenerate input.
 #include <algorithm>
+#include <limits>
 #include <vector>
 
 #include "GeometryTestTypes.h"
@@ -148,5 +149,27 @@ TYPED_TEST(MatrixDecompositionTest, QDUDecompositionReconstructsInput) {
             }
         }
         EXPECT_MATRIX_NEAR(M3(q * d * u), m, 3, 16 * tolerance);
+    }
+}
+
+TYPED_TEST(MatrixDecompositionTest, NonFiniteInputEndsWithoutFactors) {
+    GEOMETRY_PAIR_TYPES;
+    for (const Real bad :
+         {std::numeric_limits<Real>::quiet_NaN(), std::numeric_limits<Real>::infinity()}) {
+        M3 m(1, 2, 3, 2, 5, 6, 3, 6, 9);
+        m(1, 2) = m(2, 1) = bad;
+        M3 rotation, diagonal, left, rightTranspose, q, d, u;
+        m.EigenDecomposition(rotation, diagonal);
+        EXPECT_EQ(rotation, M3::IDENTITY);
+        EXPECT_EQ(diagonal(1, 1), Real(5));
+        m.SingularValueDecomposition(left, diagonal, rightTranspose);
+        m.QDUDecomposition(q, d, u);
+        // The sine entry not a number: reported as at gimbal lock.
+        M3 euler = M3::IDENTITY;
+        euler(0, 2) = bad;
+        Real x, y, z;
+        EXPECT_FALSE(euler.ToEulerAnglesXYZ(x, y, z));
+        EXPECT_EQ(y, Math::HALF_PI);
+        EXPECT_EQ(z, Real(0));
     }
 }

@@ -74,7 +74,8 @@ public:
     void FromEulerAnglesYZX(Real y, Real z, Real x);
     void FromEulerAnglesZXY(Real z, Real x, Real y);
     void FromEulerAnglesZYX(Real z, Real y, Real x);
-    // The angles in the order of the name; false at gimbal lock.
+    // The angles in the order of the name; false at gimbal lock, also when the
+    // sine entry is infinite or not a number (middle angle HALF_PI then).
     bool ToEulerAnglesXYZ(Real& x, Real& y, Real& z) const;
     bool ToEulerAnglesXZY(Real& x, Real& z, Real& y) const;
     bool ToEulerAnglesYXZ(Real& y, Real& x, Real& z) const;
@@ -115,11 +116,15 @@ public:
     // For a symmetric matrix: *this = rotation * diagonal * rotation^T, the
     // eigenvalues ascending on the diagonal and the eigenvectors in the
     // columns of a proper rotation (tridiagonalization, then QL with implicit
-    // shifts). Only the upper triangle is read.
+    // shifts). Only the upper triangle is read. When the iteration does not
+    // converge (entries infinite or not numbers), rotation is IDENTITY and
+    // diagonal holds the input's diagonal.
     void EigenDecomposition(CKWMatrix3T& rotation, CKWMatrix3T& diagonal) const;
     // *this = left * diagonal * rightTranspose with orthogonal left and right
     // and the singular values descending and non-negative on the diagonal
-    // (bidiagonalization, then Golub-Kahan steps).
+    // (bidiagonalization, then Golub-Kahan steps). Entries that are infinite
+    // or not numbers give factors that are not numbers, after a bounded
+    // number of steps.
     void SingularValueDecomposition(CKWMatrix3T& left, CKWMatrix3T& diagonal,
                                     CKWMatrix3T& rightTranspose) const;
     // Sets *this to left * diagonal * rightTranspose.
