@@ -12,6 +12,11 @@
 #include "kwcore/geometry/CKWMatrixT.h"
 #include "kwcore/geometry/CKWVector4T.h"
 
+// Vector extensions with __builtin_shufflevector: clang, and GCC from 12 on.
+#if !defined(KWCORE_MATRIX4_LANES) && (defined(__clang__) || (defined(__GNUC__) && __GNUC__ >= 12))
+#define KWCORE_MATRIX4_LANES 1
+#endif
+
 template <class Real, class Other>
 class KWCORE_API CKWMatrix4T : public CKWMatrixT<4, Real, Other> {
     typedef CKWMatrixT<4, Real, Other> Base;
@@ -66,7 +71,7 @@ public:
     static const CKWMatrix4T IDENTITY;
 
 private:
-#if defined(__GNUC__)
+#if KWCORE_MATRIX4_LANES
     // Rows of the adjugate in the lanes from first on, from the columns g of
     // the rows named above and the rows p and q whose minors they need.
     template <class Lanes>
@@ -88,7 +93,7 @@ private:
     // Writes the adjugate from the twelve 2x2 minors of rows 0-1 and 2-3.
     void Cofactors(Real* a) const {
         const Real* m = this->m_afEntry;
-#if defined(__GNUC__)
+#if KWCORE_MATRIX4_LANES
         // The adjugate in groups of lanes, each computed exactly as the scalar
         // formulas below (negation and the order of the sums included), so
         // both paths give the same bits. Lanes 0 and 1 of a row use rows 1 and
@@ -97,49 +102,55 @@ private:
         // doubles.
         if constexpr (sizeof(Real) == 4) {
             typedef float Lanes __attribute__((vector_size(16)));
-            const Lanes g[4] = {{m[4], m[0], m[12], m[8]},
-                                {m[5], m[1], m[13], m[9]},
-                                {m[6], m[2], m[14], m[10]},
-                                { m[7],
-                                  m[3],
-                                  m[15],
-                                  m[11] }};
-            const Lanes p[4] = {{m[8], m[8], m[0], m[0]},
-                                {m[9], m[9], m[1], m[1]},
-                                {m[10], m[10], m[2], m[2]},
-                                { m[11],
-                                  m[11],
-                                  m[3],
-                                  m[3] }};
-            const Lanes q[4] = {{m[12], m[12], m[4], m[4]},
-                                {m[13], m[13], m[5], m[5]},
-                                {m[14], m[14], m[6], m[6]},
-                                { m[15],
-                                  m[15],
-                                  m[7],
-                                  m[7] }};
+            Lanes r0, r1, r2, r3;
+            std::memcpy(&r0, m, sizeof(Lanes));
+            std::memcpy(&r1, m + 4, sizeof(Lanes));
+            std::memcpy(&r2, m + 8, sizeof(Lanes));
+            std::memcpy(&r3, m + 12, sizeof(Lanes));
+            // The lanes by shuffles of the four rows: a transpose for g,
+            // one shuffle each for p and q.
+#define KWCORE_SHUFFLE __builtin_shufflevector
+            const Lanes low10 = KWCORE_SHUFFLE(r1, r0, 0, 4, 1, 5);
+            const Lanes high10 = KWCORE_SHUFFLE(r1, r0, 2, 6, 3, 7);
+            const Lanes low32 = KWCORE_SHUFFLE(r3, r2, 0, 4, 1, 5);
+            const Lanes high32 = KWCORE_SHUFFLE(r3, r2, 2, 6, 3, 7);
+            const Lanes g[4] = {KWCORE_SHUFFLE(low10, low32, 0, 1, 4, 5),
+                                KWCORE_SHUFFLE(low10, low32, 2, 3, 6, 7),
+                                KWCORE_SHUFFLE(high10, high32, 0, 1, 4, 5),
+                                KWCORE_SHUFFLE(high10, high32, 2, 3, 6, 7)};
+            const Lanes p[4] = {
+                KWCORE_SHUFFLE(r2, r0, 0, 0, 4, 4), KWCORE_SHUFFLE(r2, r0, 1, 1, 5, 5),
+                KWCORE_SHUFFLE(r2, r0, 2, 2, 6, 6), KWCORE_SHUFFLE(r2, r0, 3, 3, 7, 7)};
+            const Lanes q[4] = {
+                KWCORE_SHUFFLE(r3, r1, 0, 0, 4, 4), KWCORE_SHUFFLE(r3, r1, 1, 1, 5, 5),
+                KWCORE_SHUFFLE(r3, r1, 2, 2, 6, 6), KWCORE_SHUFFLE(r3, r1, 3, 3, 7, 7)};
+#undef KWCORE_SHUFFLE
             AdjugateLanes(g, p, q, Lanes{1, -1, 1, -1}, a, 0);
         } else {
             typedef double Lanes __attribute__((vector_size(16)));
+            // The left and right halves of the rows.
+            Lanes left[4], right[4];
+            for (int r = 0; r < 4; ++r) {
+                std::memcpy(&left[r], m + 4 * r, sizeof(Lanes));
+                std::memcpy(&right[r], m + 4 * r + 2, sizeof(Lanes));
+            }
             for (int half = 0; half < 2; ++half) {
-                const Real* upper = m + (half ? 12 : 4);
-                const Real* lower = m + (half ? 8 : 0);
-                const Real* minors = m + (half ? 0 : 8);
-                const Lanes g[4] = {{upper[0], lower[0]},
-                                    {upper[1], lower[1]},
-                                    {upper[2], lower[2]},
-                                    { upper[3],
-                                      lower[3] }};
-                const Lanes p[4] = {{minors[0], minors[0]},
-                                    {minors[1], minors[1]},
-                                    {minors[2], minors[2]},
-                                    { minors[3],
-                                      minors[3] }};
-                const Lanes q[4] = {{minors[4], minors[4]},
-                                    {minors[5], minors[5]},
-                                    {minors[6], minors[6]},
-                                    { minors[7],
-                                      minors[7] }};
+                const int upper = half ? 3 : 1, lower = half ? 2 : 0;
+                const int pRow = half ? 0 : 2, qRow = pRow + 1;
+#define KWCORE_SHUFFLE __builtin_shufflevector
+                const Lanes g[4] = {KWCORE_SHUFFLE(left[upper], left[lower], 0, 2),
+                                    KWCORE_SHUFFLE(left[upper], left[lower], 1, 3),
+                                    KWCORE_SHUFFLE(right[upper], right[lower], 0, 2),
+                                    KWCORE_SHUFFLE(right[upper], right[lower], 1, 3)};
+                const Lanes p[4] = {KWCORE_SHUFFLE(left[pRow], left[pRow], 0, 0),
+                                    KWCORE_SHUFFLE(left[pRow], left[pRow], 1, 1),
+                                    KWCORE_SHUFFLE(right[pRow], right[pRow], 0, 0),
+                                    KWCORE_SHUFFLE(right[pRow], right[pRow], 1, 1)};
+                const Lanes q[4] = {KWCORE_SHUFFLE(left[qRow], left[qRow], 0, 0),
+                                    KWCORE_SHUFFLE(left[qRow], left[qRow], 1, 1),
+                                    KWCORE_SHUFFLE(right[qRow], right[qRow], 0, 0),
+                                    KWCORE_SHUFFLE(right[qRow], right[qRow], 1, 1)};
+#undef KWCORE_SHUFFLE
                 AdjugateLanes(g, p, q, Lanes{1, -1}, a, 2 * half);
             }
         }
