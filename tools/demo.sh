@@ -15,6 +15,14 @@ section "The element form read back"
 run guid _MAkT7E-UlEO1itJS6yd__Q
 section "Types registered by the library before main"
 run types
+section "A quarter turn about z: matrix, quaternion and the point it moves"
+run geom rotate --axis 0,0,1 --angle 90 --point 1,0,0
+section "Euler angles to a rotation and back; at 90 degrees the angles lock"
+run geom euler --order XYZ 0.1,0.2,0.3
+run geom euler --order ZYX --degrees 10,90,20
+section "An inverse, and the zero matrix the kernel gives for a singular one"
+run geom invert 1,2,3,4
+run geom invert 1,2,2,4 || echo "(exit status $?)"
 
 # The measuring-tool example sits beside the tool in the build tree.
 measure=${KWCORE_MEASURE_TOOL:-$(dirname "$kwcore")/../../examples/measure-tool/kwcore_example_measure_tool}

@@ -85,6 +85,13 @@
 #include "kwcore/geometry/CKWVector4T.h"
 #include "kwcore/geometry/CKWVectorT.h"
 
+// Geometry kernel: matrices and quaternions.
+#include "kwcore/geometry/CKWMatrix2T.h"
+#include "kwcore/geometry/CKWMatrix3T.h"
+#include "kwcore/geometry/CKWMatrix4T.h"
+#include "kwcore/geometry/CKWMatrixT.h"
+#include "kwcore/geometry/CKWQuaternionT.h"
+
 // XML archive: the file back-end of the serialization, where Xerces-C is available.
 #if __has_include(<xercesc/util/XercesDefs.hpp>)
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"

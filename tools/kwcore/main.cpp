@@ -14,6 +14,7 @@ constexpr GUID kToolRepositoryID = {
 const Command kCommands[] = {
     {"guid", "make a GUID, or convert a GUID text into every written form", RunGuidCommand},
     {"types", "list the registered types as a tree by parent", RunTypesCommand},
+    {"geom", "check transforms: rotations, Euler angles, quaternions, inverses", RunGeomCommand},
 #if KWCORE_TOOL_XML
     {"xml", "inspect XML archive files, and save and load a sample model", RunXmlCommand},
 #endif
