@@ -16,7 +16,7 @@
 #include "kwcore/geometry/CKWPoint2T.h"
 
 template <class Real, class Other>
-class CKWBound2T {
+class KWCORE_API CKWBound2T {
 public:
     using Math = CKWMathT<Real, Other>;
     using Point2 = CKWPoint2T<Real, Other>;
@@ -67,5 +67,7 @@ private:
     Point2 m_ptMax;
 };
 
-extern template class KWCORE_API CKWBound2T<float, double>;
-extern template class KWCORE_API CKWBound2T<double, float>;
+#if !defined(_WIN32)
+extern template class CKWBound2T<float, double>;
+extern template class CKWBound2T<double, float>;
+#endif

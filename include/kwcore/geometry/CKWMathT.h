@@ -24,7 +24,7 @@ template <class Real, class Other>
 class CKWPoint4T;
 
 template <class Real, class Other>
-class CKWMathT {
+class KWCORE_API CKWMathT {
 public:
     using Point2 = CKWPoint2T<Real, Other>;
     using Point4 = CKWPoint4T<Real, Other>;
@@ -253,5 +253,7 @@ protected:
     static Real IncompleteGammaCF(Real a, Real x);
 };
 
-extern template class KWCORE_API CKWMathT<float, double>;
-extern template class KWCORE_API CKWMathT<double, float>;
+#if !defined(_WIN32)
+extern template class CKWMathT<float, double>;
+extern template class CKWMathT<double, float>;
+#endif

@@ -13,7 +13,7 @@
 #include "kwcore/platform/CString.h"
 
 template <class Real, class Other>
-class CKWPoint2T : public CKWPointT<2, Real, Other> {
+class KWCORE_API CKWPoint2T : public CKWPointT<2, Real, Other> {
     using Base = CKWPointT<2, Real, Other>;
 
 public:
@@ -54,5 +54,7 @@ public:
     static const CKWPoint2T ZERO;
 };
 
-extern template class KWCORE_API CKWPoint2T<float, double>;
-extern template class KWCORE_API CKWPoint2T<double, float>;
+#if !defined(_WIN32)
+extern template class CKWPoint2T<float, double>;
+extern template class CKWPoint2T<double, float>;
+#endif

@@ -13,7 +13,7 @@
 #include "kwcore/platform/CString.h"
 
 template <class Real, class Other>
-class CKWPoint3T : public CKWPointT<3, Real, Other> {
+class KWCORE_API CKWPoint3T : public CKWPointT<3, Real, Other> {
     using Base = CKWPointT<3, Real, Other>;
 
 public:
@@ -62,5 +62,7 @@ public:
     static const CKWPoint3T ZERO;
 };
 
-extern template class KWCORE_API CKWPoint3T<float, double>;
-extern template class KWCORE_API CKWPoint3T<double, float>;
+#if !defined(_WIN32)
+extern template class CKWPoint3T<float, double>;
+extern template class CKWPoint3T<double, float>;
+#endif

@@ -16,7 +16,7 @@
 #include "kwcore/platform/CString.h"
 
 template <class Real, class Other>
-class CKWPoint4T : public CKWPointT<4, Real, Other> {
+class KWCORE_API CKWPoint4T : public CKWPointT<4, Real, Other> {
     using Base = CKWPointT<4, Real, Other>;
 
 public:
@@ -82,5 +82,7 @@ public:
     static const CKWPoint4T ZERO;
 };
 
-extern template class KWCORE_API CKWPoint4T<float, double>;
-extern template class KWCORE_API CKWPoint4T<double, float>;
+#if !defined(_WIN32)
+extern template class CKWPoint4T<float, double>;
+extern template class CKWPoint4T<double, float>;
+#endif

@@ -15,7 +15,7 @@
 #include "kwcore/geometry/CKWVectorT.h"
 
 template <int N, class Real, class Other>
-class CKWPointT {
+class KWCORE_API CKWPointT {
 public:
     using Math = CKWMathT<Real, Other>;
     using Vector = CKWVectorT<N, Real, Other>;
@@ -107,9 +107,11 @@ protected:
     Real m_aTuple[N];
 };
 
-extern template class KWCORE_API CKWPointT<2, float, double>;
-extern template class KWCORE_API CKWPointT<3, float, double>;
-extern template class KWCORE_API CKWPointT<4, float, double>;
-extern template class KWCORE_API CKWPointT<2, double, float>;
-extern template class KWCORE_API CKWPointT<3, double, float>;
-extern template class KWCORE_API CKWPointT<4, double, float>;
+#if !defined(_WIN32)
+extern template class CKWPointT<2, float, double>;
+extern template class CKWPointT<3, float, double>;
+extern template class CKWPointT<4, float, double>;
+extern template class CKWPointT<2, double, float>;
+extern template class CKWPointT<3, double, float>;
+extern template class CKWPointT<4, double, float>;
+#endif

@@ -13,7 +13,7 @@
 #include "kwcore/geometry/CKWVectorT.h"
 
 template <class Real, class Other>
-class CKWVector2T : public CKWVectorT<2, Real, Other> {
+class KWCORE_API CKWVector2T : public CKWVectorT<2, Real, Other> {
     using Base = CKWVectorT<2, Real, Other>;
 
 public:
@@ -70,5 +70,7 @@ public:
     static const CKWVector2T UNIT_Y;
 };
 
-extern template class KWCORE_API CKWVector2T<float, double>;
-extern template class KWCORE_API CKWVector2T<double, float>;
+#if !defined(_WIN32)
+extern template class CKWVector2T<float, double>;
+extern template class CKWVector2T<double, float>;
+#endif

@@ -15,7 +15,7 @@
 #include "kwcore/platform/CString.h"
 
 template <class Real, class Other>
-class CKWVector3T : public CKWVectorT<3, Real, Other> {
+class KWCORE_API CKWVector3T : public CKWVectorT<3, Real, Other> {
     using Base = CKWVectorT<3, Real, Other>;
 
 public:
@@ -95,5 +95,7 @@ private:
     }
 };
 
-extern template class KWCORE_API CKWVector3T<float, double>;
-extern template class KWCORE_API CKWVector3T<double, float>;
+#if !defined(_WIN32)
+extern template class CKWVector3T<float, double>;
+extern template class CKWVector3T<double, float>;
+#endif

@@ -10,7 +10,7 @@
 #include "kwcore/geometry/CKWVectorT.h"
 
 template <class Real, class Other>
-class CKWVector4T : public CKWVectorT<4, Real, Other> {
+class KWCORE_API CKWVector4T : public CKWVectorT<4, Real, Other> {
     using Base = CKWVectorT<4, Real, Other>;
 
 public:
@@ -68,5 +68,7 @@ private:
     }
 };
 
-extern template class KWCORE_API CKWVector4T<float, double>;
-extern template class KWCORE_API CKWVector4T<double, float>;
+#if !defined(_WIN32)
+extern template class CKWVector4T<float, double>;
+extern template class CKWVector4T<double, float>;
+#endif

@@ -24,7 +24,7 @@ template <int N, class Real, class Other>
 class CKWPointT;
 
 template <int N, class Real, class Other>
-class CKWVectorT {
+class KWCORE_API CKWVectorT {
 public:
     using Math = CKWMathT<Real, Other>;
 
@@ -182,9 +182,11 @@ protected:
     Real m_aTuple[N];
 };
 
-extern template class KWCORE_API CKWVectorT<2, float, double>;
-extern template class KWCORE_API CKWVectorT<3, float, double>;
-extern template class KWCORE_API CKWVectorT<4, float, double>;
-extern template class KWCORE_API CKWVectorT<2, double, float>;
-extern template class KWCORE_API CKWVectorT<3, double, float>;
-extern template class KWCORE_API CKWVectorT<4, double, float>;
+#if !defined(_WIN32)
+extern template class CKWVectorT<2, float, double>;
+extern template class CKWVectorT<3, float, double>;
+extern template class CKWVectorT<4, float, double>;
+extern template class CKWVectorT<2, double, float>;
+extern template class CKWVectorT<3, double, float>;
+extern template class CKWVectorT<4, double, float>;
+#endif
