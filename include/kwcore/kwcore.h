@@ -67,3 +67,5 @@
 
 // Polygon triangulation: the monotone sweep and its orientation predicate.
 #include "kwcore/geometry/KWOrient2D.h"
+#include "kwcore/geometry/KWPolygonTriangulation.h"
+#include "kwcore/geometry/KWSplayTree.h"
