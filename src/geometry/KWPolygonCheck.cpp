@@ -61,6 +61,7 @@ private:
     int CompareInserted(unsigned t, unsigned s) const;
     bool Intersect(unsigned s, unsigned t) const;
     bool OnSegment(unsigned a, unsigned b, unsigned p) const;
+    void Meeting(unsigned s, unsigned t, unsigned near, double& x, double& y) const;
     CheckCode Crossing(unsigned s, unsigned t, unsigned near, CheckResult& result) const;
     bool TestNeighbours(Status::iterator it, unsigned near, CheckResult& result) const;
 
@@ -127,12 +128,40 @@ bool CSweepCheck::Intersect(unsigned s, unsigned t) const {
            (d3 == 0 && OnSegment(a, b, c)) || (d4 == 0 && OnSegment(a, b, d));
 }
 
+// Where two meeting edges meet (rounded): an end of one on the other, or the
+// crossing of their lines.
+void CSweepCheck::Meeting(unsigned s, unsigned t, unsigned near, double& x, double& y) const {
+    const unsigned ends[4][3] = {{s, t, m_c.next[t]},
+                                 {m_c.next[s], t, m_c.next[t]},
+                                 {t, s, m_c.next[s]},
+                                 {m_c.next[t], s, m_c.next[s]}};
+    for (const unsigned(&e)[3] : ends) {
+        if (Orient(e[1], e[2], e[0]) == 0 && OnSegment(e[1], e[2], e[0])) {
+            x = m_c.x[e[0]];
+            y = m_c.y[e[0]];
+            return;
+        }
+    }
+    const double ax = m_c.x[s], ay = m_c.y[s];
+    const double rx = m_c.x[m_c.next[s]] - ax, ry = m_c.y[m_c.next[s]] - ay;
+    const double qx = m_c.x[t] - ax, qy = m_c.y[t] - ay;
+    const double sx = m_c.x[m_c.next[t]] - m_c.x[t], sy = m_c.y[m_c.next[t]] - m_c.y[t];
+    const double denominator = rx * sy - ry * sx;
+    if (denominator == 0.0) {
+        x = m_c.x[near];
+        y = m_c.y[near];
+        return;
+    }
+    const double along = (qx * sy - qy * sx) / denominator;
+    x = ax + along * rx;
+    y = ay + along * ry;
+}
+
 CheckCode CSweepCheck::Crossing(unsigned s, unsigned t, unsigned near, CheckResult& result) const {
     result.code = CHECK_SELF_INTERSECTION;
     result.contour = m_c.contour[s];
     result.otherContour = m_c.contour[t];
-    result.x = m_c.x[near];
-    result.y = m_c.y[near];
+    Meeting(s, t, near, result.x, result.y);
     if (result.contour == result.otherContour) {
         result.message = Format("contour %g crosses or touches itself near (%g, %g)",
                                 result.contour + 1, result.x, result.y);
