@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <limits>
 
 namespace kwPolygonTriangulation {
@@ -29,10 +30,6 @@ const char kCheckLoopsDetails[] =
     }
     std::fflush(stdout);
     std::exit(1);
-}
-
-void RefreshKey(Linebase*& edge, double y) {
-    edge->setKeyValue(y);
 }
 
 double Orient(const Pointbase& a, const Pointbase& b, const Pointbase& c) {
@@ -78,35 +75,31 @@ Pointbase::Pointbase(unsigned pid, double px, double py, Type ptype)
 Pointbase::Pointbase(const Pointbase& other) = default;
 Pointbase& Pointbase::operator=(const Pointbase& other) = default;
 
-bool operator==(const Pointbase& a, const Pointbase& b) {
-    return a.x == b.x && a.y == b.y;
-}
-bool operator!=(const Pointbase& a, const Pointbase& b) {
-    return !(a == b);
-}
-bool operator>(const Pointbase& a, const Pointbase& b) {
-    return a.y > b.y || (a.y == b.y && a.x < b.x);
-}
-bool operator<(const Pointbase& a, const Pointbase& b) {
-    return a.y < b.y || (a.y == b.y && a.x > b.x);
-}
-
 // --- Linebase ----------------------------------------------------------------
 
-Linebase::Linebase() : m_id(0), m_endPoints{0, 0}, m_type(INPUT), m_keyValue(0.0), m_helper(0) {}
+Linebase::Linebase()
+    : m_id(0),
+      m_endPoints{0, 0},
+      m_type(INPUT),
+      m_keyValue(0.0),
+      m_helper(0),
+      m_x0(0.0),
+      m_y0(0.0),
+      m_slope(0.0),
+      m_minX(0.0),
+      m_bHorizontal(true) {}
 
 Linebase::Linebase(Pointbase* start, Pointbase* end, Type type, unsigned id)
-    : m_id(id), m_endPoints{start, end}, m_type(type), m_keyValue(0.0), m_helper(0) {}
-
-void Linebase::setKeyValue(double y) {
-    const Pointbase& a = *m_endPoints[0];
-    const Pointbase& b = *m_endPoints[1];
-    if (a.y == b.y) {
-        m_keyValue = std::min(a.x, b.x);
-    } else {
-        m_keyValue = a.x + (b.x - a.x) * (y - a.y) / (b.y - a.y);
-    }
-}
+    : m_id(id),
+      m_endPoints{start, end},
+      m_type(type),
+      m_keyValue(0.0),
+      m_helper(0),
+      m_x0(start->x),
+      m_y0(start->y),
+      m_slope((end->x - start->x) / (end->y - start->y)),
+      m_minX(std::min(start->x, end->x)),
+      m_bHorizontal(start->y == end->y) {}
 
 void Linebase::increaseKeyValue(double delta) {
     const double before = m_keyValue;
@@ -119,20 +112,128 @@ void Linebase::increaseKeyValue(double delta) {
 
 void Linebase::reverse() {
     std::swap(m_endPoints[0], m_endPoints[1]);
+    m_x0 = m_endPoints[0]->x;
+    m_y0 = m_endPoints[0]->y;
+}
+
+// --- Polygon: incident edges -------------------------------------------------
+
+void Polygon::IncidentEdges::push_back(unsigned id) {
+    if (!m_bSpilled && m_count < sizeof m_ids / sizeof m_ids[0]) {
+        m_ids[m_count++] = id;
+        return;
+    }
+    if (!m_bSpilled) {
+        m_more.assign(m_ids, m_ids + m_count);
+        m_bSpilled = true;
+    }
+    m_more.push_back(id);
+}
+
+void Polygon::IncidentEdges::sort() {
+    unsigned* first = m_bSpilled ? m_more.data() : m_ids;
+    std::sort(first, first + size());
+}
+
+void Polygon::IncidentEdges::erase(unsigned id) {
+    unsigned* first = m_bSpilled ? m_more.data() : m_ids;
+    unsigned* last = first + size();
+    unsigned* found = std::find(first, last, id);
+    if (found == last) {
+        return;
+    }
+    std::copy(found + 1, last, found);
+    if (m_bSpilled) {
+        m_more.pop_back();
+    } else {
+        --m_count;
+    }
 }
 
 // --- Polygon: input ----------------------------------------------------------
 
-std::size_t Polygon::PointKeyHash::operator()(const std::pair<double, double>& p) const {
-    // -0.0 equals 0.0, so both hash alike.
-    const double x = p.first == 0.0 ? 0.0 : p.first;
-    const double y = p.second == 0.0 ? 0.0 : p.second;
-    unsigned long long bx, by;
-    std::memcpy(&bx, &x, sizeof bx);
-    std::memcpy(&by, &y, sizeof by);
-    const unsigned long long h = (bx * 0x9E3779B97F4A7C15ull) ^ (by + (bx >> 29));
-    return static_cast<std::size_t>(h ^ (h >> 32));
-}
+// The coordinates held, for is_exist in constant time: open addressing over
+// the bit patterns (-0.0 stored as 0.0, as the two compare equal).
+struct Polygon::SCoordinateIndex {
+    std::vector<std::pair<double, double> > slots;
+    std::vector<unsigned char> state;  // 0 free, 1 held, 2 erased
+    std::size_t held = 0;
+    std::size_t used = 0;
+
+    static std::size_t Hash(double x, double y) {
+        unsigned long long bx, by;
+        std::memcpy(&bx, &x, sizeof bx);
+        std::memcpy(&by, &y, sizeof by);
+        unsigned long long h = bx * 0x9E3779B97F4A7C15ull ^ (by + 0x632BE59BD9B4E019ull);
+        h ^= h >> 31;
+        h *= 0xBF58476D1CE4E5B9ull;
+        return static_cast<std::size_t>(h ^ (h >> 29));
+    }
+    // The slot holding (x, y), or the free slot where it would go.
+    std::size_t Find(double x, double y) const {
+        const std::size_t mask = slots.size() - 1;
+        std::size_t i = Hash(x, y) & mask;
+        while (state[i] != 0 && !(state[i] == 1 && slots[i].first == x && slots[i].second == y)) {
+            i = (i + 1) & mask;
+        }
+        return i;
+    }
+    bool Contains(double x, double y) const {
+        return !slots.empty() && state[Find(Normal(x), Normal(y))] == 1;
+    }
+    void Insert(double x, double y) {
+        if (2 * (used + 1) > slots.size()) {
+            Grow(std::max<std::size_t>(64, 4 * (held + 1)));
+        }
+        const std::size_t i = Find(Normal(x), Normal(y));
+        if (state[i] != 1) {
+            slots[i] = std::make_pair(Normal(x), Normal(y));
+            state[i] = 1;
+            ++held;
+            ++used;
+        }
+    }
+    void Erase(double x, double y) {
+        if (slots.empty()) {
+            return;
+        }
+        const std::size_t i = Find(Normal(x), Normal(y));
+        if (state[i] == 1) {
+            state[i] = 2;
+            --held;
+        }
+    }
+    void Reserve(std::size_t count) {
+        if (2 * (used + count) > slots.size()) {
+            Grow(4 * (held + count));
+        }
+    }
+
+private:
+    static double Normal(double v) { return v == 0.0 ? 0.0 : v; }
+    void Grow(std::size_t minimum) {
+        std::size_t size = 64;
+        while (size < minimum) {
+            size *= 2;
+        }
+        std::vector<std::pair<double, double> > old;
+        std::vector<unsigned char> oldState;
+        old.swap(slots);
+        oldState.swap(state);
+        slots.assign(size, std::make_pair(0.0, 0.0));
+        state.assign(size, 0);
+        held = used = 0;
+        for (std::size_t i = 0; i < old.size(); ++i) {
+            if (oldState[i] == 1) {
+                const std::size_t j = Find(old[i].first, old[i].second);
+                slots[j] = old[i];
+                state[j] = 1;
+                ++held;
+                ++used;
+            }
+        }
+    }
+};
 
 Polygon::Polygon()
     : m_ncontours(0),
@@ -145,20 +246,16 @@ Polygon::Polygon()
       m_bRefused(false),
       m_bRenumbered(false),
       m_bFinished(false),
-      m_bInitialized(false) {}
+      m_bInitialized(false),
+      m_pCoordinates(new SCoordinateIndex) {}
 
+// The vertices and edges go with their stores.
 Polygon::~Polygon() {
     m_edgebst.MakeEmpty();
-    for (PointbaseMap::iterator it = m_points.begin(); it != m_points.end(); ++it) {
-        delete it->second;
-    }
-    for (LineMap::iterator it = m_edges.begin(); it != m_edges.end(); ++it) {
-        delete it->second;
-    }
 }
 
 bool Polygon::is_exist(double x, double y) const {
-    return m_coordinates.count(std::make_pair(x, y)) != 0;
+    return m_pCoordinates->Contains(x, y);
 }
 
 bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool closed) {
@@ -166,7 +263,7 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
     m_nVertices.push_back(static_cast<unsigned>(n));
     ++m_ncontours;
     const unsigned first = reverse ? 1u : static_cast<unsigned>(m_points.size()) + 1u;
-    m_coordinates.reserve(m_coordinates.size() + n);
+    m_pCoordinates->Reserve(n);
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t index = reverse ? n - 1 - k : k;
         const double x = xy[2 * index];
@@ -182,15 +279,20 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
             return false;
         }
         const unsigned id = first + static_cast<unsigned>(k);
-        Pointbase*& slot = m_points[id];
-        if (slot != 0) {
+        m_pointStore.push_back(Pointbase(id, x, y, INPUT));
+        Pointbase* added = &m_pointStore.back();
+        PointbaseMap::iterator slot = m_points.empty() || m_points.rbegin()->first < id
+                                          ? m_points.emplace_hint(m_points.end(), id, added)
+                                          : m_points.find(id);
+        if (slot == m_points.end()) {
+            slot = m_points.emplace(id, added).first;
+        } else if (slot->second != added) {
             // A reversed contour after the first one reuses numbers.
             m_bRenumbered = true;
-            m_coordinates.erase(std::make_pair(slot->x, slot->y));
-            delete slot;
+            m_pCoordinates->Erase(slot->second->x, slot->second->y);
+            slot->second = added;
         }
-        slot = new Pointbase(id, x, y, INPUT);
-        m_coordinates.insert(std::make_pair(x, y));
+        m_pCoordinates->Insert(x, y);
     }
     return true;
 }
@@ -228,8 +330,9 @@ void Polygon::Finish() {
             if (start == 0 || end == 0) {
                 continue;
             }
-            Linebase* line = new Linebase(start, end, INPUT, id);
-            m_edges[id] = line;
+            m_lineStore.push_back(Linebase(start, end, INPUT, id));
+            Linebase* line = &m_lineStore.back();
+            m_edges.emplace_hint(m_edges.end(), id, line);
             m_edgeById[id] = line;
             m_edgeStart[id] = from;
         }
@@ -285,7 +388,9 @@ void Polygon::initializate() {
     }
     m_bInitialized = true;
     Finish();
-    m_startAdjEdgeMap.assign(m_pointById.size(), std::vector<unsigned>());
+    m_startAdjEdgeMap.assign(m_pointById.size(), IncidentEdges());
+    std::vector<Pointbase> events;
+    events.reserve(m_points.size());
     for (unsigned id = 1; id < m_pointById.size(); ++id) {
         Pointbase* v = m_pointById[id];
         if (v == 0) {
@@ -304,16 +409,18 @@ void Polygon::initializate() {
                 v->type = Orient(*p, *v, *n) > 0 ? START : SPLIT;
             }
         }
-        m_qpoints.push(*v);
-        std::vector<unsigned>& incident = m_startAdjEdgeMap[id];
+        events.push_back(*v);
+        IncidentEdges& incident = m_startAdjEdgeMap[id];
         if (edge(id) != 0) {
             incident.push_back(id);
         }
         if (edge(prev(id)) != 0 && prev(id) != id) {
             incident.push_back(prev(id));
         }
-        std::sort(incident.begin(), incident.end());
+        incident.sort();
     }
+    // One heapify instead of n pushes.
+    m_qpoints = PQueue(std::less<Pointbase>(), std::move(events));
 }
 
 void Polygon::partition2Monotone() {
@@ -327,7 +434,7 @@ void Polygon::partition2Monotone() {
     while (!m_qpoints.empty()) {
         const Pointbase v = m_qpoints.top();
         m_qpoints.pop();
-        m_edgebst.SetKeyRefresh(&RefreshKey, v.y);
+        m_edgebst.SetKeyRefresh(v.y);
         if (m_debug) {
             m_trace << "\n\nHandle vertex:" << v.id << " type:" << TypeName(v.type);
         }
@@ -374,13 +481,11 @@ void Polygon::insertEdge(Linebase* line, unsigned helper) {
 
 void Polygon::removeEdge(Linebase* line, double y) {
     line->setKeyValue(y);
-    EdgeBST::Node* removed = 0;
-    m_edgebst.Delete(line->keyValue(), removed);
+    m_edgebst.Delete(line->keyValue());
     if (m_debug) {
         m_trace << "\nRemove e" << line->id() << " from splay tree\n"
                 << "key:" << line->keyValue();
     }
-    delete removed;
 }
 
 // END, MERGE and REGULAR_DOWN close the edge entering the vertex.
@@ -475,9 +580,10 @@ void Polygon::addDiagonal(unsigned i, unsigned j) {
         Stop(kCheckInput, kStopped);
     }
     const unsigned id = ++m_l_id;
-    Linebase* diagonal = new Linebase(a, b, INSERT, id);
-    m_edges[id] = diagonal;
-    m_diagonals[id] = diagonal;
+    m_lineStore.push_back(Linebase(a, b, INSERT, id));
+    Linebase* diagonal = &m_lineStore.back();
+    m_edges.emplace_hint(m_edges.end(), id, diagonal);
+    m_diagonals.emplace_hint(m_diagonals.end(), id, diagonal);
     if (m_edgeById.size() <= id) {
         m_edgeById.resize(id + 1, 0);
         m_edgeStart.resize(id + 1, 0);
@@ -510,11 +616,7 @@ void Polygon::useEdge(Linebase* line) {
         return;
     }
     for (int end = 0; end < 2; ++end) {
-        std::vector<unsigned>& incident = m_startAdjEdgeMap[line->endPoint(end)->id];
-        std::vector<unsigned>::iterator it = std::find(incident.begin(), incident.end(), id);
-        if (it != incident.end()) {
-            incident.erase(it);
-        }
+        m_startAdjEdgeMap[line->endPoint(end)->id].erase(id);
     }
 }
 
@@ -526,7 +628,7 @@ bool Polygon::isUsedFrom(const Linebase* line, unsigned startId) const {
 Linebase* Polygon::selectNextEdge(Linebase* current) {
     const Pointbase& a = *current->endPoint(0);
     const Pointbase& b = *current->endPoint(1);
-    const std::vector<unsigned>& incident = m_startAdjEdgeMap[b.id];
+    const IncidentEdges& incident = m_startAdjEdgeMap[b.id];
     const std::size_t others =
         incident.size() -
         static_cast<std::size_t>(std::count(incident.begin(), incident.end(), current->id()));
@@ -572,8 +674,10 @@ void Polygon::searchMonotones() {
         }
     }
     unsigned loop = 0;
-    for (LineMap::iterator it = m_edges.begin(); it != m_edges.end(); ++it) {
-        Linebase* first = it->second;
+    for (Linebase* first : m_edgeById) {
+        if (first == 0) {
+            continue;
+        }
         while (m_edgeUsed[first->id()] != (kForwardUsed | kBackwardUsed)) {
             // Start along the direction not walked yet.
             const unsigned origin = m_edgeStart[first->id()];

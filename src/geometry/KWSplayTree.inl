@@ -9,13 +9,15 @@
 namespace kwPolygonTriangulation {
 
 template <class T, class KeyType>
-SplayTree<T, KeyType>::SplayTree() : m_pRoot(0), m_size(0), m_refresh(0), m_refreshAt() {}
+SplayTree<T, KeyType>::SplayTree()
+    : m_pRoot(0), m_size(0), m_pSpare(0), m_bRefresh(false), m_refreshAt() {}
 
 template <class T, class KeyType>
 SplayTree<T, KeyType>::SplayTree(const SplayTree& other)
     : m_pRoot(clone(other.m_pRoot)),
       m_size(other.m_size),
-      m_refresh(other.m_refresh),
+      m_pSpare(0),
+      m_bRefresh(other.m_bRefresh),
       m_refreshAt(other.m_refreshAt) {}
 
 template <class T, class KeyType>
@@ -25,7 +27,7 @@ SplayTree<T, KeyType>& SplayTree<T, KeyType>::operator=(const SplayTree& other) 
         MakeEmpty();
         m_pRoot = copy;
         m_size = other.m_size;
-        m_refresh = other.m_refresh;
+        m_bRefresh = other.m_bRefresh;
         m_refreshAt = other.m_refreshAt;
     }
     return *this;
@@ -34,18 +36,34 @@ SplayTree<T, KeyType>& SplayTree<T, KeyType>::operator=(const SplayTree& other) 
 template <class T, class KeyType>
 SplayTree<T, KeyType>::~SplayTree() {
     MakeEmpty();
+    while (m_pSpare != 0) {
+        Node* next = m_pSpare->m_pRight;
+        delete m_pSpare;
+        m_pSpare = next;
+    }
 }
 
 template <class T, class KeyType>
-void SplayTree<T, KeyType>::refresh(Node* node) const {
-    if (m_refresh) {
-        m_refresh(node->m_data, m_refreshAt);
+typename SplayTree<T, KeyType>::Node* SplayTree<T, KeyType>::newNode(const T& x) {
+    if (m_pSpare == 0) {
+        return new Node(x, 0, 0);
+    }
+    Node* node = m_pSpare;
+    m_pSpare = node->m_pRight;
+    *node = Node(x, 0, 0);
+    return node;
+}
+
+template <class T, class KeyType>
+inline void SplayTree<T, KeyType>::refresh(Node* node) const {
+    if (m_bRefresh) {
+        node->m_data->setKeyValue(m_refreshAt);
     }
 }
 
 template <class T, class KeyType>
 void SplayTree<T, KeyType>::Insert(const T& x) {
-    Node* node = new Node(x, 0, 0);
+    Node* node = newNode(x);
     if (m_pRoot == 0) {
         m_pRoot = node;
         ++m_size;
@@ -78,7 +96,10 @@ template <class T, class KeyType>
 void SplayTree<T, KeyType>::Delete(const KeyType& key) {
     Node* removed = 0;
     Delete(key, removed);
-    delete removed;
+    if (removed != 0) {
+        removed->m_pRight = m_pSpare;
+        m_pSpare = removed;
+    }
 }
 
 template <class T, class KeyType>

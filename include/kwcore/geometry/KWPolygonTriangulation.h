@@ -26,12 +26,13 @@
 
 #include <array>
 #include <cstddef>
+#include <deque>
 #include <list>
 #include <map>
+#include <memory>
 #include <queue>
 #include <sstream>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "kwcore/geometry/KWOrient2D.h"
@@ -74,12 +75,20 @@ public:
 };
 
 // Same coordinates.
-KWCORE_API bool operator==(const Pointbase& a, const Pointbase& b);
-KWCORE_API bool operator!=(const Pointbase& a, const Pointbase& b);
+inline bool operator==(const Pointbase& a, const Pointbase& b) {
+    return a.x == b.x && a.y == b.y;
+}
+inline bool operator!=(const Pointbase& a, const Pointbase& b) {
+    return !(a == b);
+}
 // Sweep order: a is above b.
-KWCORE_API bool operator>(const Pointbase& a, const Pointbase& b);
+inline bool operator>(const Pointbase& a, const Pointbase& b) {
+    return a.y > b.y || (a.y == b.y && a.x < b.x);
+}
 // Sweep order: a is below b.
-KWCORE_API bool operator<(const Pointbase& a, const Pointbase& b);
+inline bool operator<(const Pointbase& a, const Pointbase& b) {
+    return a.y < b.y || (a.y == b.y && a.x > b.x);
+}
 
 // An edge or a diagonal between two vertices the Polygon owns.
 class KWCORE_API Linebase {
@@ -95,7 +104,9 @@ public:
 
     // The key at sweep height y: the x where the edge crosses the line y;
     // for a horizontal edge, its smaller x.
-    void setKeyValue(double y);
+    void setKeyValue(double y) {
+        m_keyValue = m_bHorizontal ? m_minX : m_x0 + (y - m_y0) * m_slope;
+    }
     // Raises the key by delta (at least to the next double).
     void increaseKeyValue(double delta);
     void setHelper(unsigned vertexId) { m_helper = vertexId; }
@@ -108,6 +119,12 @@ private:
     Type m_type;
     double m_keyValue;
     unsigned m_helper;
+    // The start point and dx/dy, kept here: keys are recomputed many times
+    // per sweep step.
+    double m_x0, m_y0;
+    double m_slope;
+    double m_minX;
+    bool m_bHorizontal;
 };
 
 extern template class KWCORE_API SplayTree<Linebase*, double>;
@@ -222,8 +239,23 @@ private:
     void addTriangle(unsigned a, unsigned b, unsigned c);
     bool consistent() const;
 
-    struct PointKeyHash {
-        std::size_t operator()(const std::pair<double, double>& p) const;
+    struct SCoordinateIndex;
+
+    // The edge ids at one vertex, ascending: a few in place, more on the heap.
+    class IncidentEdges {
+    public:
+        const unsigned* begin() const { return m_bSpilled ? m_more.data() : m_ids; }
+        const unsigned* end() const { return begin() + size(); }
+        std::size_t size() const { return m_bSpilled ? m_more.size() : m_count; }
+        void push_back(unsigned id);
+        void sort();
+        void erase(unsigned id);
+
+    private:
+        unsigned m_ids[6];
+        unsigned m_count = 0;
+        bool m_bSpilled = false;
+        std::vector<unsigned> m_more;
     };
 
     PointbaseMap m_points;
@@ -234,7 +266,7 @@ private:
     unsigned m_l_id;
     PQueue m_qpoints;
     EdgeBST m_edgebst;
-    std::vector<std::vector<unsigned> > m_startAdjEdgeMap;  // by vertex id
+    std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
     LineMap m_diagonals;
     Monopolys m_mpolys;
     Triangles m_triangles;
@@ -249,11 +281,14 @@ private:
     std::vector<unsigned> m_prevId, m_nextId;
     std::vector<unsigned> m_edgeStart;
     std::vector<unsigned char> m_edgeUsed;
-    std::unordered_set<std::pair<double, double>, PointKeyHash> m_coordinates;
     bool m_bRefused;
     bool m_bRenumbered;
     bool m_bFinished;
     bool m_bInitialized;
+    std::unique_ptr<SCoordinateIndex> m_pCoordinates;
+    // The vertices and edges themselves; the maps point into these.
+    std::deque<Pointbase> m_pointStore;
+    std::deque<Linebase> m_lineStore;
 };
 
 }  // namespace kwPolygonTriangulation

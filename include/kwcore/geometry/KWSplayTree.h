@@ -5,12 +5,12 @@
 // so the tree owns its nodes and never the items. Inserting an item whose key
 // equals a stored one raises the new key by 1e-10 (`increaseKeyValue`) until
 // it is unique. Keys of sweep edges change as the sweep line moves; with
-// `SetKeyRefresh` the tree recomputes the key of every node a search passes,
+// `SetKeyRefresh` the tree recomputes (`setKeyValue`) the key of every node a search passes,
 // which keeps each operation logarithmic (amortised) instead of refreshing
 // all keys before each search.
 //
 //   SplayTree<Linebase*, double> status;
-//   status.SetKeyRefresh(&RefreshAt, sweepY);
+//   status.SetKeyRefresh(sweepY);
 //   status.Insert(edge);
 //   BTreeNode<Linebase*, double>* left = 0;
 //   status.FindMaxSmallerThan(x, left);
@@ -54,7 +54,6 @@ public:
     typedef void (*Visitor)(Node*);
     typedef void (*KeyVisitor)(Node*, KeyType);
     typedef void (*StreamVisitor)(Node*, std::ostream&);
-    typedef void (*KeyRefresh)(T&, KeyType);
 
     SplayTree();
     SplayTree(const SplayTree& other);
@@ -92,11 +91,12 @@ public:
     void InOrder(StreamVisitor visit, std::ostream& out) const;
     void PostOrder(Visitor visit) const;
 
-    // From now on every node a search passes first gets refresh(item, at).
-    void SetKeyRefresh(KeyRefresh refresh, KeyType at) {
-        m_refresh = refresh;
+    // From now on every node a search passes first gets item->setKeyValue(at).
+    void SetKeyRefresh(KeyType at) {
+        m_bRefresh = true;
         m_refreshAt = at;
     }
+    void ClearKeyRefresh() { m_bRefresh = false; }
 
 private:
     void refresh(Node* node) const;
@@ -108,9 +108,13 @@ private:
     template <class Visit>
     void inOrderWalk(Visit visit) const;
 
+    Node* newNode(const T& x);
+
     Node* m_pRoot;
     long m_size;
-    KeyRefresh m_refresh;
+    // Nodes removed by Delete(key), reused by Insert.
+    Node* m_pSpare;
+    bool m_bRefresh;
     KeyType m_refreshAt;
 };
 

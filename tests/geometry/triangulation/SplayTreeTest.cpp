@@ -155,7 +155,7 @@ TEST(SplayTree, TraversalsCopiesAndRefreshedKeys) {
     diagonal.setKeyValue(0.0);
     EdgeBST sweep;
     sweep.Insert(&diagonal);
-    sweep.SetKeyRefresh([](Linebase*& line, double y) { line->setKeyValue(y); }, 5.0);
+    sweep.SetKeyRefresh(5.0);
     EdgeBST::Node* left = nullptr;
     sweep.FindMaxSmallerThan(6.0, left);
     ASSERT_NE(left, nullptr);
