@@ -72,8 +72,6 @@ Pointbase::Pointbase(double px, double py, Type ptype)
     : id(0), x(px), y(py), type(ptype), left(false) {}
 Pointbase::Pointbase(unsigned pid, double px, double py, Type ptype)
     : id(pid), x(px), y(py), type(ptype), left(false) {}
-Pointbase::Pointbase(const Pointbase& other) = default;
-Pointbase& Pointbase::operator=(const Pointbase& other) = default;
 
 // --- Linebase ----------------------------------------------------------------
 

@@ -65,8 +65,8 @@ public:
     Pointbase(unsigned id, double x, double y);
     Pointbase(double x, double y, Type type);
     Pointbase(unsigned id, double x, double y, Type type);
-    Pointbase(const Pointbase& other);
-    Pointbase& operator=(const Pointbase& other);
+    Pointbase(const Pointbase& other) = default;
+    Pointbase& operator=(const Pointbase& other) = default;
 
     unsigned id;
     double x, y;
