@@ -256,6 +256,17 @@ bool Polygon::is_exist(double x, double y) const {
     return m_pCoordinates->Contains(x, y);
 }
 
+bool Polygon::AddContour(std::vector<CKWPoint2T<double, float> >& contour, bool reverse,
+                         bool closed) {
+    std::vector<double> xy;
+    xy.reserve(2 * contour.size());
+    for (const CKWPoint2T<double, float>& point : contour) {
+        xy.push_back(point.X());
+        xy.push_back(point.Y());
+    }
+    return AddContour(xy.data(), contour.size(), reverse, closed);
+}
+
 bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool closed) {
     const std::size_t n = closed && count > 0 ? count - 1 : count;
     m_nVertices.push_back(static_cast<unsigned>(n));

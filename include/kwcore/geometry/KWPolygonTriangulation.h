@@ -13,6 +13,7 @@
 // afford that call Check() first, which names every such problem.
 //
 //   kwPolygonTriangulation::Polygon polygon;
+//   std::vector<CKWPoint2T<double, float> > outer = ..., hole = ...;
 //   polygon.AddContour(outer, false, false);
 //   polygon.AddContour(hole, false, false);
 //   polygon.Finish();
@@ -35,6 +36,7 @@
 #include <string>
 #include <vector>
 
+#include "kwcore/geometry/CKWPoint2T.h"
 #include "kwcore/geometry/KWOrient2D.h"
 #include "kwcore/geometry/KWSplayTree.h"
 #include "kwcore/platform/Export.h"
@@ -169,11 +171,13 @@ public:
     Polygon(const Polygon&) = delete;
     Polygon& operator=(const Polygon&) = delete;
 
-    // Appends a contour of `count` points given as x, y pairs. With `closed`
+    // Appends a contour. With `closed`
     // the last point repeats the first and is skipped. A reversed contour is
     // read backwards and numbers its vertices from 1 (so it must be the first
     // one). False, leaving the points read so far in place, when a point
     // repeats one already held.
+    bool AddContour(std::vector<CKWPoint2T<double, float> >& contour, bool reverse, bool closed);
+    // The same for `count` points given as x, y pairs.
     bool AddContour(const double* xy, std::size_t count, bool reverse, bool closed);
     // Makes the contour edges; call once, after the last AddContour.
     void Finish();

@@ -87,6 +87,20 @@ TEST(PolygonTriangulation, NumbersVerticesAndEdgesInContourOrder) {
     EXPECT_EQ(polygon.xmax(), 4.0);
 }
 
+TEST(PolygonTriangulation, TakesContoursOfPoints) {
+    std::vector<CKWPoint2T<double, float>> outer = {{0.0, 0.0}, {4.0, 0.0}, {4.0, 4.0}, {0.0, 4.0}};
+    std::vector<CKWPoint2T<double, float>> hole = {
+        {1.0, 1.0}, {1.0, 3.0}, {3.0, 3.0}, {3.0, 1.0}, {1.0, 1.0}};
+    Polygon polygon;
+    ASSERT_TRUE(polygon.AddContour(outer, false, false));
+    ASSERT_TRUE(polygon.AddContour(hole, false, true));  // the repeated first point is skipped
+    polygon.Finish();
+    EXPECT_EQ(polygon.points().size(), 8u);
+    EXPECT_EQ(polygon.points()[8]->x, 3.0);
+    Triangulate(polygon);
+    ExpectTiles(polygon, {kSquare, kSquareHole});
+}
+
 TEST(PolygonTriangulation, ReversedAndClosedContoursReadBackwardsFromOne) {
     const Contour clockwiseClosed = {0, 0, 0, 4, 4, 4, 4, 0, 0, 0};
     Polygon polygon;
