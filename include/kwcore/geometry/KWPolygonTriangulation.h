@@ -183,7 +183,9 @@ public:
     void Finish();
 
     // Every problem that would make triangulation() end the process, in
-    // O(n log n); the first one found, or CHECK_OK.
+    // O(n log n); the first one found, or CHECK_OK. Exact: a vertex a hair
+    // off an edge passes, although the sweep, which places vertices by
+    // rounded keys, may then still fail on it.
     CheckCode Check(CheckResult* result = 0) const;
 
     // The three phases, then "Total number of triangles:<n>" on standard
