@@ -498,7 +498,7 @@ void Polygon::removeEdge(Linebase* line, double y) {
 }
 
 // END, MERGE and REGULAR_DOWN close the edge entering the vertex.
-void Polygon::endEdge(unsigned id) {
+Linebase* Polygon::closeEnteringEdge(unsigned id) {
     Linebase* entering = edge(prev(id));
     if (entering == 0) {
         Stop(kCheckInput, kStopped);
@@ -510,7 +510,11 @@ void Polygon::endEdge(unsigned id) {
     if (isMergeVertex(helper)) {
         addDiagonal(id, helper);
     }
-    removeEdge(entering, point(id)->y);
+    return entering;
+}
+
+void Polygon::endEdge(unsigned id) {
+    removeEdge(closeEnteringEdge(id), point(id)->y);
 }
 
 Linebase* Polygon::findLeftEdge(unsigned id) {
@@ -575,11 +579,32 @@ void Polygon::handleRegularVertexUp(unsigned id) {
 }
 
 void Polygon::handleRegularVertexDown(unsigned id) {
-    endEdge(id);
-    if (edge(id) == 0) {
+    Linebase* entering = closeEnteringEdge(id);
+    Linebase* leaving = edge(id);
+    if (leaving == 0) {
         Stop(kCheckInput, kStopped);
     }
-    insertEdge(edge(id), id);
+    // The leaving edge takes the entering one's place in the status (they
+    // meet at v, and no edge lies between them): one search instead of a
+    // removal and an insertion.
+    const double y = point(id)->y;
+    entering->setKeyValue(y);
+    EdgeBST::Node* node = m_edgebst.Find(entering->keyValue());
+    if (node == 0 || node->data() != entering) {
+        removeEdge(entering, y);
+        insertEdge(leaving, id);
+        return;
+    }
+    leaving->setKeyValue(y);
+    node->setData(leaving);
+    leaving->setHelper(id);
+    if (m_debug) {
+        m_trace << "\nRemove e" << entering->id() << " from splay tree\n"
+                << "key:" << entering->keyValue() << "\nInsert e" << leaving->id()
+                << " to splay tree\n"
+                << "Insert key:" << leaving->keyValue() << "\nSet e" << leaving->id()
+                << " helper to " << id;
+    }
 }
 
 void Polygon::addDiagonal(unsigned i, unsigned j) {

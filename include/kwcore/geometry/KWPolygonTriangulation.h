@@ -241,6 +241,7 @@ private:
     void useEdge(Linebase* edge);
     bool isUsedFrom(const Linebase* edge, unsigned startId) const;
     Linebase* findLeftEdge(unsigned id);
+    Linebase* closeEnteringEdge(unsigned id);
     void endEdge(unsigned id);
     void addTriangle(unsigned a, unsigned b, unsigned c);
     bool consistent() const;
