@@ -268,6 +268,9 @@ bool Polygon::AddContour(std::vector<CKWPoint2T<double, float> >& contour, bool 
 }
 
 bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool closed) {
+    if (m_bFinished) {
+        return false;  // the edges are made; a late contour would have none
+    }
     const std::size_t n = closed && count > 0 ? count - 1 : count;
     m_nVertices.push_back(static_cast<unsigned>(n));
     ++m_ncontours;

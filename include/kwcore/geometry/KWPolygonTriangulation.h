@@ -132,7 +132,7 @@ private:
 extern template class KWCORE_API SplayTree<Linebase*, double>;
 
 // What Check() finds. Every code but CHECK_OK makes triangulation() end the
-// process.
+// process, except an empty polygon, which triangulates into nothing.
 enum CheckCode {
     CHECK_OK = 0,
     CHECK_TOO_FEW_POINTS,     // no contour, or a contour of fewer than 3 points
@@ -175,7 +175,7 @@ public:
     // the last point repeats the first and is skipped. A reversed contour is
     // read backwards and numbers its vertices from 1 (so it must be the first
     // one). False, leaving the points read so far in place, when a point
-    // repeats one already held.
+    // repeats one already held; false, changing nothing, after Finish().
     bool AddContour(std::vector<CKWPoint2T<double, float> >& contour, bool reverse, bool closed);
     // The same for `count` points given as x, y pairs.
     bool AddContour(const double* xy, std::size_t count, bool reverse, bool closed);

@@ -122,6 +122,10 @@ TEST(PolygonTriangulation, RefusesAContourThatRepeatsAPoint) {
     EXPECT_EQ(polygon.points().size(), 6u);  // the two points before the repeat stay
     EXPECT_TRUE(polygon.is_exist(2, 1));
     EXPECT_FALSE(polygon.is_exist(2, 2));
+    polygon.Finish();
+    const Contour late = {1, 1, 2, 1, 2, 2};
+    EXPECT_FALSE(polygon.AddContour(late.data(), 3, false, false));
+    EXPECT_EQ(polygon.contourCount(), 1u);
 }
 
 TEST(PolygonTriangulation, CollinearRunsAndHorizontalEdges) {
