@@ -116,15 +116,43 @@ int CKWGraphEdge::OnBeforeRelease() {
     return CKWSerialObject::OnBeforeRelease();
 }
 
-void CKWGraphEdge::OnAfterLoad(CKWDocument* document) {
-    CKWSerialObject::OnAfterLoad(document);
-    SettleLoaded();
+int CKWGraphEdge::OnBeforeLoad(CKWDocument* document, CKWTypeManifest* manifest,
+                               IKWFieldStream* stream) {
+    m_bLoading = true;
+    return CKWSerialObject::OnBeforeLoad(document, manifest, stream);
 }
 
-// The edge and its two nodes finish loading in any order; whichever is last
-// sees all three complete, so the edge ends connected exactly when it is in
-// both lists, as Connect would have left it.
-void CKWGraphEdge::SettleLoaded() {
+// The edge and its nodes finish loading in any order; whichever of a pair
+// finishes last matches the two, so the result is that of the complete data.
+void CKWGraphEdge::OnAfterLoad(CKWDocument* document) {
+    CKWSerialObject::OnAfterLoad(document);
+    m_bLoading = false;
+    for (CKWGraphNode* node : {m_pPrimaryNode, m_pSecondaryNode}) {
+        if (node && node->m_bLoading) {
+            node->m_waitingEdges.push_back(this);
+        } else if (node) {
+            MatchLoaded(node);
+        }
+    }
+    std::vector<CKWGraphNode*> waiting;
+    waiting.swap(m_waitingNodes);
+    for (CKWGraphNode* node : waiting) {
+        MatchLoaded(node);
+    }
+}
+
+void CKWGraphEdge::MatchLoaded(CKWGraphNode* node) {
+    const bool held = node->m_EdgeList.Contains(this);
+    if (held && !HasNode(node)) {
+        node->m_EdgeList.Remove(this);
+    } else if (!held) {
+        if (m_pPrimaryNode == node) {
+            m_pPrimaryNode = nullptr;
+        }
+        if (m_pSecondaryNode == node) {
+            m_pSecondaryNode = nullptr;
+        }
+    }
     m_iConnected = m_pPrimaryNode && m_pSecondaryNode && m_pPrimaryNode != m_pSecondaryNode &&
                            m_pPrimaryNode->m_EdgeList.Contains(this) &&
                            m_pSecondaryNode->m_EdgeList.Contains(this)

@@ -74,9 +74,26 @@ int CKWGraphNode::OnBeforeRelease() {
     return CKWSerialObject::OnBeforeRelease();
 }
 
+int CKWGraphNode::OnBeforeLoad(CKWDocument* document, CKWTypeManifest* manifest,
+                               IKWFieldStream* stream) {
+    m_bLoading = true;
+    return CKWSerialObject::OnBeforeLoad(document, manifest, stream);
+}
+
 void CKWGraphNode::OnAfterLoad(CKWDocument* document) {
     CKWSerialObject::OnAfterLoad(document);
-    for (CKWGraphEdge* edge : m_EdgeList) {
-        edge->SettleLoaded();
+    m_bLoading = false;
+    const std::vector<CKWGraphEdge*> held(m_EdgeList.begin(), m_EdgeList.end());
+    for (CKWGraphEdge* edge : held) {
+        if (edge->m_bLoading) {
+            edge->m_waitingNodes.push_back(this);
+        } else {
+            edge->MatchLoaded(this);
+        }
+    }
+    std::vector<CKWGraphEdge*> waiting;
+    waiting.swap(m_waitingEdges);
+    for (CKWGraphEdge* edge : waiting) {
+        edge->MatchLoaded(this);
     }
 }

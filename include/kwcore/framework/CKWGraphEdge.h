@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "kwcore/serial/CKWSerialObject.h"
 
@@ -56,14 +57,21 @@ protected:
     int OnInitialize() override;
     // A connected edge disconnects first; the release is refused when that fails.
     int OnBeforeRelease() override;
+    int OnBeforeLoad(CKWDocument* document, CKWTypeManifest* manifest,
+                     IKWFieldStream* stream) override;
     void OnAfterLoad(CKWDocument* document) override;
 
 private:
     friend class CKWGraphNode;
-    // After loading: connected when both nodes hold the edge.
-    void SettleLoaded();
+    // Once both the edge and node are loaded: an edge names only nodes that
+    // hold it and a node holds only edges that name it, whatever the archive
+    // said; the edge is connected when both its nodes hold it.
+    void MatchLoaded(CKWGraphNode* node);
 
     int m_iConnected = 0;
     std::uint16_t m_iVisitedSession = 0xFFFF;
     std::int16_t m_iDirection = BothWays;
+    // While loading: nodes that finished first and wait to be matched.
+    bool m_bLoading = false;
+    std::vector<CKWGraphNode*> m_waitingNodes;
 };

@@ -12,6 +12,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "kwcore/object/CKWObjPtrList.h"
 #include "kwcore/serial/CKWSerialObject.h"
@@ -44,7 +45,9 @@ protected:
     CKWGraphNode() = default;
 
     int OnBeforeRelease() override;
-    // A loaded node settles its edges' connected state.
+    int OnBeforeLoad(CKWDocument* document, CKWTypeManifest* manifest,
+                     IKWFieldStream* stream) override;
+    // A loaded node and its edges agree on what they hold (see CKWGraphEdge).
     void OnAfterLoad(CKWDocument* document) override;
 
 private:
@@ -56,4 +59,7 @@ private:
 
     // Never issued as a session number, so a new node counts as unvisited.
     std::uint16_t m_iVisitedSession = 0xFFFF;
+    // While loading: edges that finished first and wait to be matched.
+    bool m_bLoading = false;
+    std::vector<CKWGraphEdge*> m_waitingEdges;
 };
