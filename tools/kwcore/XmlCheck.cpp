@@ -2,9 +2,11 @@
 // system and reports what does not resolve.
 #include <algorithm>
 #include <cstdio>
-#include <set>
+#include <utility>
+#include <vector>
 
 #include "XmlInspect.h"
+#include "kwcore/object/CKWObjectTypeImpl.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/CKWDocument.h"
 #include "kwcore/serial/CKWFieldStream.h"
@@ -88,22 +90,27 @@ void CheckLinks(const SStoredDocument& document, const SStoredType& type, SCheck
 }
 
 // The loaded objects belong to the check: each stream of the document holds
-// the one read from it.
+// the one read from it. Some objects release others they own (a graph node
+// its edges), so each is looked up by its type again before it is released.
 void ReleaseLoadedObjects(CKWDocument* document) {
-    std::set<IKWObject*> loaded;
+    std::vector<std::pair<CKWObjectTypeImpl*, CKWGuid>> loaded;
     auto manifests = document->GetTypeManifestIterator();
     for (CKWTypeManifest* manifest = manifests.GetNext(1); manifest;
          manifest = manifests.GetNext(0)) {
         auto streams = manifest->GetInstanceFieldStreamIterator();
         for (CKWFieldStream* stream = streams.GetNext(1); stream; stream = streams.GetNext(0)) {
             if (IKWObject* object = stream->GetResult()) {
-                loaded.insert(object);
+                if (auto* type = dynamic_cast<CKWObjectTypeImpl*>(object->GetType())) {
+                    loaded.emplace_back(type, object->GetInstanceID());
+                }
                 stream->SetResult(nullptr);
             }
         }
     }
-    for (IKWObject* object : loaded) {
-        object->Release();
+    for (const auto& [type, instanceID] : loaded) {
+        if (IKWObject* object = type->FindInstance(instanceID)) {
+            object->Release();
+        }
     }
 }
 

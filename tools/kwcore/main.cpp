@@ -16,6 +16,7 @@ const Command kCommands[] = {
     {"types", "list the registered types as a tree by parent", RunTypesCommand},
 #if KWCORE_TOOL_XML
     {"xml", "inspect XML archive files, and save and load a sample model", RunXmlCommand},
+    {"graph", "save a sample graph to an XML archive, load it back and walk it", RunGraphCommand},
 #endif
 };
 
