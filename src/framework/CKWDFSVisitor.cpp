@@ -1,5 +1,6 @@
 #include "kwcore/framework/CKWDFSVisitor.h"
 
+#include <cstdint>
 #include <vector>
 
 #include "kwcore/framework/CKWGraphEdge.h"
@@ -11,36 +12,51 @@ KW_IMPLEMENT_TYPE(CKWDFSVisitor, "{797F206F-C5AD-4521-AD2F-64064A981555}",
 // The recursive pre-order walk, with the recursion kept in a stack of
 // (node, next edge) frames: a node is marked and recorded when first
 // reached, then its edges are taken in list order, each crossed at most once.
+// The marks and neighbours are those of WasVisited, SetVisited and
+// GetNeighbor, read in place: this loop is the hot path of every walk.
 int CKWDFSVisitor::VisitNode(CKWGraphNode* node) {
-    if (!node || node->WasVisited(this)) {
+    const std::uint16_t session = GetSessionID();
+    if (!node || node->m_iVisitedSession == session) {
         return 0;
     }
+    using Position = CKWObjPtrList<CKWGraphEdge>::List::const_iterator;
     struct Frame {
         CKWGraphNode* node;
-        CKWObjPtrList<CKWGraphEdge>::Iterator edges;
+        Position next;
+        Position end;
     };
     std::vector<Frame> stack;
-    node->SetVisited(this);
+    node->m_iVisitedSession = session;
     OnFirstVisit(node);
-    stack.push_back({node, node->GetEdgeIterator()});
+    stack.push_back({node, node->m_EdgeList.begin(), node->m_EdgeList.end()});
     while (!stack.empty()) {
         Frame& top = stack.back();
-        CKWGraphEdge* edge = top.edges.GetNext(0);
-        if (!edge) {
+        if (top.next == top.end) {
             stack.pop_back();
             continue;
         }
-        if (edge->WasVisited(this)) {
+        CKWGraphEdge* edge = *top.next++;
+        if (edge->m_iVisitedSession == session) {
             continue;
         }
-        edge->SetVisited(this);
-        CKWGraphNode* next = edge->GetNeighbor(top.node);
-        if (!next || next->WasVisited(this)) {
+        edge->m_iVisitedSession = session;
+        CKWGraphNode* next = nullptr;
+        const std::int16_t direction = edge->m_iDirection;
+        if (top.node == edge->m_pPrimaryNode) {
+            if (direction == CKWGraphEdge::BothWays || direction == CKWGraphEdge::ToSecondary) {
+                next = edge->m_pSecondaryNode;
+            }
+        } else if (top.node == edge->m_pSecondaryNode) {
+            if (direction == CKWGraphEdge::BothWays || direction == CKWGraphEdge::ToPrimary) {
+                next = edge->m_pPrimaryNode;
+            }
+        }
+        if (!next || next->m_iVisitedSession == session) {
             continue;
         }
-        next->SetVisited(this);
+        next->m_iVisitedSession = session;
         OnFirstVisit(next);
-        stack.push_back({next, next->GetEdgeIterator()});
+        stack.push_back({next, next->m_EdgeList.begin(), next->m_EdgeList.end()});
     }
     return 1;
 }

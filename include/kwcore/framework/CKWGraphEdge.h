@@ -63,6 +63,7 @@ protected:
 
 private:
     friend class CKWGraphNode;
+    friend class CKWDFSVisitor;
     // Once both the edge and node are loaded: an edge names only nodes that
     // hold it and a node holds only edges that name it, whatever the archive
     // said; the edge is connected when both its nodes hold it.

@@ -52,6 +52,7 @@ protected:
 
 private:
     friend class CKWGraphEdge;
+    friend class CKWDFSVisitor;
     // 1 when edge was added; 0 for null or an edge already held.
     int AddEdge(CKWGraphEdge* edge);
     // 1 when edge was held and is removed.
