@@ -211,5 +211,5 @@ void KwXmlLoad(benchmark::State& state) {
 BENCHMARK(KwDfs)->RangeMultiplier(10)->Range(10000, 1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(BoostDfs)->RangeMultiplier(10)->Range(10000, 1000000)->Unit(benchmark::kMillisecond);
 BENCHMARK(KwBuildAndRelease)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(KwXmlSave)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);
-BENCHMARK(KwXmlLoad)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(KwXmlSave)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);
+BENCHMARK(KwXmlLoad)->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond)->Iterations(1);

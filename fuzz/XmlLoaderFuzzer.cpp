@@ -148,8 +148,18 @@ void LoadArchive(CKWXMLFileArchive* archive) {
     for (IKWObject* object : loaded) {
         ReadFields(object);
     }
+    // Some objects release others they own (a graph node its edges), so each
+    // is looked up by its type again before it is released.
+    std::vector<std::pair<CKWObjectTypeImpl*, CKWGuid>> owned;
     for (IKWObject* object : loaded) {
-        object->Release();
+        if (auto* type = dynamic_cast<CKWObjectTypeImpl*>(object->GetType())) {
+            owned.emplace_back(type, object->GetInstanceID());
+        }
+    }
+    for (const auto& [type, instanceID] : owned) {
+        if (IKWObject* object = type->FindInstance(instanceID)) {
+            object->Release();
+        }
     }
     archive->Close();
 }
