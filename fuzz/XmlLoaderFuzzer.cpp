@@ -14,6 +14,8 @@
 #include <vector>
 #include <xercesc/util/PlatformUtils.hpp>
 
+#include "kwcore/framework/CKWGraphEdge.h"
+#include "kwcore/framework/CKWPreferences.h"
 #include "kwcore/object/CKWGuidMapIterator.h"
 #include "kwcore/object/CKWObjGuidPtrMap.h"
 #include "kwcore/object/CKWObjPtrList.h"
@@ -148,17 +150,24 @@ void LoadArchive(CKWXMLFileArchive* archive) {
     for (IKWObject* object : loaded) {
         ReadFields(object);
     }
-    // Some objects release others they own (a graph node its edges), so each
-    // is looked up by its type again before it is released.
-    std::vector<std::pair<CKWObjectTypeImpl*, CKWGuid>> owned;
+    // Objects that others own go with their owners or first: a released edge
+    // leaves its nodes' lists, a preference set releases its own sections.
+    std::set<IKWObject*> owned;
+    std::vector<IKWObject*> edges;
+    std::vector<IKWObject*> others;
     for (IKWObject* object : loaded) {
-        if (auto* type = dynamic_cast<CKWObjectTypeImpl*>(object->GetType())) {
-            owned.emplace_back(type, object->GetInstanceID());
+        if (auto* preferences = dynamic_cast<CKWPreferences*>(object)) {
+            for (const auto& entry : preferences->m_PreferenceSectionMap.GetMap()) {
+                owned.insert(entry.second);
+            }
         }
+        (dynamic_cast<CKWGraphEdge*>(object) ? edges : others).push_back(object);
     }
-    for (const auto& [type, instanceID] : owned) {
-        if (IKWObject* object = type->FindInstance(instanceID)) {
-            object->Release();
+    for (const std::vector<IKWObject*>* group : {&edges, &others}) {
+        for (IKWObject* object : *group) {
+            if (!owned.count(object)) {
+                object->Release();
+            }
         }
     }
     archive->Close();

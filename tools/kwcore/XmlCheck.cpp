@@ -2,11 +2,12 @@
 // system and reports what does not resolve.
 #include <algorithm>
 #include <cstdio>
-#include <utility>
+#include <set>
 #include <vector>
 
 #include "XmlInspect.h"
-#include "kwcore/object/CKWObjectTypeImpl.h"
+#include "kwcore/framework/CKWGraphEdge.h"
+#include "kwcore/framework/CKWPreferences.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/CKWDocument.h"
 #include "kwcore/serial/CKWFieldStream.h"
@@ -90,26 +91,38 @@ void CheckLinks(const SStoredDocument& document, const SStoredType& type, SCheck
 }
 
 // The loaded objects belong to the check: each stream of the document holds
-// the one read from it. Some objects release others they own (a graph node
-// its edges), so each is looked up by its type again before it is released.
+// the one read from it.
 void ReleaseLoadedObjects(CKWDocument* document) {
-    std::vector<std::pair<CKWObjectTypeImpl*, CKWGuid>> loaded;
+    std::set<IKWObject*> loaded;
     auto manifests = document->GetTypeManifestIterator();
     for (CKWTypeManifest* manifest = manifests.GetNext(1); manifest;
          manifest = manifests.GetNext(0)) {
         auto streams = manifest->GetInstanceFieldStreamIterator();
         for (CKWFieldStream* stream = streams.GetNext(1); stream; stream = streams.GetNext(0)) {
             if (IKWObject* object = stream->GetResult()) {
-                if (auto* type = dynamic_cast<CKWObjectTypeImpl*>(object->GetType())) {
-                    loaded.emplace_back(type, object->GetInstanceID());
-                }
+                loaded.insert(object);
                 stream->SetResult(nullptr);
             }
         }
     }
-    for (const auto& [type, instanceID] : loaded) {
-        if (IKWObject* object = type->FindInstance(instanceID)) {
-            object->Release();
+    // Objects that others own go with their owners or first: a released edge
+    // leaves its nodes' lists, a preference set releases its own sections.
+    std::set<IKWObject*> owned;
+    std::vector<IKWObject*> edges;
+    std::vector<IKWObject*> others;
+    for (IKWObject* object : loaded) {
+        if (auto* preferences = dynamic_cast<CKWPreferences*>(object)) {
+            for (const auto& entry : preferences->m_PreferenceSectionMap.GetMap()) {
+                owned.insert(entry.second);
+            }
+        }
+        (dynamic_cast<CKWGraphEdge*>(object) ? edges : others).push_back(object);
+    }
+    for (const std::vector<IKWObject*>* group : {&edges, &others}) {
+        for (IKWObject* object : *group) {
+            if (!owned.count(object)) {
+                object->Release();
+            }
         }
     }
 }
