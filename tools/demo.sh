@@ -88,3 +88,12 @@ run xml inspect --check "$model"
 section "The same archive without the frame's name: the check says what does not load"
 grep -v 'V="frame"' "$model" >"$work/damaged.xml"
 run xml inspect --check "$work/damaged.xml" || echo "(exit status $?)"
+
+section "A graph with a cycle and a one-way line, saved from one station and loaded from another"
+graph=$work/stations.xml
+run graph demo "$graph"
+section "Walked from Park, and from Airport, against the one-way line"
+run graph demo --from Park "$graph" | grep 'depth first'
+run graph demo --from Airport "$graph" | grep 'depth first'
+section "Every station and line in the file loads"
+run xml inspect --check "$graph"

@@ -58,6 +58,17 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/KWSerialTypeMacros.h"
 
+// Application framework: graphs and visitors, preferences.
+#include "kwcore/framework/CKWDFSVisitor.h"
+#include "kwcore/framework/CKWFilteredDFSVisitor.h"
+#include "kwcore/framework/CKWGraphEdge.h"
+#include "kwcore/framework/CKWGraphNode.h"
+#include "kwcore/framework/CKWGraphNodeVisitorImpl.h"
+#include "kwcore/framework/CKWPreferenceSection.h"
+#include "kwcore/framework/CKWPreferences.h"
+#include "kwcore/framework/CKWReleaseVisitor.h"
+#include "kwcore/framework/IKWGraphNodeVisitor.h"
+
 // Framework: observers, models and views; tools and tool events.
 #include "kwcore/framework/CKWFocusEvent.h"
 #include "kwcore/framework/CKWMDIChildWnd.h"

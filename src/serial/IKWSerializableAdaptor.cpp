@@ -1,5 +1,6 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 
+#include "KWSerialRoad.h"
 #include "KWSerialRoads.h"
 #include "kwcore/serial/CKWObjFieldT.h"
 #include "kwcore/serial/CKWSerialObjectTypeImpl.h"
@@ -13,29 +14,13 @@ int FieldFlags(IKWFieldData* data) {
     return field ? field->GetFlags() : 0;
 }
 
-CKWTypeManifest* ManifestForSave(CKWDocument* document, IKWObjectType* type) {
-    CKWTypeManifest* manifest = KWFindManifest(document, type->GetID());
-    return manifest ? manifest : document->CreateTypeManifest(type->GetID(), nullptr);
-}
-
-IKWFieldStream* StreamForSave(CKWTypeManifest* manifest, const CKWGuid& instanceID) {
-    if (IKWFieldStream* stream = KWFindStream(manifest, instanceID)) {
-        return stream;
-    }
-    CKWFieldStream* created = manifest->CreateFieldStream(instanceID, nullptr);
-    return created ? static_cast<IKWFieldStream*>(created->GetInterface(IID_IKWFieldStream))
-                   : nullptr;
-}
-
 }  // namespace
 
 int KWSaveLinkedObject(IKWFieldStream* stream, IKWObject* object) {
     if (!object) {
         return 1;
     }
-    auto* adaptor =
-        static_cast<IKWSerializableAdaptor*>(object->GetInterface(IID_IKWSerializableAdaptor));
-    return adaptor ? adaptor->SerializeTo(stream->GetDocument()) : 1;
+    return stream ? KWSerialRoad::SaveLinked(stream, object) : 0;
 }
 
 int IKWSerializableAdaptor::AddFieldData(IKWFieldData* fieldData) {
@@ -66,39 +51,10 @@ void IKWSerializableAdaptor::ReleaseFieldData() {
     m_fieldData.clear();
 }
 
-// The object is marked as written before its fields are, so a link cycle back
-// to it ends at the session check instead of writing it again.
+// Saves the object and, through its links, the graph behind it; the links
+// are followed from a work list, not by recursion (KWSerialRoad.h).
 int IKWSerializableAdaptor::SerializeTo(CKWDocument* document) {
-    IKWObject* object = GetThisObject();
-    IKWObjectType* type = object ? object->GetType() : nullptr;
-    if (!document || !type) {
-        return 0;
-    }
-    CKWTypeManifest* manifest = ManifestForSave(document, type);
-    if (!manifest) {
-        return 0;
-    }
-    if (!manifest->TypeHeaderIsWritten()) {
-        manifest->WriteTypeHeader(type);
-    }
-    IKWFieldStream* stream = StreamForSave(manifest, object->GetInstanceID());
-    if (!stream) {
-        return 0;
-    }
-    const CKWGuid session = document->GetSerialSessionID();
-    if (stream->ObjectHasBeenSerialized(session)) {
-        return 1;
-    }
-    OnBeforeSave(document, manifest, stream);
-    if (!stream->WriteObjectHeader(object)) {
-        return 0;
-    }
-    stream->SetObjectSerialized(session);
-    if (!SerializeFieldDataTo(stream)) {
-        return 0;
-    }
-    OnAfterSave(document);
-    return 1;
+    return KWSerialRoad::Save(document, this);
 }
 
 int IKWSerializableAdaptor::SerializeFrom(CKWDocument* document, CKWTypeManifest* manifest,
@@ -122,21 +78,7 @@ int IKWSerializableAdaptor::SerializeFrom(CKWDocument* document, CKWTypeManifest
 
 int IKWSerializableAdaptor::ReadFrom(CKWDocument* document, CKWTypeManifest* manifest,
                                      IKWFieldStream* stream) {
-    const CKWGuid session = document->GetSerialSessionID();
-    if (stream->ObjectHasBeenSerialized(session)) {
-        return 1;
-    }
-    // Links back to this object resolve to it, not to a second copy.
-    if (!stream->GetResult()) {
-        stream->SetResult(GetThisObject());
-    }
-    OnBeforeLoad(document, manifest, stream);
-    if (!stream->ReadObjectHeader(GetThisObject()) || !SerializeFieldDataFrom(stream)) {
-        return 0;
-    }
-    OnAfterLoad(document);
-    stream->SetObjectSerialized(session);
-    return 1;
+    return KWSerialRoad::Load(document, this, manifest, stream);
 }
 
 void IKWSerializableAdaptor::SetParentField(IKWFieldData* parent) {

@@ -20,6 +20,7 @@ int RunTypesCommand(const Arguments& args);
 int RunXmlCommand(const Arguments& args);
 int RunGeomCommand(const Arguments& args);
 int RunTriangulateCommand(const Arguments& args);
+int RunGraphCommand(const Arguments& args);
 
 // True when the arguments ask for help ("--help" or "-h").
 bool WantsHelp(const Arguments& args);

@@ -3,8 +3,11 @@
 #include <algorithm>
 #include <cstdio>
 #include <set>
+#include <vector>
 
 #include "XmlInspect.h"
+#include "kwcore/framework/CKWGraphEdge.h"
+#include "kwcore/framework/CKWPreferences.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/CKWDocument.h"
 #include "kwcore/serial/CKWFieldStream.h"
@@ -102,8 +105,25 @@ void ReleaseLoadedObjects(CKWDocument* document) {
             }
         }
     }
+    // Objects that others own go with their owners or first: a released edge
+    // leaves its nodes' lists, a preference set releases its own sections.
+    std::set<IKWObject*> owned;
+    std::vector<IKWObject*> edges;
+    std::vector<IKWObject*> others;
     for (IKWObject* object : loaded) {
-        object->Release();
+        if (auto* preferences = dynamic_cast<CKWPreferences*>(object)) {
+            for (const auto& entry : preferences->m_PreferenceSectionMap.GetMap()) {
+                owned.insert(entry.second);
+            }
+        }
+        (dynamic_cast<CKWGraphEdge*>(object) ? edges : others).push_back(object);
+    }
+    for (const std::vector<IKWObject*>* group : {&edges, &others}) {
+        for (IKWObject* object : *group) {
+            if (!owned.count(object)) {
+                object->Release();
+            }
+        }
     }
 }
 

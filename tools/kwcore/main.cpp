@@ -18,6 +18,7 @@ const Command kCommands[] = {
     {"triangulate", "triangulate a polygon with holes, and draw it", RunTriangulateCommand},
 #if KWCORE_TOOL_XML
     {"xml", "inspect XML archive files, and save and load a sample model", RunXmlCommand},
+    {"graph", "save a sample graph to an XML archive, load it back and walk it", RunGraphCommand},
 #endif
 };
 

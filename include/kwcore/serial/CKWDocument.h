@@ -11,14 +11,14 @@
 //   // ... every object reachable from root was loaded with it
 #pragma once
 
-#include <set>
-
 #include "kwcore/object/CKWObjGuidPtrMap.h"
 #include "kwcore/object/CKWObjectImpl.h"
 
 class CKWTypeManifest;
 class IKWFieldStream;
 class IKWSerializableAdaptor;
+struct KWLoadWork;
+struct KWSaveWork;
 
 class KWCORE_API CKWDocument : public CKWObjectImpl {
     KW_DECLARE_TYPE(CKWDocument, CKWObjectTypeImpl)
@@ -54,13 +54,14 @@ protected:
     int OnBeforeRelease() override;
 
 private:
+    friend struct KWSerialRoad;
+
     CKWTypeManifest* FindOrCreateManifest(const CKWGuid& typeID);
-    IKWObject* ReadObject(IKWObjectType* type, CKWTypeManifest* manifest, IKWFieldStream* stream,
-                          const CKWGuid& instanceID);
 
     CKWObjGuidPtrMap<CKWTypeManifest> m_manifests;
     CKWGuid m_sessionID;
-    // Objects being read, and those of them another object already links to.
-    std::set<IKWObject*> m_reading;
-    std::set<IKWObject*> m_linkedWhileReading;
+    // The save and the load under way on this document, if any: the objects
+    // they still have to follow, kept off the call stack.
+    KWSaveWork* m_pSaveWork = nullptr;
+    KWLoadWork* m_pLoadWork = nullptr;
 };

@@ -11,6 +11,7 @@
 //   T*                                    a link        (CKWObjFieldT)
 //   CKWObjPtrList<T>, CKWObjGuidPtrMap<T> links         (CKWObjCollectionFieldT)
 // Any other member type, or a member of an unrelated class, does not compile.
+// KW_FIELD_NAMED gives the field a name and description of its own.
 // The fields of serializable base classes come first in the table.
 //
 //   // MyPart.h
@@ -88,7 +89,8 @@ public:
         : m_pOrigin(origin), m_pTable(table) {}
 
     template <auto Member>
-    void Add(const char* name, const CKWGuid& fieldID, const CKWGuid& dataTypeID, int flags) {
+    void Add(const char* name, const CKWGuid& fieldID, const CKWGuid& dataTypeID, int flags,
+             const char* description = nullptr) {
         using Access = CKWFieldMember<Member>;
         static_assert(std::is_base_of_v<typename Access::ClassType, Owner>,
                       "a field is a member of its own class or of a base class");
@@ -98,7 +100,7 @@ public:
             return;
         }
         field->SetName(name);
-        field->SetDescription(name);
+        field->SetDescription(description ? description : name);
         field->SetFieldID(fieldID);
         field->SetDataTypeID(dataTypeID);
         field->SetFlags(flags);
@@ -141,5 +143,10 @@ public:
 #define KW_FIELD(Member, FieldID, DataTypeID, Flags)                                 \
     kwFields.Add<&decltype(kwFields)::OwnerClass::Member>(#Member, CKWGuid(FieldID), \
                                                           CKWGuid(DataTypeID), Flags);
+
+// A field shown under a name and description of its own rather than the member's.
+#define KW_FIELD_NAMED(Member, Name, Description, FieldID, DataTypeID, Flags) \
+    kwFields.Add<&decltype(kwFields)::OwnerClass::Member>(                    \
+        Name, CKWGuid(FieldID), CKWGuid(DataTypeID), Flags, Description);
 
 #define KW_END_FIELDS() }

@@ -1,0 +1,30 @@
+// The save and load roads of whole object graphs, driven by an explicit work
+// list instead of recursion, so graphs of any depth (a chain of a million
+// linked objects) are saved and loaded on an ordinary thread stack.
+//
+// Saving: an object's fields are written one at a time; the objects a field
+// links to are queued while it is written and saved, each with everything it
+// links to, before the next field: the order of recursive saving, so files
+// come out the same. Loading: a field that meets links to objects not read
+// yet is read again once those objects were read (each with everything it
+// links to), so every link resolves as it would with recursive loading.
+#pragma once
+
+#include "kwcore/serial/CKWDocument.h"
+
+class IKWSerializableAdaptor;
+class IKWFieldStream;
+
+struct KWSerialRoad {
+    // Saves the object and everything it links to; 1 on success.
+    static int Save(CKWDocument* document, IKWSerializableAdaptor* adaptor);
+    // A link met while a field is written: queued during a save of the
+    // stream's document, saved at once otherwise.
+    static int SaveLinked(IKWFieldStream* stream, IKWObject* object);
+    // Reads an existing object from its stream, and everything it links to.
+    static int Load(CKWDocument* document, IKWSerializableAdaptor* adaptor,
+                    CKWTypeManifest* manifest, IKWFieldStream* stream);
+    // CKWDocument::GetObjectA.
+    static IKWObject* GetObject(CKWDocument* document, const CKWGuid& typeID,
+                                const CKWGuid& instanceID);
+};

@@ -1,0 +1,79 @@
+#include "GraphTestTypes.h"
+
+#include "kwcore/object/CKWTypeSystem.h"
+
+KW_IMPLEMENT_SERIAL_TYPE(COneWayEdge, "{1B8D4F62-7C3E-4091-8D2F-3E4A5B6C7D81}",
+                         "{48F087FA-103C-4BB3-8197-06B52EEA4757}")
+KW_BEGIN_FIELDS(COneWayEdge)
+KW_END_FIELDS()
+
+KW_IMPLEMENT_SERIAL_TYPE(CCityNode, kCityTypeID, "{4E82A8F0-B483-47FE-BE4A-2C72C1A39F63}")
+KW_BEGIN_FIELDS(CCityNode)
+KW_END_FIELDS()
+
+KW_IMPLEMENT_TYPE(CRecordingVisitor, "{2C9E5A73-8D4F-41A2-9E3A-4F5B6C7D8E92}",
+                  "{797F206F-C5AD-4521-AD2F-64064A981555}")
+
+int COneWayEdge::OnInitialize() {
+    if (!CKWGraphEdge::OnInitialize()) {
+        return 0;
+    }
+    SetDirection(ToSecondary);
+    return 1;
+}
+
+int CRecordingVisitor::AddToDFSList(CKWGraphNode* node) {
+    m_calls.push_back(node);
+    if (m_bStartInside) {
+        m_nestedStarts.push_back(Start(node));
+    }
+    return CKWDFSVisitor::AddToDFSList(node);
+}
+
+CKWGraphNode* NewNode() {
+    return NewObject<CKWGraphNode>(CKWGraphNode::GetCKWGraphNodeType());
+}
+
+CKWGraphEdge* Join(CKWGraphNode* primary, CKWGraphNode* secondary, IKWObjectType* edgeType) {
+    auto* edge = NewObject<CKWGraphEdge>(edgeType ? edgeType : CKWGraphEdge::GetCKWGraphEdgeType());
+    if (edge && edge->SetNodes(primary, secondary) && edge->Connect()) {
+        return edge;
+    }
+    if (edge) {
+        edge->Release();
+    }
+    return nullptr;
+}
+
+namespace {
+IKWObjectType* const kGraphTypes[] = {CKWGraphEdge::GetCKWGraphEdgeType(),
+                                      COneWayEdge::GetCOneWayEdgeType(),
+                                      CKWGraphNode::GetCKWGraphNodeType(),
+                                      CCityNode::GetCCityNodeType(),
+                                      CKWDFSVisitor::GetCKWDFSVisitorType(),
+                                      CKWFilteredDFSVisitor::GetCKWFilteredDFSVisitorType(),
+                                      CKWReleaseVisitor::GetCKWReleaseVisitorType(),
+                                      CRecordingVisitor::GetCRecordingVisitorType(),
+                                      CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType()};
+}  // namespace
+
+void ReleaseAllGraphObjects() {
+    for (IKWObjectType* type : kGraphTypes) {
+        static_cast<CKWObjectTypeImpl*>(type)->ReleaseInstances();
+    }
+}
+
+int LiveGraphObjects() {
+    int live = 0;
+    for (IKWObjectType* type : kGraphTypes) {
+        live += static_cast<CKWObjectTypeImpl*>(type)->GetInstanceCount();
+    }
+    return live;
+}
+
+// The test program is a host: it collects its types once they exist.
+namespace {
+struct CollectGraphTestTypes {
+    CollectGraphTestTypes() { CKWTypeSystem::Initialize("{3DAF6B84-9E5A-42B3-AF4B-5A6C7D8E9FA3}"); }
+} s_collectGraphTestTypes;
+}  // namespace

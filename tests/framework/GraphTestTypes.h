@@ -1,0 +1,56 @@
+// Graph classes derived the way a host derives them, and helpers that build
+// graphs, for the graph and visitor tests.
+#pragma once
+
+#include <vector>
+
+#include "kwcore/framework/CKWDFSVisitor.h"
+#include "kwcore/framework/CKWFilteredDFSVisitor.h"
+#include "kwcore/framework/CKWGraphEdge.h"
+#include "kwcore/framework/CKWGraphNode.h"
+#include "kwcore/framework/CKWReleaseVisitor.h"
+
+inline constexpr const char* kCityTypeID = "{0A7C3E51-6B2D-4F80-9C1E-2D3F4A5B6C70}";
+
+// An edge that may be crossed only from its primary to its secondary node.
+class COneWayEdge : public CKWGraphEdge {
+    KW_DECLARE_SERIAL_TYPE(COneWayEdge)
+
+protected:
+    COneWayEdge() = default;
+    int OnInitialize() override;
+};
+
+// A node subclass, for filtered walks.
+class CCityNode : public CKWGraphNode {
+    KW_DECLARE_SERIAL_TYPE(CCityNode)
+
+protected:
+    CCityNode() = default;
+};
+
+// Records every AddToDFSList call; can start a nested traversal from it.
+class CRecordingVisitor : public CKWDFSVisitor {
+    KW_DECLARE_TYPE(CRecordingVisitor, CKWObjectTypeImpl)
+
+public:
+    std::vector<CKWGraphNode*> m_calls;
+    bool m_bStartInside = false;
+    std::vector<int> m_nestedStarts;
+
+protected:
+    CRecordingVisitor() = default;
+    int AddToDFSList(CKWGraphNode* node) override;
+};
+
+template <class T>
+T* NewObject(IKWObjectType* type) {
+    return dynamic_cast<T*>(type->CreateInstance(CKWGuid()));
+}
+CKWGraphNode* NewNode();
+// A connected two-way edge (or one of edgeType), or null when it cannot connect.
+CKWGraphEdge* Join(CKWGraphNode* primary, CKWGraphNode* secondary,
+                   IKWObjectType* edgeType = nullptr);
+// Releases every graph object and visitor alive.
+void ReleaseAllGraphObjects();
+int LiveGraphObjects();

@@ -1,0 +1,176 @@
+// Visitors: sessions, the traversal lock, depth-first order, filters and release.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "GraphTestTypes.h"
+
+namespace {
+
+std::vector<CKWGraphNode*> Recorded(const CKWDFSVisitor* visitor) {
+    std::vector<CKWGraphNode*> nodes;
+    auto it = visitor->GetDFSNodeIterator();
+    for (CKWGraphNode* n = it.GetNext(1); n; n = it.GetNext(0)) {
+        nodes.push_back(n);
+    }
+    return nodes;
+}
+
+class Visitors : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_dfs = NewObject<CKWDFSVisitor>(CKWDFSVisitor::GetCKWDFSVisitorType());
+        ASSERT_NE(m_dfs, nullptr);
+        for (CKWGraphNode*& n : m_n) {
+            n = NewNode();
+        }
+    }
+    void TearDown() override {
+        ReleaseAllGraphObjects();
+        EXPECT_EQ(LiveGraphObjects(), 0);
+    }
+    std::vector<CKWGraphNode*> Walk(CKWGraphNode* from) {
+        m_dfs->ClearDFSNodeList();
+        EXPECT_EQ(m_dfs->Start(from), 1);
+        return Recorded(m_dfs);
+    }
+
+    CKWDFSVisitor* m_dfs = nullptr;
+    CKWGraphNode* m_n[6] = {};
+};
+
+TEST_F(Visitors, ACycleIsRecordedOnceInPreOrder) {
+    ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[1], m_n[2]) && Join(m_n[2], m_n[0]));
+    EXPECT_EQ(Walk(m_n[0]), (std::vector<CKWGraphNode*>{m_n[0], m_n[1], m_n[2]}));
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(m_n[i]->WasVisited(m_dfs));
+        EXPECT_TRUE(m_n[i]->GetEdge(0)->WasVisited(m_dfs));
+    }
+    EXPECT_FALSE(m_n[3]->WasVisited(m_dfs));
+}
+
+TEST_F(Visitors, TheWalkGoesDeepFirstAndTakesEdgesInListOrder) {
+    // 0 - 1 - 3, 0 - 2 - 4, 1 - 4, 2 - 5: recursion from 0 gives 0 1 3 4 2 5.
+    ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[0], m_n[2]) && Join(m_n[1], m_n[3]) &&
+                Join(m_n[1], m_n[4]) && Join(m_n[4], m_n[2]) && Join(m_n[2], m_n[5]));
+    EXPECT_EQ(Walk(m_n[0]),
+              (std::vector<CKWGraphNode*>{m_n[0], m_n[1], m_n[3], m_n[4], m_n[2], m_n[5]}));
+    EXPECT_EQ(Walk(m_n[5]),
+              (std::vector<CKWGraphNode*>{m_n[5], m_n[2], m_n[0], m_n[1], m_n[3], m_n[4]}));
+    std::vector<CKWGraphNode*> reversed;
+    auto it = m_dfs->GetDFSNodeReverseIterator();
+    for (CKWGraphNode* n = it.GetNext(1); n; n = it.GetNext(0)) {
+        reversed.push_back(n);
+    }
+    EXPECT_EQ(reversed,
+              (std::vector<CKWGraphNode*>{m_n[4], m_n[3], m_n[1], m_n[0], m_n[2], m_n[5]}));
+    EXPECT_EQ(m_dfs->GetDFSNodeCollection()->GetCount(), 6);
+}
+
+TEST_F(Visitors, AOneWayEdgeIsCrossedOnlyForwardButMarkedFromBothSides) {
+    CKWGraphEdge* edge = Join(m_n[0], m_n[1], COneWayEdge::GetCOneWayEdgeType());
+    ASSERT_NE(edge, nullptr);
+    EXPECT_EQ(Walk(m_n[0]), (std::vector<CKWGraphNode*>{m_n[0], m_n[1]}));
+    EXPECT_EQ(Walk(m_n[1]), (std::vector<CKWGraphNode*>{m_n[1]}));
+    EXPECT_TRUE(edge->WasVisited(m_dfs));
+    EXPECT_FALSE(m_n[0]->WasVisited(m_dfs));
+}
+
+TEST_F(Visitors, StartDoesNotClearTheRecordedNodes) {
+    ASSERT_TRUE(Join(m_n[0], m_n[1]));
+    ASSERT_EQ(m_dfs->Start(m_n[0]), 1);
+    ASSERT_EQ(m_dfs->Start(m_n[2]), 1);
+    EXPECT_EQ(Recorded(m_dfs), (std::vector<CKWGraphNode*>{m_n[0], m_n[1], m_n[2]}));
+    EXPECT_EQ(m_dfs->Start(nullptr), 0);
+    EXPECT_EQ(m_dfs->VisitNode(nullptr), 0);
+}
+
+TEST_F(Visitors, ThePlainVisitorMarksOnlyTheStartNode) {
+    auto* plain = NewObject<CKWGraphNodeVisitorImpl>(
+        CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType());
+    ASSERT_TRUE(Join(m_n[0], m_n[1]));
+    ASSERT_EQ(plain->Start(m_n[0]), 1);
+    EXPECT_TRUE(m_n[0]->WasVisited(plain));
+    EXPECT_FALSE(m_n[1]->WasVisited(plain));
+    EXPECT_EQ(plain->VisitNode(m_n[0]), 0);
+    EXPECT_EQ(plain->VisitNode(m_n[1]), 1);
+    EXPECT_FALSE(m_n[0]->WasVisited(nullptr));
+}
+
+TEST_F(Visitors, SessionNumbersAdvanceModulo65535) {
+    auto* plain = NewObject<CKWGraphNodeVisitorImpl>(
+        CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType());
+    ASSERT_EQ(plain->Start(m_n[0]), 1);
+    const unsigned first = plain->GetSessionID();
+    ASSERT_EQ(m_dfs->Start(m_n[1]), 1);
+    EXPECT_EQ(m_dfs->GetSessionID(), (first + 1) % 65535);  // one counter for all visitors
+    // 65535 starts later the number comes back, and the old mark counts again.
+    for (int i = 0; i < 65534; ++i) {
+        ASSERT_EQ(m_dfs->Start(m_n[2]), 1);
+    }
+    EXPECT_EQ(m_dfs->GetSessionID(), first);
+    EXPECT_TRUE(m_n[0]->WasVisited(m_dfs));
+    // Somewhere in that run the number was 0 and never 65535.
+    EXPECT_LT(m_dfs->GetSessionID(), 65535);
+}
+
+TEST_F(Visitors, NoTraversalStartsInsideAnother) {
+    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    ASSERT_TRUE(Join(m_n[0], m_n[1]));
+    recorder->m_bStartInside = true;
+    ASSERT_EQ(recorder->Start(m_n[0]), 1);
+    EXPECT_EQ(recorder->m_nestedStarts, (std::vector<int>{0, 0}));
+    EXPECT_FALSE(CKWGraphNodeVisitorImpl::IsLocked());
+    EXPECT_EQ(m_dfs->Start(m_n[0]), 1);  // unlocked again
+}
+
+TEST_F(Visitors, SubclassesSeeOneAddToDFSListCallPerNodeInVisitingOrder) {
+    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[0], m_n[2]) && Join(m_n[1], m_n[2]));
+    ASSERT_EQ(recorder->Start(m_n[2]), 1);
+    EXPECT_EQ(recorder->m_calls, (std::vector<CKWGraphNode*>{m_n[2], m_n[0], m_n[1]}));
+}
+
+TEST_F(Visitors, TheFilterLimitsWhatIsRecordedNotHowFarTheWalkGoes) {
+    auto* filtered =
+        NewObject<CKWFilteredDFSVisitor>(CKWFilteredDFSVisitor::GetCKWFilteredDFSVisitorType());
+    auto* city = NewObject<CCityNode>(CCityNode::GetCCityNodeType());
+    ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[1], city));
+    EXPECT_EQ(filtered->Start(m_n[0]), 0);  // no seek types
+    EXPECT_FALSE(m_n[0]->WasVisited(filtered));
+    filtered->AddSeekType(CKWGuid(kCityTypeID));
+    ASSERT_EQ(filtered->Start(m_n[0]), 1);
+    EXPECT_EQ(Recorded(filtered), (std::vector<CKWGraphNode*>{city}));
+    filtered->ClearDFSNodeList();
+    filtered->AddSeekType(CKWGraphNode::GetCKWGraphNodeType()->GetID());
+    ASSERT_EQ(filtered->Start(m_n[0]), 1);  // subclasses count as nodes
+    EXPECT_EQ(Recorded(filtered), (std::vector<CKWGraphNode*>{m_n[0], m_n[1], city}));
+    filtered->ClearSeekTypes();
+    EXPECT_EQ(filtered->Start(m_n[0]), 0);
+}
+
+TEST_F(Visitors, TheReleaseVisitorReleasesWhatIsReachableAndNothingElse) {
+    auto* releaser = NewObject<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[1], m_n[2]) && Join(m_n[2], m_n[0]));
+    ASSERT_TRUE(Join(m_n[3], m_n[0], COneWayEdge::GetCOneWayEdgeType()));
+    ASSERT_EQ(releaser->Start(m_n[0]), 1);
+    EXPECT_EQ(releaser->GetDFSNodeCollection()->GetCount(), 0);
+    EXPECT_EQ(CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount(), 3);  // 3, 4, 5
+    EXPECT_EQ(CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount(), 0);
+    EXPECT_EQ(COneWayEdge::GetCOneWayEdgeType()->GetInstanceCount(), 0);
+    EXPECT_EQ(m_n[3]->m_EdgeList.GetCount(), 0);
+    EXPECT_EQ(releaser->Start(nullptr), 0);
+}
+
+TEST_F(Visitors, VisitorTypesNameTheirParents) {
+    EXPECT_EQ(CKWDFSVisitor::GetCKWDFSVisitorType()->GetParentTypeID(),
+              CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType()->GetID());
+    EXPECT_EQ(CKWReleaseVisitor::GetCKWReleaseVisitorType()->GetParentTypeID(),
+              CKWDFSVisitor::GetCKWDFSVisitorType()->GetID());
+    EXPECT_EQ(CKWFilteredDFSVisitor::GetCKWFilteredDFSVisitorType()->GetID(),
+              CKWGuid("{BD386A1D-1C52-4A9C-A66F-B563BBCC61B1}"));
+    EXPECT_EQ(CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType()->GetParentTypeID(),
+              CKWGuid("{3719246B-C3B0-4AE9-9723-6E998C42484A}"));
+}
+
+}  // namespace

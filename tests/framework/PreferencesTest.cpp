@@ -1,0 +1,93 @@
+// Preference sets and sections: fields, new values, lookup and ownership.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "kwcore/framework/CKWPreferences.h"
+#include "kwcore/serial/IKWField.h"
+#include "kwcore/serial/IKWFieldData.h"
+
+namespace {
+
+class Preferences : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_set = dynamic_cast<CKWPreferences*>(
+            CKWPreferences::GetCKWPreferencesType()->CreateInstance(CKWGuid()));
+        ASSERT_NE(m_set, nullptr);
+    }
+    void TearDown() override {
+        CKWPreferences::GetCKWPreferencesType()->ReleaseInstances();
+        CKWPreferenceSection::GetCKWPreferenceSectionType()->ReleaseInstances();
+    }
+    static int LiveSections() {
+        return CKWPreferenceSection::GetCKWPreferenceSectionType()->GetInstanceCount();
+    }
+
+    CKWPreferences* m_set = nullptr;
+};
+
+TEST_F(Preferences, ANewSectionIsNamedAndDescribedAPreferenceSection) {
+    CKWPreferenceSection* section = m_set->AddNewSection("Display");
+    ASSERT_NE(section, nullptr);
+    EXPECT_EQ(std::string(section->m_Name), "Display");
+    EXPECT_EQ(std::string(section->m_Description), "A Preference Section");
+    auto* fresh = dynamic_cast<CKWPreferenceSection*>(
+        CKWPreferenceSection::GetCKWPreferenceSectionType()->CreateInstance(CKWGuid()));
+    ASSERT_NE(fresh, nullptr);
+    IKWFieldData* name = fresh->GetFieldData(CKWGuid("{FCB6CEF7-3A8C-4CD8-A1F8-77DDCFF0C92E}"));
+    IKWFieldData* text = fresh->GetFieldData(CKWGuid("{4BE98F65-D593-4411-8A56-F0E62A554F5C}"));
+    ASSERT_TRUE(name && text);
+    EXPECT_EQ(std::string(name->GetStringValue()), "A Preference Section");
+    EXPECT_EQ(std::string(text->GetStringValue()), "A Preference Section");
+    EXPECT_EQ(std::string(name->GetField()->GetName()), "Name");
+    EXPECT_EQ(std::string(name->GetField()->GetDescription()),
+              "The name of this Preference Section");
+    EXPECT_EQ(std::string(text->GetField()->GetDescription()),
+              "The description of this Preference Section");
+    EXPECT_EQ(name->GetField()->GetDataTypeID(), CKWGuid("{9FD8ACE1-6007-4A97-BB0A-01A0E7999305}"));
+    ASSERT_EQ(name->SetValueFromString("Units"), 1);
+    EXPECT_EQ(std::string(fresh->m_Name), "Units");
+    fresh->Release();
+}
+
+TEST_F(Preferences, TheSetFindsAddsAndRemovesSections) {
+    CKWPreferenceSection* display = m_set->AddNewSection("Display");
+    CKWPreferenceSection* units = m_set->AddNewSection("Units");
+    ASSERT_TRUE(display && units);
+    EXPECT_EQ(m_set->GetSectionCount(), 2);
+    EXPECT_EQ(m_set->FindSection("Units"), units);
+    EXPECT_EQ(m_set->FindSection("Colours"), nullptr);
+    EXPECT_EQ(m_set->GetSection(display->GetInstanceID()), display);
+    EXPECT_EQ(m_set->AddSection(display), 0);
+    EXPECT_EQ(m_set->AddSection(nullptr), 0);
+    ASSERT_EQ(m_set->RemoveSection(units), 1);  // handed back
+    EXPECT_EQ(m_set->RemoveSection(units), 0);
+    EXPECT_EQ(m_set->FindSection("Units"), nullptr);
+    EXPECT_EQ(LiveSections(), 2);
+    units->Release();
+    EXPECT_EQ(m_set->RemoveSection(nullptr), 0);
+    // A type that is not a section makes nothing and leaves nothing behind.
+    EXPECT_EQ(m_set->AddNewSection("x", CKWPreferences::GetCKWPreferencesType()), nullptr);
+    EXPECT_EQ(CKWPreferences::GetCKWPreferencesType()->GetInstanceCount(), 1);
+}
+
+TEST_F(Preferences, ReleasingTheSetReleasesItsSections) {
+    ASSERT_TRUE(m_set->AddNewSection("a") && m_set->AddNewSection("b"));
+    ASSERT_EQ(m_set->Release(), 1);
+    EXPECT_EQ(LiveSections(), 0);
+}
+
+TEST_F(Preferences, TheSectionMapIsAFieldOfLinks) {
+    auto* type = CKWPreferences::GetCKWPreferencesType();
+    IKWField* map = type->GetField(CKWGuid("{63E0D0E3-3024-4831-9C71-FDACA82F6FA4}"));
+    ASSERT_NE(map, nullptr);
+    EXPECT_EQ(std::string(map->GetName()), "m_PreferenceSectionMap");
+    EXPECT_EQ(map->GetDataTypeID(), CKWGuid("{95C92BDC-00F3-4E4E-8BE8-7AAFAA2DC3EB}"));
+    EXPECT_EQ(std::string(type->GetName()), "CKWPreferences");
+    EXPECT_EQ(type->GetParentTypeID(), CKWGuid("{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}"));
+    EXPECT_EQ(CKWPreferenceSection::GetCKWPreferenceSectionType()->GetID(),
+              CKWGuid("{7AB10E7B-907C-4EA3-88F8-8415EA83CBA4}"));
+}
+
+}  // namespace

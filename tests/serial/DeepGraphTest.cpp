@@ -1,0 +1,124 @@
+// Graphs deeper than any call stack: a million linked objects are saved and
+// loaded on an ordinary thread stack, in the order recursion would take.
+#include <gtest/gtest.h>
+
+#include <vector>
+
+#include "SerialTestTypes.h"
+#include "kwcore/framework/CKWGraphEdge.h"
+#include "kwcore/framework/CKWGraphNode.h"
+#include "kwcore/framework/CKWReleaseVisitor.h"
+
+namespace {
+
+// Under the sanitizers, which slow every allocation tenfold, the graphs are a
+// tenth as long: still far deeper than recursion could go on any stack.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define KW_TEST_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
+#define KW_TEST_SANITIZED 1
+#endif
+#endif
+#ifdef KW_TEST_SANITIZED
+constexpr int kScale = 10;
+#else
+constexpr int kScale = 1;
+#endif
+
+// Far deeper than recursive saving and loading could go on an 8 MiB stack.
+constexpr int kChainLength = 1000000 / kScale;
+constexpr int kRingLength = 200000 / kScale;
+
+class DeepGraph : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_pArchive = KWTestCreate<CMemArchive>(CMemArchive::GetCMemArchiveType());
+        ASSERT_TRUE(m_pArchive->Open(CKWArchive::modeWrite));
+        m_pDocument =
+            dynamic_cast<CMemDocument*>(m_pArchive->CreateNewDocument(CKWGuid(), nullptr));
+        ASSERT_NE(m_pDocument, nullptr);
+    }
+    void TearDown() override {
+        CKWGraphEdge::GetCKWGraphEdgeType()->ReleaseInstances();
+        CKWGraphNode::GetCKWGraphNodeType()->ReleaseInstances();
+        CTestPart::GetCTestPartType()->ReleaseInstances();
+        m_pArchive->Release();
+    }
+
+    CMemArchive* m_pArchive = nullptr;
+    CMemDocument* m_pDocument = nullptr;
+};
+
+TEST_F(DeepGraph, ARingOfLinkedPartsIsSavedAndLoadedInRecursiveOrder) {
+    std::vector<CTestPart*> chain(kRingLength);
+    std::vector<CKWGuid> ids(kRingLength);
+    for (int i = kRingLength - 1; i >= 0; --i) {
+        chain[i] = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
+        ASSERT_NE(chain[i], nullptr);
+        chain[i]->m_iCount = i;
+        chain[i]->m_pNext = i + 1 < kRingLength ? chain[i + 1] : nullptr;
+        ids[i] = chain[i]->GetInstanceID();
+    }
+    chain.back()->m_pNext = chain[0];  // a ring
+    chain[0]->m_Parts.Add(chain[kRingLength / 2]);
+    ASSERT_EQ(chain[0]->SerializeTo(m_pDocument), 1);
+    // Each object was written once, and the whole ring before the part list's link.
+    EXPECT_EQ(m_pDocument->FindStream(CKWGuid(kPartTypeID), ids.back())->m_iHeaderWrites, 1);
+    EXPECT_EQ(chain[0]->m_hookCalls, (std::vector<CString>{"BeforeSave", "AfterSave"}));
+    CTestPart::GetCTestPartType()->ReleaseInstances();
+
+    auto* first = dynamic_cast<CTestPart*>(m_pDocument->GetObjectA(CKWGuid(kPartTypeID), ids[0]));
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(CTestPart::GetCTestPartType()->GetInstanceCount(), kRingLength);
+    CTestPart* part = first;
+    for (int i = 0; i < kRingLength; ++i) {
+        ASSERT_EQ(part->GetInstanceID(), ids[i]);
+        ASSERT_EQ(part->m_iCount, i);
+        // The last part finished loading first: hooks run as recursion would run them.
+        ASSERT_EQ(part->m_hookCalls.size(), 2u);
+        part = part->m_pNext;
+    }
+    EXPECT_EQ(part, first);
+    ASSERT_EQ(first->m_Parts.GetCount(), 1);
+    EXPECT_EQ((*first->m_Parts.begin())->m_iCount, kRingLength / 2);
+}
+
+TEST_F(DeepGraph, AMillionNodeChainIsSavedLoadedWholeAndReleased) {
+    std::vector<CKWGraphNode*> chain(kChainLength);
+    std::vector<CKWGuid> nodeIDs(kChainLength);
+    for (int i = 0; i < kChainLength; ++i) {
+        chain[i] = KWTestCreate<CKWGraphNode>(CKWGraphNode::GetCKWGraphNodeType());
+        nodeIDs[i] = chain[i]->GetInstanceID();
+        if (i > 0) {
+            auto* edge = KWTestCreate<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType());
+            ASSERT_TRUE(edge->SetNodes(chain[i - 1], chain[i]) && edge->Connect());
+        }
+    }
+    ASSERT_EQ(chain[kChainLength - 1]->SerializeTo(m_pDocument), 1);
+    CKWGraphNode::GetCKWGraphNodeType()->ReleaseInstances();
+    ASSERT_EQ(CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount(), 0);
+
+    auto* end = dynamic_cast<CKWGraphNode*>(
+        m_pDocument->GetObjectA(CKWGraphNode::GetCKWGraphNodeType()->GetID(), nodeIDs.back()));
+    ASSERT_NE(end, nullptr);
+    EXPECT_EQ(CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount(), kChainLength);
+    EXPECT_EQ(CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount(), kChainLength - 1);
+    CKWGraphNode* node = end;
+    for (int i = kChainLength - 1; i > 0; --i) {
+        ASSERT_EQ(node->GetInstanceID(), nodeIDs[i]);
+        CKWGraphEdge* back = node->GetEdge(0);
+        ASSERT_TRUE(back && back->IsConnected());
+        ASSERT_EQ(back->GetSecondary(), node);
+        node = back->GetPrimary();
+    }
+    EXPECT_EQ(node->GetInstanceID(), nodeIDs[0]);
+
+    auto* releaser = KWTestCreate<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    ASSERT_EQ(releaser->Start(end), 1);
+    releaser->Release();
+    EXPECT_EQ(CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount(), 0);
+    EXPECT_EQ(CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,239 @@
+// Graphs and preference sets round-trip through XML archive files.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "XmlTestSupport.h"
+#include "kwcore/framework/CKWGraphEdge.h"
+#include "kwcore/framework/CKWGraphNode.h"
+#include "kwcore/framework/CKWPreferences.h"
+#include "kwcore/framework/CKWReleaseVisitor.h"
+
+namespace {
+
+template <class T>
+T* Make(IKWObjectType* type) {
+    return dynamic_cast<T*>(type->CreateInstance(CKWGuid()));
+}
+
+IKWObjectType* NodeType() {
+    return CKWGraphNode::GetCKWGraphNodeType();
+}
+IKWObjectType* EdgeType() {
+    return CKWGraphEdge::GetCKWGraphEdgeType();
+}
+int Live(IKWObjectType* type) {
+    return static_cast<CKWObjectTypeImpl*>(type)->GetInstanceCount();
+}
+
+// Each node's edges (by instance ID) as (edge, primary, secondary) IDs, in list order.
+using Shape = std::map<CKWGuid, std::vector<std::vector<CKWGuid>>>;
+CKWGuid IdOf(const IKWObject* object) {
+    return object ? object->GetInstanceID() : CKWGuid();
+}
+
+class GraphXml : public XmlArchiveTest {
+protected:
+    void TearDown() override {
+        static_cast<CKWObjectTypeImpl*>(EdgeType())->ReleaseInstances();
+        static_cast<CKWObjectTypeImpl*>(NodeType())->ReleaseInstances();
+        CKWPreferences::GetCKWPreferencesType()->ReleaseInstances();
+        CKWPreferenceSection::GetCKWPreferenceSectionType()->ReleaseInstances();
+        XmlArchiveTest::TearDown();
+    }
+
+    // Nodes 0..4: a cycle 0-1-2-0, a tail 2-3, and 4 joined to 3 by edges
+    // attached in an order unlike the IDs'.
+    void Build() {
+        for (CKWGraphNode*& node : m_nodes) {
+            node = Make<CKWGraphNode>(NodeType());
+        }
+        const int pairs[][2] = {{0, 1}, {1, 2}, {2, 0}, {2, 3}, {4, 3}, {3, 4}};
+        for (const auto& pair : pairs) {
+            auto* edge = Make<CKWGraphEdge>(EdgeType());
+            ASSERT_TRUE(edge->SetNodes(m_nodes[pair[0]], m_nodes[pair[1]]) && edge->Connect());
+        }
+    }
+
+    static Shape ShapeOf() {
+        Shape shape;
+        auto* type = static_cast<CKWObjectTypeImpl*>(NodeType());
+        for (const CKWGuid& id : s_nodeIDs) {
+            auto* node = dynamic_cast<CKWGraphNode*>(type->FindInstance(id));
+            if (!node) {
+                continue;
+            }
+            auto& edges = shape[id];
+            for (CKWGraphEdge* edge : node->m_EdgeList) {
+                edges.push_back({IdOf(edge), IdOf(edge->GetPrimary()), IdOf(edge->GetSecondary())});
+            }
+        }
+        return shape;
+    }
+
+    int Save(CKWSerialObject* root, const char* name, const CKWGuid& documentID = CKWGuid()) {
+        KWOwned<CKWXMLFileArchive> archive = NewArchive(Path(name));
+        if (!archive->Open(CKWArchive::modeWrite)) {
+            return 0;
+        }
+        CKWDocument* document = archive->CreateNewDocument(documentID, nullptr);
+        const int saved = document && root->SerializeTo(document);
+        return archive->Close() && saved ? 1 : 0;
+    }
+
+    IKWObject* Load(CKWXMLFileArchive* archive, IKWObjectType* type, const CKWGuid& id) {
+        if (!archive->Open(CKWArchive::modeRead)) {
+            return nullptr;
+        }
+        CKWXMLFileDocument* document = FirstDocument(archive);
+        return document ? document->GetObjectA(type->GetID(), id) : nullptr;
+    }
+
+    // Saves the built graph from node 3, releases it and loads it back from node 0.
+    CKWGraphNode* RoundTrip(KWOwned<CKWXMLFileArchive>& archive, const char* name) {
+        Build();
+        s_nodeIDs.clear();
+        for (CKWGraphNode* node : m_nodes) {
+            s_nodeIDs.push_back(node->GetInstanceID());
+        }
+        m_built = ShapeOf();
+        EXPECT_EQ(Save(m_nodes[3], name, m_documentID), 1);
+        static_cast<CKWObjectTypeImpl*>(NodeType())->ReleaseInstances();
+        EXPECT_EQ(Live(EdgeType()), 0);
+        archive = NewArchive(Path(name));
+        return dynamic_cast<CKWGraphNode*>(Load(archive.get(), NodeType(), s_nodeIDs[0]));
+    }
+
+    CKWGraphNode* m_nodes[5] = {};
+    Shape m_built;
+    const CKWGuid m_documentID = CKWGuid::CreateNewGUID();
+    static std::vector<CKWGuid> s_nodeIDs;
+};
+std::vector<CKWGuid> GraphXml::s_nodeIDs;
+
+TEST_F(GraphXml, SavingOneNodeWritesTheWholeGraphOnceAndLoadingOneNodeRebuildsIt) {
+    KWOwned<CKWXMLFileArchive> archive;
+    CKWGraphNode* first = RoundTrip(archive, "graph.xml");
+    ASSERT_NE(first, nullptr);
+    CKWXMLFileDocument* document = FirstDocument(archive.get());
+    auto* nodes = static_cast<CKWTypeManifest*>(
+        document->GetTypeManifestCollection()->Find(NodeType()->GetID()));
+    auto* edges = static_cast<CKWTypeManifest*>(
+        document->GetTypeManifestCollection()->Find(EdgeType()->GetID()));
+    ASSERT_TRUE(nodes && edges);
+    EXPECT_EQ(nodes->GetInstanceFieldStreamCollection()->GetCount(), 5);
+    EXPECT_EQ(edges->GetInstanceFieldStreamCollection()->GetCount(), 6);
+    EXPECT_EQ(Live(NodeType()), 5);
+    EXPECT_EQ(Live(EdgeType()), 6);
+    EXPECT_EQ(ShapeOf(), m_built);  // edge lists in their order, ends as built
+    for (int i = 0; i < 5; ++i) {
+        auto* node = dynamic_cast<CKWGraphNode*>(
+            static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(s_nodeIDs[i]));
+        ASSERT_NE(node, nullptr);
+        for (CKWGraphEdge* edge : node->m_EdgeList) {
+            EXPECT_TRUE(edge->IsConnected());
+        }
+    }
+    const std::string text = ReadText(Path("graph.xml"));
+    EXPECT_NE(text.find(ElementName("{BC46ABAF-175D-4139-9B08-1B063477ADDE}")), std::string::npos);
+    // Released like a graph that was built: nothing is left.
+    auto* releaser = Make<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    ASSERT_EQ(releaser->Start(first), 1);
+    releaser->Release();
+    EXPECT_EQ(Live(NodeType()) + Live(EdgeType()), 0);
+}
+
+TEST_F(GraphXml, ALoadedGraphIsSavedAgainToTheSameFile) {
+    KWOwned<CKWXMLFileArchive> archive;
+    ASSERT_NE(RoundTrip(archive, "first.xml"), nullptr);
+    auto* third = dynamic_cast<CKWGraphNode*>(
+        static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(s_nodeIDs[3]));
+    ASSERT_NE(third, nullptr);
+    ASSERT_EQ(Save(third, "second.xml", m_documentID), 1);
+    EXPECT_EQ(ReadText(Path("first.xml")), ReadText(Path("second.xml")));
+}
+
+TEST_F(GraphXml, LinksToMissingOrWronglyTypedObjectsGiveAPartialGraph) {
+    Build();
+    s_nodeIDs.clear();
+    for (CKWGraphNode* node : m_nodes) {
+        s_nodeIDs.push_back(node->GetInstanceID());
+    }
+    ASSERT_EQ(Save(m_nodes[0], "graph.xml"), 1);
+    const CKWGuid lostID = s_nodeIDs[4];
+    const CKWGuid edgeOfOne = IdOf(m_nodes[1]->GetEdge(1));  // the 1-2 edge
+    static_cast<CKWObjectTypeImpl*>(NodeType())->ReleaseInstances();
+    std::string text = ReadText(Path("graph.xml"));
+    // Node 4 is gone from the file; node 1's second edge link names the node type.
+    const std::string lost = "<" + lostID.GetCStringXMLElement().GetStdString() + ">";
+    const std::size_t from = text.find(lost);
+    ASSERT_NE(from, std::string::npos);
+    const std::string close = "</" + lost.substr(1);
+    text.erase(from, text.find(close, from) + close.size() - from);
+    const std::string wrong =
+        "T=\"" + Attribute64(EdgeType()->GetID()) + "\" I=\"" + Attribute64(edgeOfOne) + "\"";
+    std::size_t link = text.find(wrong);
+    ASSERT_NE(link, std::string::npos);
+    text.replace(
+        link, wrong.size(),
+        "T=\"" + Attribute64(NodeType()->GetID()) + "\" I=\"" + Attribute64(edgeOfOne) + "\"");
+    WriteText(Path("graph.xml"), text);
+
+    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("graph.xml"));
+    auto* first = dynamic_cast<CKWGraphNode*>(Load(archive.get(), NodeType(), s_nodeIDs[0]));
+    ASSERT_NE(first, nullptr);
+    EXPECT_EQ(static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(lostID), nullptr);
+    auto* one = dynamic_cast<CKWGraphNode*>(
+        static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(s_nodeIDs[1]));
+    ASSERT_NE(one, nullptr);
+    EXPECT_EQ(one->m_EdgeList.GetCount(), 1);  // the wrongly typed link is left out
+    // The edges to the missing node have one end only and are not connected.
+    auto* three = dynamic_cast<CKWGraphNode*>(
+        static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(s_nodeIDs[3]));
+    ASSERT_NE(three, nullptr);
+    int halfEdges = 0;
+    for (CKWGraphEdge* edge : three->m_EdgeList) {
+        if (!edge->GetPrimary() || !edge->GetSecondary()) {
+            ++halfEdges;
+            EXPECT_FALSE(edge->IsConnected());
+        }
+    }
+    EXPECT_EQ(halfEdges, 2);
+    // Releasing in any order leaves nothing behind.
+    static_cast<CKWObjectTypeImpl*>(NodeType())->ReleaseInstances();
+    static_cast<CKWObjectTypeImpl*>(EdgeType())->ReleaseInstances();
+    EXPECT_EQ(Live(NodeType()) + Live(EdgeType()), 0);
+}
+
+TEST_F(GraphXml, APreferenceSetKeepsItsSectionsThroughAFile) {
+    auto* set = Make<CKWPreferences>(CKWPreferences::GetCKWPreferencesType());
+    CKWPreferenceSection* display = set->AddNewSection("Display");
+    CKWPreferenceSection* plain = set->AddNewSection("A Preference Section");
+    ASSERT_TRUE(display && plain);
+    display->m_Description = "Colours & \"fonts\"";
+    const CKWGuid setID = set->GetInstanceID();
+    const CKWGuid displayID = display->GetInstanceID();
+    const CKWGuid plainID = plain->GetInstanceID();
+    ASSERT_EQ(Save(set, "preferences.xml"), 1);
+    set->Release();
+    ASSERT_EQ(CKWPreferenceSection::GetCKWPreferenceSectionType()->GetInstanceCount(), 0);
+
+    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("preferences.xml"));
+    auto* loaded = dynamic_cast<CKWPreferences*>(
+        Load(archive.get(), CKWPreferences::GetCKWPreferencesType(), setID));
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_EQ(loaded->GetSectionCount(), 2);
+    CKWPreferenceSection* back = loaded->GetSection(displayID);
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(loaded->FindSection("Display"), back);
+    EXPECT_EQ(std::string(back->m_Description), "Colours & \"fonts\"");
+    ASSERT_NE(loaded->GetSection(plainID), nullptr);
+    EXPECT_EQ(std::string(loaded->GetSection(plainID)->m_Description), "A Preference Section");
+    EXPECT_EQ(CKWPreferenceSection::GetCKWPreferenceSectionType()->GetInstanceCount(), 2);
+    loaded->Release();
+    EXPECT_EQ(CKWPreferenceSection::GetCKWPreferenceSectionType()->GetInstanceCount(), 0);
+}
+
+}  // namespace
