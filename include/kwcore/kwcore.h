@@ -56,6 +56,10 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/KWSerialTypeMacros.h"
 
+// Geometry: exact arithmetic and ear clipping.
+#include "kwcore/geometry/TInteger.h"
+#include "kwcore/geometry/TRational.h"
+
 // XML archive: the file back-end of the serialization, where Xerces-C is available.
 #if __has_include(<xercesc/util/XercesDefs.hpp>)
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
