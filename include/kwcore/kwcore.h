@@ -6,6 +6,7 @@
 #include "kwcore/platform/BString.h"
 #include "kwcore/platform/CArchive.h"
 #include "kwcore/platform/CException.h"
+#include "kwcore/platform/CKWTokenizer.h"
 #include "kwcore/platform/CKWTrace.h"
 #include "kwcore/platform/CList.h"
 #include "kwcore/platform/CObject.h"
@@ -55,6 +56,18 @@
 #include "kwcore/serial/IKWFieldStream.h"
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/KWSerialTypeMacros.h"
+
+// Geometry kernel: scalar math, vectors, points and bounds.
+#include "kwcore/geometry/CKWBound2T.h"
+#include "kwcore/geometry/CKWMathT.h"
+#include "kwcore/geometry/CKWPoint2T.h"
+#include "kwcore/geometry/CKWPoint3T.h"
+#include "kwcore/geometry/CKWPoint4T.h"
+#include "kwcore/geometry/CKWPointT.h"
+#include "kwcore/geometry/CKWVector2T.h"
+#include "kwcore/geometry/CKWVector3T.h"
+#include "kwcore/geometry/CKWVector4T.h"
+#include "kwcore/geometry/CKWVectorT.h"
 
 // Geometry: exact arithmetic and ear clipping.
 #include "kwcore/geometry/TInteger.h"

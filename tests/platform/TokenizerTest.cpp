@@ -1,0 +1,41 @@
+// CKWTokenizer: pieces between separators, and the library-wide instance.
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "kwcore/platform/CKWTokenizer.h"
+
+namespace {
+
+TEST(Tokenizer, SplitsAtEverySeparatorKeepingEmptyPieces) {
+    CKWTokenizer tokens(",");
+    EXPECT_EQ(tokens.Tokenize("1,,3,"), 4);
+    EXPECT_EQ(std::string(tokens.GetToken(0)), "1");
+    EXPECT_EQ(std::string(tokens.GetToken(1)), "");
+    EXPECT_EQ(std::string(tokens.GetToken(2)), "3");
+    EXPECT_EQ(std::string(tokens.GetToken(3)), "");
+    EXPECT_EQ(std::string(tokens.GetToken(4)), "");
+    EXPECT_EQ(std::string(tokens.GetToken(-1)), "");
+    EXPECT_EQ(tokens.Tokenize(""), 0);
+    EXPECT_EQ(tokens.GetTokenCount(), 0);
+    EXPECT_EQ(tokens.Tokenize("no separator"), 1);
+    EXPECT_EQ(std::string(tokens.GetToken(0)), "no separator");
+}
+
+TEST(Tokenizer, AnyCharacterOfTheSetSeparates) {
+    CKWTokenizer tokens(";|");
+    EXPECT_EQ(tokens.Tokenize("a;b|c"), 3);
+    EXPECT_EQ(std::string(tokens.GetToken(2)), "c");
+    tokens.SetSeparators("");
+    EXPECT_EQ(tokens.Tokenize("a;b|c"), 1);
+    EXPECT_EQ(std::string(tokens.GetSeparators()), "");
+}
+
+TEST(Tokenizer, LibraryTokenizerIsOneObjectSplittingAtCommas) {
+    CKWTokenizer& shared = CKWTokenizer::GetLibraryTokenizer();
+    EXPECT_EQ(&shared, &CKWTokenizer::GetLibraryTokenizer());
+    EXPECT_EQ(std::string(shared.GetSeparators()), ",");
+    EXPECT_EQ(shared.Tokenize("x,y"), 2);
+}
+
+}  // namespace
