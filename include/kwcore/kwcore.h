@@ -70,6 +70,8 @@
 #include "kwcore/geometry/CKWVectorT.h"
 
 // Geometry: exact arithmetic and ear clipping.
+#include "kwcore/geometry/CKWTriangulateEarClipping.h"
+#include "kwcore/geometry/Query2.h"
 #include "kwcore/geometry/TInteger.h"
 #include "kwcore/geometry/TRational.h"
 

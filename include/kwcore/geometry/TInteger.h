@@ -20,7 +20,7 @@
 namespace kwRationalArithmetic {
 
 template <int N>
-class TRational;
+class KWCORE_API TRational;
 
 template <int N>
 class KWCORE_API TInteger {
