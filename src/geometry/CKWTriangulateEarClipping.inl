@@ -29,7 +29,8 @@ CKWTriangulateEarClipping<Real, Other>::CKWTriangulateEarClipping(int iVQuantity
     m_pkQuery = nullptr;
     delete m_pkReflexIndex;
     m_pkReflexIndex = nullptr;
-    std::vector<Vector2>().swap(m_kScaled);
+    delete[] m_akScaled;
+    m_akScaled = nullptr;
     std::vector<double>().swap(m_kIndexX);
     std::vector<double>().swap(m_kIndexY);
     std::vector<SVertex>().swap(m_kVertex);
@@ -39,6 +40,7 @@ template <class Real, class Other>
 CKWTriangulateEarClipping<Real, Other>::~CKWTriangulateEarClipping() {
     delete m_pkQuery;
     delete m_pkReflexIndex;
+    delete[] m_akScaled;
 }
 
 template <class Real, class Other>
@@ -76,11 +78,11 @@ void CKWTriangulateEarClipping<Real, Other>::PrepareQuery(int iVQuantity, const 
     } else if (eQueryType == Query::QT_INTEGER) {
         factor = range * static_cast<Real>(1 << 24);
     }
-    m_kScaled.resize(count);
+    m_akScaled = new Vector2[count];
     for (std::size_t i = 0; i < count; ++i) {
         const Vector2 scaled((akPoint[i].X() - minimum.X()) * factor,
                              (akPoint[i].Y() - minimum.Y()) * factor);
-        m_kScaled[i] = scaled;
+        m_akScaled[i] = scaled;
         double x = static_cast<double>(scaled.X());
         double y = static_cast<double>(scaled.Y());
         if (eQueryType == Query::QT_INT64) {
@@ -94,11 +96,11 @@ void CKWTriangulateEarClipping<Real, Other>::PrepareQuery(int iVQuantity, const 
         m_kIndexY[i] = std::isfinite(y) ? y : 0.0;
     }
     if (eQueryType == Query::QT_INT64) {
-        m_pkQuery = new Query2Int64<Real, Other>(iVQuantity, m_kScaled.data());
+        m_pkQuery = new Query2Int64<Real, Other>(iVQuantity, m_akScaled);
     } else if (eQueryType == Query::QT_INTEGER) {
-        m_pkQuery = new Query2TInteger<Real, Other>(iVQuantity, m_kScaled.data());
+        m_pkQuery = new Query2TInteger<Real, Other>(iVQuantity, m_akScaled);
     } else {
-        m_pkQuery = new Query2<Real, Other>(iVQuantity, m_kScaled.data());
+        m_pkQuery = new Query2<Real, Other>(iVQuantity, m_akScaled);
     }
 }
 

@@ -87,7 +87,7 @@ private:
     void Update(int i);
 
     kwRationalArithmetic::Query2<Real, Other>* m_pkQuery = nullptr;
-    std::vector<Vector2> m_kScaled;
+    Vector2* m_akScaled = nullptr;  // scaled coordinates, for the types that scale
     std::vector<double> m_kIndexX, m_kIndexY;
     CKWReflexIndex* m_pkReflexIndex = nullptr;
     std::vector<SVertex> m_kVertex;
