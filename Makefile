@@ -8,7 +8,7 @@ JOBS ?= $(shell nproc 2>/dev/null || echo 2)
 
 COMMON_PACKAGES := cmake ninja-build g++ clang pkg-config libgtest-dev libgmock-dev googletest \
 	uuid-dev libxerces-c-dev libsqlite3-dev libclang-rt-14-dev
-BENCH_PACKAGES := $(COMMON_PACKAGES) libbenchmark-dev libboost-serialization-dev
+BENCH_PACKAGES := $(COMMON_PACKAGES) libbenchmark-dev libboost-serialization-dev libcgal-dev
 WINDOWS_PACKAGES := $(COMMON_PACKAGES) g++-mingw-w64-x86-64-posix wine64 wine
 
 FUZZ_DIR := build/fuzz

@@ -16,6 +16,38 @@ run guid _MAkT7E-UlEO1itJS6yd__Q
 section "Types registered by the library before main"
 run types
 
+section "A polygon with three holes, triangulated by the monotone sweep"
+picture=$(dirname "$kwcore")/demo-triangulation.svg
+run triangulate --svg "$picture" - <<'POLYGON'
+# outer boundary, counter-clockwise
+0 0
+6 1
+12 0
+13 6
+12 12
+6 10
+0 12
+1 6
+
+# three holes, clockwise
+2 2
+2 4
+4 3
+5 2
+
+7 4
+8 8
+10 7
+9 3
+
+3 7
+3 9
+5 9
+5 7
+POLYGON
+section "A square with a hole poking out of it: the check names the problem"
+printf '0 0\n12 0\n12 12\n0 12\n\n10 5\n10 7\n14 6\n' | run triangulate - || echo "(exit status $?)"
+
 # The xml command is built where Xerces-C is found.
 commands=$("$kwcore" --help)
 if ! grep -q '^  xml ' <<<"$commands"; then

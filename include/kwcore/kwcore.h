@@ -83,3 +83,8 @@
 #include "kwcore/serial/xml/CKWXMLFileTypeManifest.h"
 #include "kwcore/serial/xml/KWXercesForward.h"
 #endif
+
+// Polygon triangulation: the monotone sweep and its orientation predicate.
+#include "kwcore/geometry/KWOrient2D.h"
+#include "kwcore/geometry/KWPolygonTriangulation.h"
+#include "kwcore/geometry/KWSplayTree.h"

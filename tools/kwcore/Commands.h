@@ -18,6 +18,7 @@ struct Command {
 int RunGuidCommand(const Arguments& args);
 int RunTypesCommand(const Arguments& args);
 int RunXmlCommand(const Arguments& args);
+int RunTriangulateCommand(const Arguments& args);
 
 // True when the arguments ask for help ("--help" or "-h").
 bool WantsHelp(const Arguments& args);

@@ -14,6 +14,7 @@ constexpr GUID kToolRepositoryID = {
 const Command kCommands[] = {
     {"guid", "make a GUID, or convert a GUID text into every written form", RunGuidCommand},
     {"types", "list the registered types as a tree by parent", RunTypesCommand},
+    {"triangulate", "triangulate a polygon with holes, and draw it", RunTriangulateCommand},
 #if KWCORE_TOOL_XML
     {"xml", "inspect XML archive files, and save and load a sample model", RunXmlCommand},
 #endif
@@ -26,7 +27,7 @@ void PrintUsage(std::FILE* out, const char* program, const Command* commands, st
                  "Commands:\n",
                  program);
     for (std::size_t i = 0; i < count; ++i) {
-        std::fprintf(out, "  %-8s %s\n", commands[i].name, commands[i].summary);
+        std::fprintf(out, "  %-12s %s\n", commands[i].name, commands[i].summary);
     }
     std::fprintf(out, "\nRun '%s COMMAND --help' for the options of a command.\n", program);
 }

@@ -1,0 +1,294 @@
+// Triangulation of a polygon with holes by monotone decomposition.
+//
+// A Polygon takes one or more closed contours of double-precision points (the
+// outer boundary counter-clockwise, holes clockwise), then triangulates in
+// three phases: a top-to-bottom sweep adds diagonals until every piece is
+// monotone (partition2Monotone), a walk over the edges and diagonals extracts
+// the pieces as closed loops (searchMonotones), and a stack walk down each
+// piece cuts it into triangles. Vertices are numbered from 1 in the order
+// they are added; a triangle is three vertex numbers, counter-clockwise.
+//
+// triangulation() ends the process (exit status 1, after a message on
+// standard output) when the input is not a valid polygon: callers that cannot
+// afford that call Check() first, which names every such problem.
+//
+//   kwPolygonTriangulation::Polygon polygon;
+//   polygon.AddContour(outer, false, false);
+//   polygon.AddContour(hole, false, false);
+//   polygon.Finish();
+//   if (polygon.Check() == kwPolygonTriangulation::CHECK_OK) {
+//       polygon.triangulation();   // prints "Total number of triangles:<n>"
+//       for (const kwPolygonTriangulation::Triangle& t : polygon.triangles()) { ... }
+//   }
+//
+// The Polygon owns its vertices and edges; one Polygon triangulates once.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <deque>
+#include <list>
+#include <map>
+#include <memory>
+#include <queue>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "kwcore/geometry/KWOrient2D.h"
+#include "kwcore/geometry/KWSplayTree.h"
+#include "kwcore/platform/Export.h"
+
+namespace kwPolygonTriangulation {
+
+// Vertex and edge kinds; the values are fixed.
+enum Type {
+    INPUT = 1,   // every vertex as added, every contour edge
+    INSERT = 2,  // a diagonal
+    START = 3,
+    END = 4,
+    MERGE = 5,
+    SPLIT = 6,
+    REGULAR_UP = 7,
+    REGULAR_DOWN = 8
+};
+
+// "START", "END", ... for the vertex classes; empty for INPUT and INSERT.
+KWCORE_API const char* TypeName(Type type);
+
+// A vertex. Ordered by the sweep: p is above q when p.y > q.y, or p.y == q.y
+// and p.x < q.x (p > q).
+class KWCORE_API Pointbase {
+public:
+    Pointbase();
+    Pointbase(double x, double y);
+    Pointbase(unsigned id, double x, double y);
+    Pointbase(double x, double y, Type type);
+    Pointbase(unsigned id, double x, double y, Type type);
+    Pointbase(const Pointbase& other) = default;
+    Pointbase& operator=(const Pointbase& other) = default;
+
+    unsigned id;
+    double x, y;
+    Type type;
+    bool left;  // on the left chain of the monotone piece being triangulated
+};
+
+// Same coordinates.
+inline bool operator==(const Pointbase& a, const Pointbase& b) {
+    return a.x == b.x && a.y == b.y;
+}
+inline bool operator!=(const Pointbase& a, const Pointbase& b) {
+    return !(a == b);
+}
+// Sweep order: a is above b.
+inline bool operator>(const Pointbase& a, const Pointbase& b) {
+    return a.y > b.y || (a.y == b.y && a.x < b.x);
+}
+// Sweep order: a is below b.
+inline bool operator<(const Pointbase& a, const Pointbase& b) {
+    return a.y < b.y || (a.y == b.y && a.x > b.x);
+}
+
+// An edge or a diagonal between two vertices the Polygon owns.
+class KWCORE_API Linebase {
+public:
+    Linebase();
+    Linebase(Pointbase* start, Pointbase* end, Type type, unsigned id);
+
+    unsigned id() const { return m_id; }
+    Pointbase* endPoint(int i) const { return m_endPoints[i]; }
+    Type type() const { return m_type; }
+    double keyValue() const { return m_keyValue; }
+    unsigned helper() const { return m_helper; }
+
+    // The key at sweep height y: the x where the edge crosses the line y;
+    // for a horizontal edge, its smaller x.
+    void setKeyValue(double y) {
+        m_keyValue = m_bHorizontal ? m_minX : m_x0 + (y - m_y0) * m_slope;
+    }
+    // Raises the key by delta (at least to the next double).
+    void increaseKeyValue(double delta);
+    void setHelper(unsigned vertexId) { m_helper = vertexId; }
+    // Swaps the end points.
+    void reverse();
+
+private:
+    unsigned m_id;
+    Pointbase* m_endPoints[2];
+    Type m_type;
+    double m_keyValue;
+    unsigned m_helper;
+    // The start point and dx/dy, kept here: keys are recomputed many times
+    // per sweep step.
+    double m_x0, m_y0;
+    double m_slope;
+    double m_minX;
+    bool m_bHorizontal;
+};
+
+extern template class KWCORE_API SplayTree<Linebase*, double>;
+
+// What Check() finds. Every code but CHECK_OK makes triangulation() end the
+// process.
+enum CheckCode {
+    CHECK_OK = 0,
+    CHECK_TOO_FEW_POINTS,     // no contour, or a contour of fewer than 3 points
+    CHECK_NOT_FINITE,         // a coordinate is NaN or infinite
+    CHECK_DUPLICATED_POINT,   // two vertices at the same place (or a refused contour)
+    CHECK_BAD_NUMBERING,      // a reversed contour added after another one
+    CHECK_SELF_INTERSECTION,  // edges cross, touch or overlap, within or across contours
+    CHECK_WRONG_ORIENTATION,  // outer contour clockwise, or a hole counter-clockwise
+    CHECK_HOLE_OUTSIDE        // a hole not inside the outer contour, or inside another hole
+};
+
+// The first problem Check() found: its code, the contours (0 is the outer
+// one; -1 when not applicable), a place near it, and a sentence for people.
+struct KWCORE_API CheckResult {
+    CheckCode code = CHECK_OK;
+    int contour = -1;
+    int otherContour = -1;
+    double x = 0.0;
+    double y = 0.0;
+    std::string message;
+};
+
+typedef std::map<unsigned, Pointbase*> PointbaseMap;
+typedef std::map<unsigned, Linebase*> LineMap;
+typedef std::priority_queue<Pointbase> PQueue;
+typedef SplayTree<Linebase*, double> EdgeBST;
+typedef std::list<unsigned> Monopoly;
+typedef std::list<Monopoly> Monopolys;
+typedef std::array<unsigned, 3> Triangle;
+typedef std::vector<Triangle> Triangles;
+
+class KWCORE_API Polygon {
+public:
+    Polygon();
+    ~Polygon();
+    Polygon(const Polygon&) = delete;
+    Polygon& operator=(const Polygon&) = delete;
+
+    // Appends a contour of `count` points given as x, y pairs. With `closed`
+    // the last point repeats the first and is skipped. A reversed contour is
+    // read backwards and numbers its vertices from 1 (so it must be the first
+    // one). False, leaving the points read so far in place, when a point
+    // repeats one already held.
+    bool AddContour(const double* xy, std::size_t count, bool reverse, bool closed);
+    // Makes the contour edges; call once, after the last AddContour.
+    void Finish();
+
+    // Every problem that would make triangulation() end the process, in
+    // O(n log n); the first one found, or CHECK_OK.
+    CheckCode Check(CheckResult* result = 0) const;
+
+    // The three phases, then "Total number of triangles:<n>" on standard
+    // output.
+    void triangulation();
+    void partition2Monotone();
+    void searchMonotones();
+    // The last phase alone: triangulates each extracted piece, quietly.
+    void triangulateMonotones();
+
+    bool is_exist(double x, double y) const;
+
+    PointbaseMap& points() { return m_points; }
+    LineMap& edges() { return m_edges; }
+    const LineMap& diagonals() const { return m_diagonals; }
+    const Monopolys& monotonePieces() const { return m_mpolys; }
+    // Each triangle is three vertex ids, counter-clockwise, in the order made.
+    const Triangles& triangles() const { return m_triangles; }
+    unsigned triangleCount() const { return static_cast<unsigned>(m_triangles.size()); }
+    unsigned contourCount() const { return m_ncontours; }
+    const std::vector<unsigned>& contourSizes() const { return m_nVertices; }
+    double xmin() const { return m_xmin; }
+    double xmax() const { return m_xmax; }
+    double ymin() const { return m_ymin; }
+    double ymax() const { return m_ymax; }
+
+    // Tracing of the sweep, the loop extraction and the triangulation, into
+    // the polygon's own stream.
+    void setDebugOption(bool on) { m_debug = on; }
+    std::string traceText() const { return m_trace.str(); }
+
+private:
+    void initializate();
+    unsigned prev(unsigned id) const;
+    unsigned next(unsigned id) const;
+    void handleStartVertex(unsigned id);
+    void handleEndVertex(unsigned id);
+    void handleSplitVertex(unsigned id);
+    void handleMergeVertex(unsigned id);
+    void handleRegularVertexUp(unsigned id);
+    void handleRegularVertexDown(unsigned id);
+    void addDiagonal(unsigned i, unsigned j);
+    Linebase* selectNextEdge(Linebase* edge);
+    double angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const;
+    void triangulateMonotone(const Monopoly& piece);
+
+    Pointbase* point(unsigned id) const;
+    Linebase* edge(unsigned id) const;
+    bool isMergeVertex(unsigned id) const;
+    void insertEdge(Linebase* edge, unsigned helper);
+    void removeEdge(Linebase* edge, double y);
+    void setHelper(Linebase* edge, unsigned helper);
+    void useEdge(Linebase* edge);
+    bool isUsedFrom(const Linebase* edge, unsigned startId) const;
+    Linebase* findLeftEdge(unsigned id);
+    void endEdge(unsigned id);
+    void addTriangle(unsigned a, unsigned b, unsigned c);
+    bool consistent() const;
+
+    struct SCoordinateIndex;
+
+    // The edge ids at one vertex, ascending: a few in place, more on the heap.
+    class IncidentEdges {
+    public:
+        const unsigned* begin() const { return m_bSpilled ? m_more.data() : m_ids; }
+        const unsigned* end() const { return begin() + size(); }
+        std::size_t size() const { return m_bSpilled ? m_more.size() : m_count; }
+        void push_back(unsigned id);
+        void sort();
+        void erase(unsigned id);
+
+    private:
+        unsigned m_ids[6];
+        unsigned m_count = 0;
+        bool m_bSpilled = false;
+        std::vector<unsigned> m_more;
+    };
+
+    PointbaseMap m_points;
+    LineMap m_edges;
+    unsigned m_ncontours;
+    std::vector<unsigned> m_nVertices;
+    double m_xmin, m_xmax, m_ymin, m_ymax;
+    unsigned m_l_id;
+    PQueue m_qpoints;
+    EdgeBST m_edgebst;
+    std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
+    LineMap m_diagonals;
+    Monopolys m_mpolys;
+    Triangles m_triangles;
+    bool m_debug;
+    std::ostringstream m_trace;
+
+    // Fast paths beside the maps: vertices and edges by id, each vertex's
+    // contour neighbours, each edge's original start, and which directions of
+    // each edge the loop walk has used.
+    std::vector<Pointbase*> m_pointById;
+    std::vector<Linebase*> m_edgeById;
+    std::vector<unsigned> m_prevId, m_nextId;
+    std::vector<unsigned> m_edgeStart;
+    std::vector<unsigned char> m_edgeUsed;
+    bool m_bRefused;
+    bool m_bRenumbered;
+    bool m_bFinished;
+    bool m_bInitialized;
+    std::unique_ptr<SCoordinateIndex> m_pCoordinates;
+    // The vertices and edges themselves; the maps point into these.
+    std::deque<Pointbase> m_pointStore;
+    std::deque<Linebase> m_lineStore;
+};
+
+}  // namespace kwPolygonTriangulation

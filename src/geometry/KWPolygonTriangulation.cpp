@@ -1,0 +1,819 @@
+// The monotone decomposition and its triangulation.
+#include "kwcore/geometry/KWPolygonTriangulation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <limits>
+
+namespace kwPolygonTriangulation {
+namespace {
+
+const char kCheckInput[] =
+    "Please check your input polygon:\n1)orientations?\n2)duplicated points?\n";
+const char kStopped[] = "graiflod stopped.\n";
+const char kNoDuplicates[] = "No duplicated points please! graiflod stopped\n";
+const char kCheckLoops[] = "Please check your input polygon:\n";
+const char kCheckLoopsDetails[] =
+    "1)orientations?\n2)with duplicated points?\n3)is a simple one?\n";
+
+// Invalid input ends the process: the contract of triangulation().
+[[noreturn]] void Stop(const char* first, const char* second = 0, const char* third = 0) {
+    const char* parts[] = {first, second, third};
+    for (const char* part : parts) {
+        if (part != 0) {
+            std::fputs(part, stdout);
+        }
+    }
+    std::fflush(stdout);
+    std::exit(1);
+}
+
+double Orient(const Pointbase& a, const Pointbase& b, const Pointbase& c) {
+    return orient2d(a.x, a.y, b.x, b.y, c.x, c.y);
+}
+
+// Bits of Polygon::m_edgeUsed: the edge walked from its original start, or
+// towards it.
+const unsigned char kForwardUsed = 1;
+const unsigned char kBackwardUsed = 2;
+
+}  // namespace
+
+const char* TypeName(Type type) {
+    switch (type) {
+        case START:
+            return "START";
+        case END:
+            return "END";
+        case MERGE:
+            return "MERGE";
+        case SPLIT:
+            return "SPLIT";
+        case REGULAR_UP:
+            return "REGULAR_UP";
+        case REGULAR_DOWN:
+            return "REGULAR_DOWN";
+        default:
+            return "";
+    }
+}
+
+// --- Pointbase ---------------------------------------------------------------
+
+Pointbase::Pointbase() : id(0), x(0.0), y(0.0), type(INPUT), left(false) {}
+Pointbase::Pointbase(double px, double py) : id(0), x(px), y(py), type(INPUT), left(false) {}
+Pointbase::Pointbase(unsigned pid, double px, double py)
+    : id(pid), x(px), y(py), type(INPUT), left(false) {}
+Pointbase::Pointbase(double px, double py, Type ptype)
+    : id(0), x(px), y(py), type(ptype), left(false) {}
+Pointbase::Pointbase(unsigned pid, double px, double py, Type ptype)
+    : id(pid), x(px), y(py), type(ptype), left(false) {}
+
+// --- Linebase ----------------------------------------------------------------
+
+Linebase::Linebase()
+    : m_id(0),
+      m_endPoints{0, 0},
+      m_type(INPUT),
+      m_keyValue(0.0),
+      m_helper(0),
+      m_x0(0.0),
+      m_y0(0.0),
+      m_slope(0.0),
+      m_minX(0.0),
+      m_bHorizontal(true) {}
+
+Linebase::Linebase(Pointbase* start, Pointbase* end, Type type, unsigned id)
+    : m_id(id),
+      m_endPoints{start, end},
+      m_type(type),
+      m_keyValue(0.0),
+      m_helper(0),
+      m_x0(start->x),
+      m_y0(start->y),
+      m_slope((end->x - start->x) / (end->y - start->y)),
+      m_minX(std::min(start->x, end->x)),
+      m_bHorizontal(start->y == end->y) {}
+
+void Linebase::increaseKeyValue(double delta) {
+    const double before = m_keyValue;
+    m_keyValue += delta;
+    // Far from zero a tiny delta may vanish; the key must still grow.
+    if (delta > 0.0 && !(m_keyValue > before)) {
+        m_keyValue = std::nextafter(before, std::numeric_limits<double>::infinity());
+    }
+}
+
+void Linebase::reverse() {
+    std::swap(m_endPoints[0], m_endPoints[1]);
+    m_x0 = m_endPoints[0]->x;
+    m_y0 = m_endPoints[0]->y;
+}
+
+// --- Polygon: incident edges -------------------------------------------------
+
+void Polygon::IncidentEdges::push_back(unsigned id) {
+    if (!m_bSpilled && m_count < sizeof m_ids / sizeof m_ids[0]) {
+        m_ids[m_count++] = id;
+        return;
+    }
+    if (!m_bSpilled) {
+        m_more.assign(m_ids, m_ids + m_count);
+        m_bSpilled = true;
+    }
+    m_more.push_back(id);
+}
+
+void Polygon::IncidentEdges::sort() {
+    unsigned* first = m_bSpilled ? m_more.data() : m_ids;
+    std::sort(first, first + size());
+}
+
+void Polygon::IncidentEdges::erase(unsigned id) {
+    unsigned* first = m_bSpilled ? m_more.data() : m_ids;
+    unsigned* last = first + size();
+    unsigned* found = std::find(first, last, id);
+    if (found == last) {
+        return;
+    }
+    std::copy(found + 1, last, found);
+    if (m_bSpilled) {
+        m_more.pop_back();
+    } else {
+        --m_count;
+    }
+}
+
+// --- Polygon: input ----------------------------------------------------------
+
+// The coordinates held, for is_exist in constant time: open addressing over
+// the bit patterns (-0.0 stored as 0.0, as the two compare equal).
+struct Polygon::SCoordinateIndex {
+    std::vector<std::pair<double, double> > slots;
+    std::vector<unsigned char> state;  // 0 free, 1 held, 2 erased
+    std::size_t held = 0;
+    std::size_t used = 0;
+
+    static std::size_t Hash(double x, double y) {
+        unsigned long long bx, by;
+        std::memcpy(&bx, &x, sizeof bx);
+        std::memcpy(&by, &y, sizeof by);
+        unsigned long long h = bx * 0x9E3779B97F4A7C15ull ^ (by + 0x632BE59BD9B4E019ull);
+        h ^= h >> 31;
+        h *= 0xBF58476D1CE4E5B9ull;
+        return static_cast<std::size_t>(h ^ (h >> 29));
+    }
+    // The slot holding (x, y), or the free slot where it would go.
+    std::size_t Find(double x, double y) const {
+        const std::size_t mask = slots.size() - 1;
+        std::size_t i = Hash(x, y) & mask;
+        while (state[i] != 0 && !(state[i] == 1 && slots[i].first == x && slots[i].second == y)) {
+            i = (i + 1) & mask;
+        }
+        return i;
+    }
+    bool Contains(double x, double y) const {
+        return !slots.empty() && state[Find(Normal(x), Normal(y))] == 1;
+    }
+    void Insert(double x, double y) {
+        if (2 * (used + 1) > slots.size()) {
+            Grow(std::max<std::size_t>(64, 4 * (held + 1)));
+        }
+        const std::size_t i = Find(Normal(x), Normal(y));
+        if (state[i] != 1) {
+            slots[i] = std::make_pair(Normal(x), Normal(y));
+            state[i] = 1;
+            ++held;
+            ++used;
+        }
+    }
+    void Erase(double x, double y) {
+        if (slots.empty()) {
+            return;
+        }
+        const std::size_t i = Find(Normal(x), Normal(y));
+        if (state[i] == 1) {
+            state[i] = 2;
+            --held;
+        }
+    }
+    void Reserve(std::size_t count) {
+        if (2 * (used + count) > slots.size()) {
+            Grow(4 * (held + count));
+        }
+    }
+
+private:
+    static double Normal(double v) { return v == 0.0 ? 0.0 : v; }
+    void Grow(std::size_t minimum) {
+        std::size_t size = 64;
+        while (size < minimum) {
+            size *= 2;
+        }
+        std::vector<std::pair<double, double> > old;
+        std::vector<unsigned char> oldState;
+        old.swap(slots);
+        oldState.swap(state);
+        slots.assign(size, std::make_pair(0.0, 0.0));
+        state.assign(size, 0);
+        held = used = 0;
+        for (std::size_t i = 0; i < old.size(); ++i) {
+            if (oldState[i] == 1) {
+                const std::size_t j = Find(old[i].first, old[i].second);
+                slots[j] = old[i];
+                state[j] = 1;
+                ++held;
+                ++used;
+            }
+        }
+    }
+};
+
+Polygon::Polygon()
+    : m_ncontours(0),
+      m_xmin(std::numeric_limits<double>::infinity()),
+      m_xmax(-std::numeric_limits<double>::infinity()),
+      m_ymin(std::numeric_limits<double>::infinity()),
+      m_ymax(-std::numeric_limits<double>::infinity()),
+      m_l_id(0),
+      m_debug(false),
+      m_bRefused(false),
+      m_bRenumbered(false),
+      m_bFinished(false),
+      m_bInitialized(false),
+      m_pCoordinates(new SCoordinateIndex) {}
+
+// The vertices and edges go with their stores.
+Polygon::~Polygon() {
+    m_edgebst.MakeEmpty();
+}
+
+bool Polygon::is_exist(double x, double y) const {
+    return m_pCoordinates->Contains(x, y);
+}
+
+bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool closed) {
+    const std::size_t n = closed && count > 0 ? count - 1 : count;
+    m_nVertices.push_back(static_cast<unsigned>(n));
+    ++m_ncontours;
+    const unsigned first = reverse ? 1u : static_cast<unsigned>(m_points.size()) + 1u;
+    m_pCoordinates->Reserve(n);
+    for (std::size_t k = 0; k < n; ++k) {
+        const std::size_t index = reverse ? n - 1 - k : k;
+        const double x = xy[2 * index];
+        const double y = xy[2 * index + 1];
+        m_xmin = std::min(m_xmin, x);
+        m_xmax = std::max(m_xmax, x);
+        m_ymin = std::min(m_ymin, y);
+        m_ymax = std::max(m_ymax, y);
+        if (is_exist(x, y)) {
+            --m_ncontours;
+            m_nVertices.pop_back();
+            m_bRefused = true;
+            return false;
+        }
+        const unsigned id = first + static_cast<unsigned>(k);
+        m_pointStore.push_back(Pointbase(id, x, y, INPUT));
+        Pointbase* added = &m_pointStore.back();
+        PointbaseMap::iterator slot = m_points.empty() || m_points.rbegin()->first < id
+                                          ? m_points.emplace_hint(m_points.end(), id, added)
+                                          : m_points.find(id);
+        if (slot == m_points.end()) {
+            slot = m_points.emplace(id, added).first;
+        } else if (slot->second != added) {
+            // A reversed contour after the first one reuses numbers.
+            m_bRenumbered = true;
+            m_pCoordinates->Erase(slot->second->x, slot->second->y);
+            slot->second = added;
+        }
+        m_pCoordinates->Insert(x, y);
+    }
+    return true;
+}
+
+void Polygon::Finish() {
+    if (m_bFinished) {
+        return;
+    }
+    m_bFinished = true;
+    unsigned total = 0;
+    for (unsigned count : m_nVertices) {
+        total += count;
+    }
+    const unsigned maxId = m_points.empty() ? 0 : m_points.rbegin()->first;
+    const std::size_t slots = std::max(total, maxId) + 1;
+    m_pointById.assign(slots, 0);
+    for (PointbaseMap::iterator it = m_points.begin(); it != m_points.end(); ++it) {
+        m_pointById[it->first] = it->second;
+    }
+    m_prevId.assign(slots, 0);
+    m_nextId.assign(slots, 0);
+    m_edgeById.assign(total + 1, 0);
+    m_edgeStart.assign(total + 1, 0);
+
+    unsigned offset = 0;
+    for (unsigned count : m_nVertices) {
+        for (unsigned k = 1; k <= count; ++k) {
+            const unsigned from = offset + k;
+            const unsigned to = k == count ? offset + 1 : offset + k + 1;
+            const unsigned id = ++m_l_id;
+            m_nextId[from] = to;
+            m_prevId[to] = from;
+            Pointbase* start = point(from);
+            Pointbase* end = point(to);
+            if (start == 0 || end == 0) {
+                continue;
+            }
+            m_lineStore.push_back(Linebase(start, end, INPUT, id));
+            Linebase* line = &m_lineStore.back();
+            m_edges.emplace_hint(m_edges.end(), id, line);
+            m_edgeById[id] = line;
+            m_edgeStart[id] = from;
+        }
+        offset += count;
+    }
+}
+
+Pointbase* Polygon::point(unsigned id) const {
+    return id < m_pointById.size() ? m_pointById[id] : 0;
+}
+
+Linebase* Polygon::edge(unsigned id) const {
+    return id < m_edgeById.size() ? m_edgeById[id] : 0;
+}
+
+unsigned Polygon::prev(unsigned id) const {
+    return id < m_prevId.size() ? m_prevId[id] : 0;
+}
+
+unsigned Polygon::next(unsigned id) const {
+    return id < m_nextId.size() ? m_nextId[id] : 0;
+}
+
+// The vertices are exactly 1..n of the contours, all finite, every contour
+// has at least three: what the sweep needs to run to its end at all.
+bool Polygon::consistent() const {
+    std::size_t total = 0;
+    for (unsigned count : m_nVertices) {
+        if (count < 3) {
+            return false;
+        }
+        total += count;
+    }
+    if (!m_bFinished || m_bRefused || m_bRenumbered || m_points.size() != total) {
+        return false;
+    }
+    if (total > 0 && (m_points.begin()->first != 1 || m_points.rbegin()->first != total)) {
+        return false;
+    }
+    for (PointbaseMap::const_iterator it = m_points.begin(); it != m_points.end(); ++it) {
+        if (!std::isfinite(it->second->x) || !std::isfinite(it->second->y)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+// --- Polygon: the sweep ------------------------------------------------------
+
+void Polygon::initializate() {
+    if (m_bInitialized) {
+        return;
+    }
+    m_bInitialized = true;
+    Finish();
+    m_startAdjEdgeMap.assign(m_pointById.size(), IncidentEdges());
+    std::vector<Pointbase> events;
+    events.reserve(m_points.size());
+    for (unsigned id = 1; id < m_pointById.size(); ++id) {
+        Pointbase* v = m_pointById[id];
+        if (v == 0) {
+            continue;
+        }
+        const Pointbase* p = point(prev(id));
+        const Pointbase* n = point(next(id));
+        if (p != 0 && n != 0) {
+            if (*p > *v && *n < *v) {
+                v->type = REGULAR_DOWN;
+            } else if (*p<*v&& * n> * v) {
+                v->type = REGULAR_UP;
+            } else if (*p > *v && *n > *v) {
+                v->type = Orient(*p, *v, *n) > 0 ? END : MERGE;
+            } else if (*p < *v && *n < *v) {
+                v->type = Orient(*p, *v, *n) > 0 ? START : SPLIT;
+            }
+        }
+        events.push_back(*v);
+        IncidentEdges& incident = m_startAdjEdgeMap[id];
+        if (edge(id) != 0) {
+            incident.push_back(id);
+        }
+        if (edge(prev(id)) != 0 && prev(id) != id) {
+            incident.push_back(prev(id));
+        }
+        incident.sort();
+    }
+    // One heapify instead of n pushes.
+    m_qpoints = PQueue(std::less<Pointbase>(), std::move(events));
+}
+
+void Polygon::partition2Monotone() {
+    initializate();
+    if (m_qpoints.empty()) {
+        return;
+    }
+    if (!consistent() || m_qpoints.top().type != START) {
+        Stop(kCheckInput, kStopped);
+    }
+    while (!m_qpoints.empty()) {
+        const Pointbase v = m_qpoints.top();
+        m_qpoints.pop();
+        m_edgebst.SetKeyRefresh(v.y);
+        if (m_debug) {
+            m_trace << "\n\nHandle vertex:" << v.id << " type:" << TypeName(v.type);
+        }
+        switch (v.type) {
+            case START:
+                handleStartVertex(v.id);
+                break;
+            case END:
+                handleEndVertex(v.id);
+                break;
+            case MERGE:
+                handleMergeVertex(v.id);
+                break;
+            case SPLIT:
+                handleSplitVertex(v.id);
+                break;
+            case REGULAR_UP:
+                handleRegularVertexUp(v.id);
+                break;
+            case REGULAR_DOWN:
+                handleRegularVertexDown(v.id);
+                break;
+            default:
+                Stop(kNoDuplicates);
+        }
+    }
+}
+
+bool Polygon::isMergeVertex(unsigned id) const {
+    const Pointbase* p = point(id);
+    return p != 0 && p->type == MERGE;
+}
+
+void Polygon::insertEdge(Linebase* line, unsigned helper) {
+    line->setKeyValue(point(helper)->y);
+    m_edgebst.Insert(line);
+    line->setHelper(helper);
+    if (m_debug) {
+        m_trace << "\nInsert e" << line->id() << " to splay tree\n"
+                << "Insert key:" << line->keyValue() << "\nSet e" << line->id() << " helper to "
+                << helper;
+    }
+}
+
+void Polygon::removeEdge(Linebase* line, double y) {
+    line->setKeyValue(y);
+    m_edgebst.Delete(line->keyValue());
+    if (m_debug) {
+        m_trace << "\nRemove e" << line->id() << " from splay tree\n"
+                << "key:" << line->keyValue();
+    }
+}
+
+// END, MERGE and REGULAR_DOWN close the edge entering the vertex.
+void Polygon::endEdge(unsigned id) {
+    Linebase* entering = edge(prev(id));
+    if (entering == 0) {
+        Stop(kCheckInput, kStopped);
+    }
+    const unsigned helper = entering->helper();
+    if (m_debug) {
+        m_trace << "\ne" << entering->id() << " helper is " << helper;
+    }
+    if (isMergeVertex(helper)) {
+        addDiagonal(id, helper);
+    }
+    removeEdge(entering, point(id)->y);
+}
+
+Linebase* Polygon::findLeftEdge(unsigned id) {
+    const Pointbase* v = point(id);
+    EdgeBST::Node* found = 0;
+    m_edgebst.FindMaxSmallerThan(v->x, found);
+    if (found == 0) {
+        Stop(kCheckInput, kStopped);
+    }
+    Linebase* left = found->data();
+    if (m_debug) {
+        m_trace << "\nSearch key:" << v->x << " edge key:" << left->keyValue() << " found:e"
+                << left->id() << " is directly left to v" << id
+                << " and its helper is:" << left->helper();
+    }
+    return left;
+}
+
+void Polygon::setHelper(Linebase* line, unsigned helper) {
+    line->setHelper(helper);
+    if (m_debug) {
+        m_trace << "\nset e" << line->id() << " helper to " << helper;
+    }
+}
+
+void Polygon::handleStartVertex(unsigned id) {
+    if (edge(id) == 0) {
+        Stop(kCheckInput, kStopped);
+    }
+    insertEdge(edge(id), id);
+}
+
+void Polygon::handleEndVertex(unsigned id) {
+    endEdge(id);
+}
+
+void Polygon::handleSplitVertex(unsigned id) {
+    Linebase* left = findLeftEdge(id);
+    addDiagonal(id, left->helper());
+    setHelper(left, id);
+    if (edge(id) == 0) {
+        Stop(kCheckInput, kStopped);
+    }
+    insertEdge(edge(id), id);
+}
+
+void Polygon::handleMergeVertex(unsigned id) {
+    endEdge(id);
+    Linebase* left = findLeftEdge(id);
+    if (isMergeVertex(left->helper())) {
+        addDiagonal(id, left->helper());
+    }
+    setHelper(left, id);
+}
+
+void Polygon::handleRegularVertexUp(unsigned id) {
+    Linebase* left = findLeftEdge(id);
+    if (isMergeVertex(left->helper())) {
+        addDiagonal(id, left->helper());
+    }
+    setHelper(left, id);
+}
+
+void Polygon::handleRegularVertexDown(unsigned id) {
+    endEdge(id);
+    if (edge(id) == 0) {
+        Stop(kCheckInput, kStopped);
+    }
+    insertEdge(edge(id), id);
+}
+
+void Polygon::addDiagonal(unsigned i, unsigned j) {
+    Pointbase* a = point(i);
+    Pointbase* b = point(j);
+    if (a == 0 || b == 0 || i == j) {
+        Stop(kCheckInput, kStopped);
+    }
+    const unsigned id = ++m_l_id;
+    m_lineStore.push_back(Linebase(a, b, INSERT, id));
+    Linebase* diagonal = &m_lineStore.back();
+    m_edges.emplace_hint(m_edges.end(), id, diagonal);
+    m_diagonals.emplace_hint(m_diagonals.end(), id, diagonal);
+    if (m_edgeById.size() <= id) {
+        m_edgeById.resize(id + 1, 0);
+        m_edgeStart.resize(id + 1, 0);
+    }
+    m_edgeById[id] = diagonal;
+    m_edgeStart[id] = i;
+    // Identifiers only grow, so the incident lists stay sorted.
+    m_startAdjEdgeMap[i].push_back(id);
+    m_startAdjEdgeMap[j].push_back(id);
+    if (m_debug) {
+        m_trace << "\nAdd Diagonal from " << i << " to " << j << "\n";
+    }
+}
+
+// --- Polygon: loop extraction ------------------------------------------------
+
+double Polygon::angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const {
+    const double ax = a.x - b.x, ay = a.y - b.y;
+    const double cx = c.x - b.x, cy = c.y - b.y;
+    return (ax * cx + ay * cy) / std::sqrt((ax * ax + ay * ay) * (cx * cx + cy * cy));
+}
+
+// Marks the walk along `line` from its current start; an edge used in every
+// direction it can be walked leaves both incident lists.
+void Polygon::useEdge(Linebase* line) {
+    const unsigned id = line->id();
+    const bool forward = line->endPoint(0)->id == m_edgeStart[id];
+    m_edgeUsed[id] |= forward ? kForwardUsed : kBackwardUsed;
+    if (m_edgeUsed[id] != (kForwardUsed | kBackwardUsed)) {
+        return;
+    }
+    for (int end = 0; end < 2; ++end) {
+        m_startAdjEdgeMap[line->endPoint(end)->id].erase(id);
+    }
+}
+
+bool Polygon::isUsedFrom(const Linebase* line, unsigned startId) const {
+    const unsigned id = line->id();
+    return (m_edgeUsed[id] & (startId == m_edgeStart[id] ? kForwardUsed : kBackwardUsed)) != 0;
+}
+
+Linebase* Polygon::selectNextEdge(Linebase* current) {
+    const Pointbase& a = *current->endPoint(0);
+    const Pointbase& b = *current->endPoint(1);
+    const IncidentEdges& incident = m_startAdjEdgeMap[b.id];
+    const std::size_t others =
+        incident.size() -
+        static_cast<std::size_t>(std::count(incident.begin(), incident.end(), current->id()));
+    if (others == 0) {
+        return 0;
+    }
+    Linebase* leftChoice = 0;
+    Linebase* otherChoice = 0;
+    double leftBest = -2.0;
+    double otherBest = 2.0;
+    for (unsigned id : incident) {
+        if (id == current->id()) {
+            continue;
+        }
+        Linebase* candidate = edge(id);
+        if (candidate->endPoint(0)->id != b.id) {
+            candidate->reverse();
+        }
+        if (others == 1) {
+            return candidate;
+        }
+        const Pointbase& c = *candidate->endPoint(1);
+        const double det = Orient(a, b, c);
+        const double cosine = angleCosb(a, b, c);
+        if (det > 0 && cosine > leftBest) {
+            leftChoice = candidate;
+            leftBest = cosine;
+        } else if (cosine < otherBest) {
+            otherChoice = candidate;
+            otherBest = cosine;
+        }
+    }
+    return leftChoice != 0 ? leftChoice : otherChoice;
+}
+
+void Polygon::searchMonotones() {
+    initializate();
+    m_edgeUsed.assign(m_edgeById.size(), 0);
+    for (LineMap::iterator it = m_edges.begin(); it != m_edges.end(); ++it) {
+        // A contour edge is walked once, along the contour.
+        if (it->second->type() == INPUT) {
+            m_edgeUsed[it->first] = kBackwardUsed;
+        }
+    }
+    unsigned loop = 0;
+    for (Linebase* first : m_edgeById) {
+        if (first == 0) {
+            continue;
+        }
+        while (m_edgeUsed[first->id()] != (kForwardUsed | kBackwardUsed)) {
+            // Start along the direction not walked yet.
+            const unsigned origin = m_edgeStart[first->id()];
+            const bool forwardFree = (m_edgeUsed[first->id()] & kForwardUsed) == 0;
+            if ((first->endPoint(0)->id == origin) != forwardFree) {
+                first->reverse();
+            }
+            const unsigned start = first->endPoint(0)->id;
+            if (m_debug) {
+                m_trace << "\nSearching for loops:" << ++loop << "\nvertex index:" << start;
+            }
+            Monopoly piece(1, start);
+            Linebase* current = first;
+            useEdge(current);
+            for (;;) {
+                const unsigned end = current->endPoint(1)->id;
+                if (end == start) {
+                    break;
+                }
+                piece.push_back(end);
+                if (m_debug) {
+                    m_trace << " " << end;
+                }
+                Linebase* nextEdge = selectNextEdge(current);
+                if (nextEdge == 0 || isUsedFrom(nextEdge, end)) {
+                    Stop(kCheckLoops, kCheckLoopsDetails, kStopped);
+                }
+                useEdge(nextEdge);
+                current = nextEdge;
+            }
+            if (m_debug) {
+                m_trace << "\nloop closed!\n\n";
+            }
+            m_mpolys.push_back(piece);
+        }
+    }
+}
+
+// --- Polygon: triangles ------------------------------------------------------
+
+void Polygon::addTriangle(unsigned a, unsigned b, unsigned c) {
+    if (Orient(*point(a), *point(b), *point(c)) < 0) {
+        std::swap(b, c);
+    }
+    m_triangles.push_back(Triangle{{a, b, c}});
+    if (m_debug) {
+        m_trace << "\nAdd triangle:" << a << " " << b << " " << c;
+    }
+}
+
+void Polygon::triangulateMonotone(const Monopoly& piece) {
+    std::vector<Pointbase*> loop;
+    loop.reserve(piece.size());
+    for (unsigned id : piece) {
+        loop.push_back(point(id));
+    }
+    const std::size_t count = loop.size();
+    if (count < 3) {
+        return;
+    }
+    // The loop runs counter-clockwise: from the top vertex it goes down the
+    // left chain to the bottom vertex, and up the right chain back.
+    std::size_t top = 0, bottom = 0;
+    for (std::size_t i = 1; i < count; ++i) {
+        if (*loop[i] > *loop[top]) {
+            top = i;
+        }
+        if (*loop[i] < *loop[bottom]) {
+            bottom = i;
+        }
+    }
+    for (std::size_t i = top; i != bottom; i = (i + 1) % count) {
+        loop[i]->left = true;
+    }
+    for (std::size_t i = bottom; i != top; i = (i + 1) % count) {
+        loop[i]->left = false;
+    }
+    std::sort(loop.begin(), loop.end(),
+              [](const Pointbase* a, const Pointbase* b) { return *a > *b; });
+
+    std::vector<Pointbase*> stack;
+    stack.reserve(count);
+    stack.push_back(loop[0]);
+    stack.push_back(loop[1]);
+    for (std::size_t j = 2; j + 1 < count; ++j) {
+        Pointbase* u = loop[j];
+        if (m_debug) {
+            m_trace << "\ncurrent top queue vertex index=" << u->id
+                    << "\nCurrent top stack vertex index=" << stack.back()->id;
+            if (stack.size() > 1) {
+                m_trace << "\nSecond stack vertex index=" << stack[stack.size() - 2]->id;
+            }
+        }
+        if (u->left != stack.back()->left) {
+            // Across the piece: u sees every stacked vertex.
+            for (std::size_t k = stack.size() - 1; k > 0; --k) {
+                addTriangle(u->id, stack[k]->id, stack[k - 1]->id);
+            }
+            Pointbase* previous = stack.back();
+            stack.clear();
+            stack.push_back(previous);
+            stack.push_back(u);
+        } else {
+            // Along one chain: cut off the stacked vertices u sees while the
+            // triangle lies inside the piece.
+            Pointbase* last = stack.back();
+            stack.pop_back();
+            while (!stack.empty()) {
+                const double turn = Orient(*stack.back(), *u, *last);
+                if (u->left ? !(turn < 0) : !(turn > 0)) {
+                    break;
+                }
+                addTriangle(u->id, last->id, stack.back()->id);
+                last = stack.back();
+                stack.pop_back();
+            }
+            stack.push_back(last);
+            stack.push_back(u);
+        }
+    }
+    Pointbase* lowest = loop[count - 1];
+    for (std::size_t k = stack.size() - 1; k > 0; --k) {
+        addTriangle(lowest->id, stack[k]->id, stack[k - 1]->id);
+    }
+}
+
+void Polygon::triangulateMonotones() {
+    for (const Monopoly& piece : m_mpolys) {
+        triangulateMonotone(piece);
+    }
+}
+
+void Polygon::triangulation() {
+    partition2Monotone();
+    searchMonotones();
+    triangulateMonotones();
+    std::printf("Total number of triangles:%u\n", triangleCount());
+    std::fflush(stdout);
+}
+
+}  // namespace kwPolygonTriangulation

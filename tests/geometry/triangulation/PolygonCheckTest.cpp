@@ -1,0 +1,188 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "TriangulationTestSupport.h"
+#include "kwcore/geometry/KWPolygonTriangulation.h"
+
+using namespace kwPolygonTriangulation;
+using kwtest::Build;
+using kwtest::Contour;
+
+namespace {
+
+const Contour kSquare = {0, 0, 10, 0, 10, 10, 0, 10};
+
+CheckResult CheckOf(const std::vector<Contour>& contours) {
+    Polygon polygon;
+    Build(polygon, contours);
+    CheckResult result;
+    EXPECT_EQ(polygon.Check(&result), result.code);
+    return result;
+}
+
+struct SCase {
+    const char* name;
+    std::vector<Contour> contours;
+    CheckCode code;
+    const char* message;
+};
+
+}  // namespace
+
+TEST(PolygonCheck, NamesEveryProblemThatWouldEndTheTriangulation) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double inf = std::numeric_limits<double>::infinity();
+    const SCase cases[] = {
+        {"valid with two holes",
+         {kSquare, {1, 1, 1, 3, 3, 3, 3, 1}, {5, 5, 5, 8, 8, 8}},
+         CHECK_OK,
+         ""},
+        {"no contour", {}, CHECK_TOO_FEW_POINTS, "no contour"},
+        {"two points", {kSquare, {1, 1, 2, 2}}, CHECK_TOO_FEW_POINTS, "contour 2 has 2 points"},
+        {"NaN", {{0, 0, 1, 0, nan, 1}}, CHECK_NOT_FINITE, "vertex 3 of contour 1"},
+        {"infinity", {{0, 0, 1, 0, 1, inf}}, CHECK_NOT_FINITE, "not a finite number"},
+        {"repeated point", {kSquare, {1, 1, 10, 10, 1, 2}}, CHECK_DUPLICATED_POINT, "refused"},
+        {"clockwise outer",
+         {{0, 0, 0, 10, 10, 10, 10, 0}},
+         CHECK_WRONG_ORIENTATION,
+         "outer contour runs clockwise"},
+        {"counter-clockwise hole",
+         {kSquare, {1, 1, 3, 1, 3, 3, 1, 3}},
+         CHECK_WRONG_ORIENTATION,
+         "contour 2 (a hole) runs counter-clockwise"},
+        {"bow tie",
+         {{0, 0, 10, 10, 10, 0, 0, 10}},
+         CHECK_SELF_INTERSECTION,
+         "contour 1 crosses or touches itself"},
+        {"doubling back",
+         {{0, 0, 10, 0, 5, 0, 5, 5}},
+         CHECK_SELF_INTERSECTION,
+         "contour 1 crosses or touches itself"},
+        {"vertex on an edge",
+         {{0, 0, 10, 0, 10, 10, 5, 0, 0, 10}},
+         CHECK_SELF_INTERSECTION,
+         "touches itself near"},
+        {"holes crossing",
+         {kSquare, {1, 1, 1, 5, 5, 5, 5, 1}, {3, 3, 3, 7, 7, 7, 7, 3}},
+         CHECK_SELF_INTERSECTION,
+         "contours 2 and 3 cross or touch"},
+        {"hole touching the boundary",
+         {kSquare, {0, 5, 2, 7, 2, 3}},
+         CHECK_SELF_INTERSECTION,
+         "contours 1 and 2 cross or touch"},
+        {"hole sharing a horizontal line with the boundary",
+         {kSquare, {2, 0, 4, 2, 6, 0}},
+         CHECK_SELF_INTERSECTION,
+         "contours 1 and 2"},
+        {"hole outside",
+         {kSquare, {20, 1, 20, 3, 22, 3, 22, 1}},
+         CHECK_HOLE_OUTSIDE,
+         "contour 2 (a hole) is not inside the outer contour"},
+        {"hole above",
+         {kSquare, {1, 20, 1, 23, 3, 23, 3, 20}},
+         CHECK_HOLE_OUTSIDE,
+         "contour 2 (a hole)"},
+        {"hole in a hole",
+         {kSquare, {1, 1, 1, 9, 9, 9, 9, 1}, {3, 3, 3, 5, 5, 5, 5, 3}},
+         CHECK_HOLE_OUTSIDE,
+         "contour 3 (a hole)"},
+        {"outer inside its hole",
+         {{3, 3, 5, 3, 5, 5, 3, 5}, {0, 0, 0, 10, 10, 10, 10, 0}},
+         CHECK_HOLE_OUTSIDE,
+         "contour 2 (a hole)"},
+    };
+    for (const SCase& c : cases) {
+        const CheckResult result = CheckOf(c.contours);
+        EXPECT_EQ(result.code, c.code) << c.name << ": " << result.message;
+        EXPECT_NE(result.message.find(c.message), std::string::npos)
+            << c.name << ": " << result.message;
+    }
+}
+
+TEST(PolygonCheck, ReportsWhereAndWhichContours) {
+    const CheckResult result =
+        CheckOf({kSquare, {1, 1, 1, 5, 5, 5, 5, 1}, {3, 3, 3, 7, 7, 7, 7, 3}});
+    EXPECT_EQ(result.contour, 1);
+    EXPECT_EQ(result.otherContour, 2);
+    // The hole edges cross at (3, 5) and (5, 3).
+    EXPECT_TRUE((result.x == 3 && result.y == 5) || (result.x == 5 && result.y == 3))
+        << result.x << ", " << result.y;
+}
+
+TEST(PolygonCheck, ReversedContourMustComeFirst) {
+    Polygon polygon;
+    polygon.AddContour(kSquare.data(), 4, false, false);
+    const Contour hole = {1, 1, 3, 1, 3, 3, 1, 3};  // reversed on reading: clockwise
+    polygon.AddContour(hole.data(), 4, true, false);
+    polygon.Finish();
+    EXPECT_EQ(polygon.Check(), CHECK_BAD_NUMBERING);
+}
+
+TEST(PolygonCheck, ExactOnNearlyTouchingEdges) {
+    // A hole vertex a hair inside or exactly on the boundary's slanted edge.
+    const double hair = std::ldexp(1.0, -50);
+    const Contour triangle = {0, 0, 8, 0, 0, 8};
+    EXPECT_EQ(CheckOf({triangle, {1, 1, 1, 2, 4 - hair, 4 - hair}}).code, CHECK_OK);
+    EXPECT_EQ(CheckOf({triangle, {1, 1, 1, 2, 4, 4}}).code, CHECK_SELF_INTERSECTION);
+    EXPECT_EQ(CheckOf({triangle, {1, 1, 1, 2, 4 + hair, 4}}).code, CHECK_SELF_INTERSECTION);
+}
+
+// Everything the check accepts triangulates: many random polygons with
+// holes, triangulated first in a child process (where ending cannot hurt),
+// then here, tile for tile.
+TEST(PolygonCheckDeathTest, AcceptedPolygonsAllTriangulate) {
+    std::vector<std::vector<Contour>> accepted;
+    for (std::uint32_t seed = 1; seed <= 300; ++seed) {
+        const SBenchPolygon shape =
+            MakeRandomPolygonWithHoles(4 + seed % 40, seed % 12, 3 + seed % 9, seed);
+        std::vector<Contour> contours = kwtest::Flatten(shape);
+        // Snap to a coarse grid so that collinear and equal-height vertices occur.
+        if (seed % 3 == 0) {
+            for (Contour& contour : contours) {
+                for (double& value : contour) {
+                    value = std::round(value * 64) / 64;
+                }
+            }
+        }
+        Polygon polygon;
+        if (Build(polygon, contours) && polygon.Check() == CHECK_OK) {
+            accepted.push_back(contours);
+        }
+    }
+    ASSERT_GT(accepted.size(), 250u);
+    const auto triangulateAll = [&accepted]() {
+        for (const std::vector<Contour>& contours : accepted) {
+            Polygon polygon;
+            Build(polygon, contours);
+            polygon.triangulation();
+        }
+        std::exit(0);
+    };
+    EXPECT_EXIT(triangulateAll(), testing::ExitedWithCode(0), "");
+    for (const std::vector<Contour>& contours : accepted) {
+        Polygon polygon;
+        Build(polygon, contours);
+        testing::internal::CaptureStdout();
+        polygon.triangulation();
+        testing::internal::GetCapturedStdout();
+        std::size_t vertices = 0;
+        double area = 0.0;
+        for (const Contour& contour : contours) {
+            vertices += contour.size() / 2;
+            area += kwtest::TwiceArea(contour);
+        }
+        ASSERT_EQ(polygon.triangleCount(), vertices + 2 * contours.size() - 4);
+        double tiled = 0.0;
+        for (const Triangle& t : polygon.triangles()) {
+            const Pointbase& a = *polygon.points()[t[0]];
+            const Pointbase& b = *polygon.points()[t[1]];
+            const Pointbase& c = *polygon.points()[t[2]];
+            const double twice = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+            ASSERT_GE(twice, 0.0);
+            tiled += twice;
+        }
+        EXPECT_NEAR(tiled, area, 1e-9 * area);
+    }
+}

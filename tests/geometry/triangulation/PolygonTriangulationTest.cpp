@@ -1,0 +1,210 @@
+#include <gtest/gtest.h>
+
+#if defined(_WIN32)
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+#include <cmath>
+#include <cstdio>
+#include <set>
+#include <string>
+
+#include "TriangulationTestSupport.h"
+#include "kwcore/geometry/KWPolygonTriangulation.h"
+
+using namespace kwPolygonTriangulation;
+using kwtest::Build;
+using kwtest::Contour;
+
+namespace {
+
+const Contour kSquare = {0, 0, 4, 0, 4, 4, 0, 4};
+const Contour kSquareHole = {1, 1, 1, 3, 3, 3, 3, 1};  // clockwise
+
+// Every triangle counter-clockwise with positive area, each vertex id used,
+// the count n + 2h - 2, and the areas adding up to the polygon's.
+void ExpectTiles(Polygon& polygon, const std::vector<Contour>& contours) {
+    double expectedArea = 0.0;
+    std::size_t vertices = 0;
+    for (const Contour& contour : contours) {
+        expectedArea += kwtest::TwiceArea(contour);
+        vertices += contour.size() / 2;
+    }
+    ASSERT_EQ(polygon.triangleCount(), vertices + 2 * (contours.size() - 1) - 2);
+    double area = 0.0;
+    std::set<unsigned> used;
+    for (const Triangle& t : polygon.triangles()) {
+        const Pointbase& a = *polygon.points()[t[0]];
+        const Pointbase& b = *polygon.points()[t[1]];
+        const Pointbase& c = *polygon.points()[t[2]];
+        const double twice = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+        ASSERT_GT(twice, 0.0) << t[0] << " " << t[1] << " " << t[2];
+        area += twice;
+        used.insert(t.begin(), t.end());
+    }
+    EXPECT_EQ(used.size(), vertices);
+    EXPECT_NEAR(area, expectedArea, 1e-9 * std::fabs(expectedArea));
+}
+
+void Triangulate(Polygon& polygon) {
+    testing::internal::CaptureStdout();
+    polygon.triangulation();
+    testing::internal::GetCapturedStdout();
+}
+
+}  // namespace
+
+TEST(PolygonTriangulation, SquareMakesTwoTrianglesAndReportsTheTotal) {
+    Polygon polygon;
+    ASSERT_TRUE(Build(polygon, {kSquare}));
+    testing::internal::CaptureStdout();
+    polygon.triangulation();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Total number of triangles:2\n");
+    ExpectTiles(polygon, {kSquare});
+}
+
+TEST(PolygonTriangulation, SquareWithHoleMakesEightTriangles) {
+    Polygon polygon;
+    ASSERT_TRUE(Build(polygon, {kSquare, kSquareHole}));
+    Triangulate(polygon);
+    EXPECT_EQ(polygon.triangleCount(), 8u);
+    ExpectTiles(polygon, {kSquare, kSquareHole});
+}
+
+TEST(PolygonTriangulation, NumbersVerticesAndEdgesInContourOrder) {
+    Polygon polygon;
+    ASSERT_TRUE(Build(polygon, {kSquare, kSquareHole}));
+    ASSERT_EQ(polygon.points().size(), 8u);
+    EXPECT_EQ(polygon.points()[5]->x, 1.0);
+    EXPECT_EQ(polygon.points()[6]->y, 3.0);
+    // Edge k leaves vertex k; each contour closes on its own first vertex.
+    EXPECT_EQ(polygon.edges()[4]->endPoint(0)->id, 4u);
+    EXPECT_EQ(polygon.edges()[4]->endPoint(1)->id, 1u);
+    EXPECT_EQ(polygon.edges()[8]->endPoint(1)->id, 5u);
+    EXPECT_EQ(polygon.contourSizes(), (std::vector<unsigned>{4, 4}));
+    EXPECT_EQ(polygon.xmax(), 4.0);
+}
+
+TEST(PolygonTriangulation, ReversedAndClosedContoursReadBackwardsFromOne) {
+    const Contour clockwiseClosed = {0, 0, 0, 4, 4, 4, 4, 0, 0, 0};
+    Polygon polygon;
+    ASSERT_TRUE(polygon.AddContour(clockwiseClosed.data(), 5, true, true));
+    polygon.Finish();
+    ASSERT_EQ(polygon.points().size(), 4u);
+    EXPECT_EQ(polygon.points()[1]->x, 4.0);  // the last point before the repeat
+    EXPECT_EQ(polygon.points()[1]->y, 0.0);
+    Triangulate(polygon);
+    EXPECT_EQ(polygon.triangleCount(), 2u);
+}
+
+TEST(PolygonTriangulation, RefusesAContourThatRepeatsAPoint) {
+    Polygon polygon;
+    ASSERT_TRUE(polygon.AddContour(kSquare.data(), 4, false, false));
+    const Contour touching = {1, 1, 2, 1, 4, 4, 1, 2};
+    EXPECT_FALSE(polygon.AddContour(touching.data(), 4, false, false));
+    EXPECT_EQ(polygon.contourCount(), 1u);
+    EXPECT_EQ(polygon.points().size(), 6u);  // the two points before the repeat stay
+    EXPECT_TRUE(polygon.is_exist(2, 1));
+    EXPECT_FALSE(polygon.is_exist(2, 2));
+}
+
+TEST(PolygonTriangulation, CollinearRunsAndHorizontalEdges) {
+    const Contour runs = {0, 0, 1, 0, 2, 0, 3, 0, 3, 1, 3, 2, 2, 2, 2, 1, 1, 1, 1, 2, 0, 2, 0, 1};
+    Polygon polygon;
+    ASSERT_TRUE(Build(polygon, {runs}));
+    Triangulate(polygon);
+    ASSERT_EQ(polygon.triangleCount(), 10u);
+    double area = 0.0;
+    for (const Triangle& t : polygon.triangles()) {
+        const Pointbase& a = *polygon.points()[t[0]];
+        const Pointbase& b = *polygon.points()[t[1]];
+        const Pointbase& c = *polygon.points()[t[2]];
+        const double twice = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+        EXPECT_GE(twice, 0.0);
+        area += twice;
+    }
+    EXPECT_DOUBLE_EQ(area, kwtest::TwiceArea(runs));
+}
+
+TEST(PolygonTriangulation, TilesGeneratedPolygons) {
+    for (std::size_t n : {3u, 10u, 100u, 2000u}) {
+        for (std::uint32_t seed = 1; seed <= 3; ++seed) {
+            for (const SBenchPolygon& shape : {MakeStarPolygon(n, seed), MakeCombPolygon(n, seed),
+                                               MakePolygonWithHoles(n, seed)}) {
+                const std::vector<Contour> contours = kwtest::Flatten(shape);
+                Polygon polygon;
+                ASSERT_TRUE(Build(polygon, contours));
+                ASSERT_EQ(polygon.Check(), CHECK_OK) << n << " " << seed;
+                Triangulate(polygon);
+                ExpectTiles(polygon, contours);
+            }
+        }
+    }
+}
+
+TEST(PolygonTriangulation, SweepPartitionsIntoMonotonePiecesWithDiagonals) {
+    // Notches from above (a MERGE vertex) and below (a SPLIT vertex) meet.
+    Polygon split;
+    const Contour hourglass = {0, 0, 2, 1, 4, 0, 4, 4, 2, 3, 0, 4};
+    ASSERT_TRUE(Build(split, {hourglass}));
+    split.partition2Monotone();
+    EXPECT_EQ(split.diagonals().size(), 1u);
+    split.searchMonotones();
+    EXPECT_EQ(split.monotonePieces().size(), 2u);
+    split.triangulateMonotones();
+    ExpectTiles(split, {hourglass});
+}
+
+TEST(PolygonTriangulation, TracesEveryPhaseWhenAsked) {
+    Polygon polygon;
+    ASSERT_TRUE(Build(polygon, {kSquare, kSquareHole}));
+    polygon.setDebugOption(true);
+    Triangulate(polygon);
+    const std::string trace = polygon.traceText();
+    for (const char* text :
+         {"Handle vertex:1 type:", "START", "SPLIT", "MERGE", "END", "Insert e", " to splay tree",
+          "Remove e", " from splay tree", "Search key:", " is directly left to v",
+          "Add Diagonal from ", "Searching for loops:", "loop closed!",
+          "Add triangle:", "current top queue vertex index=", "Current top stack vertex index="}) {
+        EXPECT_NE(trace.find(text), std::string::npos) << text;
+    }
+    Polygon quiet;
+    ASSERT_TRUE(Build(quiet, {kSquare}));
+    Triangulate(quiet);
+    EXPECT_TRUE(quiet.traceText().empty());
+}
+
+TEST(PolygonTriangulationDeathTest, ClockwiseOuterContourEndsTheProcess) {
+    const Contour clockwise = {0, 0, 0, 4, 4, 4, 4, 0};
+    EXPECT_EXIT(
+        {
+            Polygon polygon;
+            Build(polygon, {clockwise});
+            polygon.triangulation();
+        },
+        testing::ExitedWithCode(1), "");
+    Polygon polygon;
+    Build(polygon, {clockwise});
+    testing::internal::CaptureStdout();
+    EXPECT_EXIT(polygon.triangulation(), testing::ExitedWithCode(1), "");
+    testing::internal::GetCapturedStdout();
+}
+
+TEST(PolygonTriangulationDeathTest, FatalMessagesGoToStandardOutput) {
+    // Death tests match standard error; reroute standard output there.
+    const auto run = [](const std::vector<Contour>& contours) {
+        std::fflush(stdout);
+        dup2(2, 1);
+        Polygon polygon;
+        Build(polygon, contours);
+        polygon.triangulation();
+    };
+    EXPECT_EXIT(run({{0, 0, 0, 4, 4, 4, 4, 0}}), testing::ExitedWithCode(1),
+                "Please check your input polygon:\n1\\)orientations\\?\n2\\)duplicated "
+                "points\\?\ngraiflod stopped.\n");
+    // A repeated point left behind by a refused contour keeps type 1.
+    EXPECT_EXIT(run({kSquare, {5, 5, 6, 5, 0, 0}}), testing::ExitedWithCode(1),
+                "Please check your input polygon");
+}

@@ -1,0 +1,217 @@
+// kwcore triangulate [--method NAME] [--query KIND] [--svg FILE] FILE|-: reads
+// a polygon with holes as text, checks it, triangulates it and prints the
+// triangles as vertex index triples.
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "Commands.h"
+#include "PolygonText.h"
+#include "kwcore/geometry/KWPolygonTriangulation.h"
+
+namespace {
+
+const char kHelp[] =
+    "usage: kwcore triangulate [--method NAME] [--query KIND] [--svg FILE] FILE\n"
+    "\n"
+    "Reads a polygon from FILE (\"-\" for standard input): one contour per block\n"
+    "of \"x y\" lines, a blank line between contours, the first contour the outer\n"
+    "boundary (counter-clockwise) and the others holes (clockwise); \"#\" starts a\n"
+    "comment. Checks it, triangulates it and prints one triangle per line as three\n"
+    "vertex indices, counted from 0 in the order the points are read, each\n"
+    "triangle counter-clockwise.\n"
+    "\n"
+    "Options:\n"
+    "  --method NAME  the triangulation (default monotone):\n"
+    "%s"
+    "  --query KIND   the predicates of methods that offer a choice\n"
+    "  --svg FILE     also draw the polygon and its triangles as an SVG picture\n"
+    "\n"
+    "Exit status: 0 done, 1 the polygon is not valid or a file cannot be read or\n"
+    "written, 2 bad arguments.\n";
+
+typedef std::vector<std::array<std::size_t, 3> > Triangles;
+
+struct SOptions {
+    std::string method = "monotone";
+    std::string query;  // empty: the method's default
+    std::string svg;
+    std::string input;
+};
+
+// A triangulation the command offers: fills `triangles` from a polygon, or
+// says in `error` why it cannot (exit status 1), or returns 2 for options it
+// does not take.
+struct SMethod {
+    const char* name;
+    const char* summary;
+    int (*run)(const SPolygonText& polygon, const SOptions& options, Triangles& triangles,
+               std::string& error);
+};
+
+// The point that repeats, for a clearer message than a refused contour.
+std::string RepeatedPoint(const SPolygonText& polygon) {
+    std::vector<std::tuple<double, double, std::size_t> > points;
+    for (std::size_t c = 0; c < polygon.contours.size(); ++c) {
+        for (std::size_t i = 0; i + 1 < polygon.contours[c].size(); i += 2) {
+            points.emplace_back(polygon.contours[c][i], polygon.contours[c][i + 1], c);
+        }
+    }
+    std::sort(points.begin(), points.end());
+    for (std::size_t k = 1; k < points.size(); ++k) {
+        if (std::get<0>(points[k]) == std::get<0>(points[k - 1]) &&
+            std::get<1>(points[k]) == std::get<1>(points[k - 1])) {
+            char text[160];
+            std::snprintf(text, sizeof text,
+                          "the point (%g, %g) occurs twice (contours %zu and %zu)",
+                          std::get<0>(points[k]), std::get<1>(points[k]),
+                          std::get<2>(points[k - 1]) + 1, std::get<2>(points[k]) + 1);
+            return text;
+        }
+    }
+    return "a point occurs twice";
+}
+
+int RunMonotone(const SPolygonText& text, const SOptions& options, Triangles& triangles,
+                std::string& error) {
+    if (!options.query.empty()) {
+        std::fprintf(stderr, "kwcore triangulate: --query does not apply to --method monotone\n");
+        return 2;
+    }
+    kwPolygonTriangulation::Polygon polygon;
+    for (const std::vector<double>& contour : text.contours) {
+        if (!polygon.AddContour(contour.data(), contour.size() / 2, false, false)) {
+            error = RepeatedPoint(text);
+            return 1;
+        }
+    }
+    polygon.Finish();
+    kwPolygonTriangulation::CheckResult check;
+    if (polygon.Check(&check) != kwPolygonTriangulation::CHECK_OK) {
+        error = check.message;
+        return 1;
+    }
+    // The checked polygon cannot end the process; the quiet phases leave
+    // standard output to the triangles.
+    polygon.partition2Monotone();
+    polygon.searchMonotones();
+    polygon.triangulateMonotones();
+    for (const kwPolygonTriangulation::Triangle& t : polygon.triangles()) {
+        triangles.push_back({{t[0] - 1u, t[1] - 1u, t[2] - 1u}});
+    }
+    return 0;
+}
+
+const SMethod kMethods[] = {
+    {"monotone", "sweep into monotone pieces, then triangulate each (holes allowed)", RunMonotone},
+};
+
+std::string MethodList() {
+    std::string list;
+    for (const SMethod& method : kMethods) {
+        list += std::string("                   ") + method.name + "  " + method.summary + "\n";
+    }
+    return list;
+}
+
+// Returns 0, or 2 after a message.
+int ParseOptions(const Arguments& args, SOptions& options) {
+    bool haveInput = false;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        const std::string& arg = args[i];
+        std::string* value = arg == "--method"  ? &options.method
+                             : arg == "--query" ? &options.query
+                             : arg == "--svg"   ? &options.svg
+                                                : nullptr;
+        if (value != nullptr) {
+            if (i + 1 == args.size()) {
+                std::fprintf(stderr, "kwcore triangulate: %s needs a value\n", arg.c_str());
+                return 2;
+            }
+            *value = args[++i];
+        } else if (arg.size() > 1 && arg[0] == '-') {
+            std::fprintf(stderr, "kwcore triangulate: unknown option '%s'\n", arg.c_str());
+            return 2;
+        } else if (haveInput) {
+            std::fprintf(stderr, "kwcore triangulate: expected one FILE\n");
+            return 2;
+        } else {
+            options.input = arg;
+            haveInput = true;
+        }
+    }
+    if (!haveInput) {
+        std::fprintf(stderr, "kwcore triangulate: expected one FILE (\"-\" for standard input)\n");
+        return 2;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int RunTriangulateCommand(const Arguments& args) {
+    if (WantsHelp(args)) {
+        std::printf(kHelp, MethodList().c_str());
+        return 0;
+    }
+    SOptions options;
+    if (ParseOptions(args, options) != 0) {
+        return 2;
+    }
+    const SMethod* method = nullptr;
+    for (const SMethod& candidate : kMethods) {
+        if (options.method == candidate.name) {
+            method = &candidate;
+        }
+    }
+    if (method == nullptr) {
+        std::fprintf(stderr, "kwcore triangulate: unknown method '%s'\n", options.method.c_str());
+        return 2;
+    }
+
+    const bool fromStdin = options.input == "-";
+    std::FILE* in = fromStdin ? stdin : std::fopen(options.input.c_str(), "r");
+    if (in == nullptr) {
+        std::fprintf(stderr, "kwcore triangulate: cannot read '%s': %s\n", options.input.c_str(),
+                     std::strerror(errno));
+        return 1;
+    }
+    SPolygonText polygon;
+    std::string error;
+    const bool read = ReadPolygonText(in, polygon, error);
+    if (!fromStdin) {
+        std::fclose(in);
+    }
+    if (!read) {
+        std::fprintf(stderr, "kwcore triangulate: %s: %s\n", options.input.c_str(), error.c_str());
+        return 1;
+    }
+
+    Triangles triangles;
+    const int status = method->run(polygon, options, triangles, error);
+    if (status != 0) {
+        if (!error.empty()) {
+            std::fprintf(stderr, "kwcore triangulate: %s: not a valid polygon: %s\n",
+                         options.input.c_str(), error.c_str());
+        }
+        return status;
+    }
+    for (const std::array<std::size_t, 3>& t : triangles) {
+        std::printf("%zu %zu %zu\n", t[0], t[1], t[2]);
+    }
+    std::fprintf(stderr, "%zu vertices in %zu contours: %zu triangles (%s)\n",
+                 polygon.VertexCount(), polygon.contours.size(), triangles.size(), method->name);
+    if (!options.svg.empty()) {
+        if (!WritePolygonSvg(options.svg, polygon, triangles)) {
+            std::fprintf(stderr, "kwcore triangulate: cannot write '%s'\n", options.svg.c_str());
+            return 1;
+        }
+        std::fprintf(stderr, "picture written to %s\n", options.svg.c_str());
+    }
+    return 0;
+}
