@@ -19,6 +19,7 @@ const double kUnderflowFloor = 1e-280;
 CKWReflexIndex::CKWReflexIndex(const double* adX, const double* adY, int iVQuantity)
     : m_adX(adX),
       m_adY(adY),
+      m_kPositionOf(static_cast<std::size_t>(iVQuantity), -1),
       m_kLeafOf(static_cast<std::size_t>(iVQuantity), -1),
       m_kLive(static_cast<std::size_t>(iVQuantity), 0) {}
 
@@ -38,6 +39,15 @@ void CKWReflexIndex::Build(const std::vector<int>& kReflex) {
     m_kNode.reserve(2 * (m_kOrder.size() / kLeafSize + 1) + 1);
     if (!m_kOrder.empty()) {
         BuildNode(0, static_cast<int>(m_kOrder.size()), -1);
+    }
+    m_kPointX.resize(m_kOrder.size());
+    m_kPointY.resize(m_kOrder.size());
+    m_kPointLive.assign(m_kOrder.size(), 1);
+    for (std::size_t k = 0; k < m_kOrder.size(); ++k) {
+        const int i = m_kOrder[k];
+        m_kPointX[k] = m_adX[i];
+        m_kPointY[k] = m_adY[i];
+        m_kPositionOf[static_cast<std::size_t>(i)] = static_cast<int>(k);
     }
 }
 
@@ -87,6 +97,7 @@ void CKWReflexIndex::Remove(int i) {
         return;
     }
     m_kLive[static_cast<std::size_t>(i)] = 0;
+    m_kPointLive[static_cast<std::size_t>(m_kPositionOf[static_cast<std::size_t>(i)])] = 0;
     // Shrink the boxes on the way up to what is still live, so that later
     // (typically longer) ear triangles meet fewer nodes.
     int index = m_kLeafOf[static_cast<std::size_t>(i)];
@@ -94,9 +105,9 @@ void CKWReflexIndex::Remove(int i) {
     --leaf.Live;
     bool first = true;
     for (int k = leaf.Begin; k < leaf.End; ++k) {
-        const int r = m_kOrder[static_cast<std::size_t>(k)];
-        if (m_kLive[static_cast<std::size_t>(r)]) {
-            Extend(leaf, m_adX[r], m_adY[r], m_adX[r], m_adY[r], first);
+        const std::size_t at = static_cast<std::size_t>(k);
+        if (m_kPointLive[at]) {
+            Extend(leaf, m_kPointX[at], m_kPointY[at], m_kPointX[at], m_kPointY[at], first);
             first = false;
         }
     }

@@ -52,12 +52,20 @@ private:
         return (dX - rkEdge.AX) * rkEdge.EY - (dY - rkEdge.AY) * rkEdge.EX > rkEdge.Tol;
     }
     static bool BoxOutside(const SNode& rkNode, const STriangle& rkTri);
+    bool Reaches(int iNode, const STriangle& rkTri) const {
+        const SNode& node = m_kNode[static_cast<std::size_t>(iNode)];
+        return node.Live > 0 && !BoxOutside(node, rkTri);
+    }
     static bool PointOutside(double dX, double dY, const STriangle& rkTri);
 
     const double* m_adX;
     const double* m_adY;
     double m_dExtentX = 0, m_dExtentY = 0;  // extent of all vertices
-    std::vector<int> m_kOrder;
+    std::vector<int> m_kOrder;              // vertex indices, leaf by leaf
+    // Coordinates and liveness in the same order, for the leaf scans.
+    std::vector<double> m_kPointX, m_kPointY;
+    std::vector<char> m_kPointLive;
+    std::vector<int> m_kPositionOf;  // position in m_kOrder by vertex index
     std::vector<SNode> m_kNode;
     std::vector<int> m_kLeafOf;
     std::vector<char> m_kLive;
@@ -71,27 +79,35 @@ bool CKWReflexIndex::AnyInside(int iV0, int iV1, int iV2, Confirm fConfirm) cons
     }
     STriangle tri;
     MakeTriangle(iV0, iV1, iV2, tri);
+    // Depth first; a child is entered only when its box may meet the triangle.
     m_kStack.clear();
-    m_kStack.push_back(0);
-    while (!m_kStack.empty()) {
-        const SNode& node = m_kNode[static_cast<std::size_t>(m_kStack.back())];
-        const int current = m_kStack.back();
-        m_kStack.pop_back();
-        if (node.Live == 0 || BoxOutside(node, tri)) {
-            continue;
-        }
+    int current = Reaches(0, tri) ? 0 : -1;
+    while (current >= 0) {
+        const SNode& node = m_kNode[static_cast<std::size_t>(current)];
         if (node.Right >= 0) {
-            m_kStack.push_back(node.Right);
-            m_kStack.push_back(current + 1);
-            continue;
-        }
-        for (int k = node.Begin; k < node.End; ++k) {
-            const int r = m_kOrder[static_cast<std::size_t>(k)];
-            if (m_kLive[static_cast<std::size_t>(r)] && !PointOutside(m_adX[r], m_adY[r], tri) &&
-                fConfirm(r)) {
-                return true;
+            const bool left = Reaches(current + 1, tri);
+            const bool right = Reaches(node.Right, tri);
+            if (left && right) {
+                m_kStack.push_back(node.Right);
+            }
+            if (left || right) {
+                current = left ? current + 1 : node.Right;
+                continue;
+            }
+        } else {
+            for (int k = node.Begin; k < node.End; ++k) {
+                const std::size_t at = static_cast<std::size_t>(k);
+                if (m_kPointLive[at] && !PointOutside(m_kPointX[at], m_kPointY[at], tri) &&
+                    fConfirm(m_kOrder[at])) {
+                    return true;
+                }
             }
         }
+        if (m_kStack.empty()) {
+            break;
+        }
+        current = m_kStack.back();
+        m_kStack.pop_back();
     }
     return false;
 }
