@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "KWExactLineSign.h"
+
 namespace {
 
 const int kLeafSize = 8;
@@ -150,6 +152,8 @@ void CKWReflexIndex::MakeTriangle(int iV0, int iV1, int iV2, STriangle& rkTri) c
         SEdge& edge = rkTri.Edge[k];
         edge.AX = m_adX[a];
         edge.AY = m_adY[a];
+        edge.BX = m_adX[b];
+        edge.BY = m_adY[b];
         edge.EX = m_adX[b] - m_adX[a];
         edge.EY = m_adY[b] - m_adY[a];
         // Each difference of two doubles is correctly rounded, so the
@@ -187,6 +191,15 @@ bool CKWReflexIndex::PointOutside(double dX, double dY, const STriangle& rkTri) 
     }
     for (const SEdge& edge : rkTri.Edge) {
         if (SurelyRight(dX, dY, edge)) {
+            return true;
+        }
+    }
+    // Close to an edge's line: exactly on it is not strictly inside either.
+    for (const SEdge& edge : rkTri.Edge) {
+        int sign = -1;
+        if (kwRationalArithmetic::detail::ExactLineSign(dX, dY, edge.AX, edge.AY, edge.BX, edge.BY,
+                                                        sign) &&
+            sign >= 0) {
             return true;
         }
     }

@@ -7,7 +7,9 @@
 // floating-point test proves it lies strictly to the right of an edge of the
 // (counter-clockwise) triangle, i.e. where an exact query answers "not
 // inside" as well, and hands every other candidate to the caller's exact
-// test. Coordinates must therefore be exactly those the query works on.
+// test; so does a vertex proven, by exact arithmetic, to lie on or right of
+// an edge's line. Coordinates must therefore be exactly those the query
+// works on.
 #pragma once
 
 #include <vector>
@@ -37,7 +39,7 @@ private:
     // it when (p - a) x (b - a) exceeds Tol, a bound on the rounding of that
     // determinant for any two points of the index's extent.
     struct SEdge {
-        double AX, AY, EX, EY, Tol;
+        double AX, AY, BX, BY, EX, EY, Tol;
     };
     struct STriangle {
         SEdge Edge[3];

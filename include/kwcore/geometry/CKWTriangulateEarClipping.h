@@ -7,15 +7,15 @@
 // The result: n - 2 triangles in clipping order, three vertex indices each,
 // every triangle counter-clockwise as (previous vertex, ear, next vertex). A
 // convex polygon gives the fan (0, i, i + 1). The array holds 3(n - 1) ints,
-// of which the last three are not part of the result (they are 0); the caller
-// releases it with delete[].
+// of which the last three are left unwritten; the caller releases it with
+// delete[].
 //
 // Coordinates per query: QT_INT64 and QT_INTEGER see (p - min) * r * 2^20 and
 // (p - min) * r * 2^24, truncated toward zero, and QT_REAL sees (p - min) * r,
 // where min is the componentwise minimum and r the larger extent of the points.
-// The factor grows with the extent instead of normalising it, so the integer
-// queries are exact only for small polygons (QT_INT64 while r stays below
-// about 2^5); this is the established behaviour and callers rely on it.
+// The factor grows with the extent instead of normalising it, so QT_INT64 is
+// exact only while r stays below about 2^5 (QT_INTEGER far beyond); this is
+// the established behaviour and callers rely on it.
 // QT_RATIONAL and QT_FILTERED (uncertainty fEpsilon) see the points as given.
 //
 // Input outside the contract (clockwise or self-intersecting contours,
@@ -24,11 +24,10 @@
 // vertex of the ring is clipped. Fewer than 3 points, no points or an unknown
 // query type give a null array.
 //
+//   using kwRationalArithmetic::Query;
 //   int* indices = nullptr;
-//   CKWTriangulateEarClipping<double, float> clip(n, points,
-//   kwRationalArithmetic::Query::QT_FILTERED,
-//                                               1e-10, indices);
-//   for (int t = 0; t < n - 2; ++t) { use indices[3 * t], indices[3 * t + 1], indices[3 * t + 2] }
+//   CKWTriangulateEarClipping<double, float> clip(n, points, Query::QT_FILTERED, 1e-12, indices);
+//   for (int t = 0; t < n - 2; ++t) { indices[3 * t], indices[3 * t + 1], indices[3 * t + 2] }
 //   delete[] indices;
 #pragma once
 
