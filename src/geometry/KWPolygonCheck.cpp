@@ -325,6 +325,12 @@ CheckCode Polygon::Check(CheckResult* out) const {
     CheckResult local;
     CheckResult& result = out != 0 ? *out : local;
     result = CheckResult();
+    // A refused contour explains what follows from it (a missing outer contour).
+    if (m_bRefused) {
+        result.code = CHECK_DUPLICATED_POINT;
+        result.message = "a contour was refused: one of its points repeats a point already held";
+        return result.code;
+    }
     if (m_nVertices.empty()) {
         result.code = CHECK_TOO_FEW_POINTS;
         result.message = "the polygon has no contour";
@@ -340,11 +346,6 @@ CheckCode Polygon::Check(CheckResult* out) const {
             return result.code;
         }
         total += m_nVertices[c];
-    }
-    if (m_bRefused) {
-        result.code = CHECK_DUPLICATED_POINT;
-        result.message = "a contour was refused: one of its points repeats a point already held";
-        return result.code;
     }
     if (m_bRenumbered || m_points.size() != total || m_points.begin()->first != 1 ||
         m_points.rbegin()->first != total) {

@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <utility>
 
 namespace kwPolygonTriangulation {
 namespace {
@@ -234,12 +235,15 @@ private:
 };
 
 Polygon::Polygon()
-    : m_ncontours(0),
+    : m_points(&m_pool),
+      m_edges(&m_pool),
+      m_ncontours(0),
       m_xmin(std::numeric_limits<double>::infinity()),
       m_xmax(-std::numeric_limits<double>::infinity()),
       m_ymin(std::numeric_limits<double>::infinity()),
       m_ymax(-std::numeric_limits<double>::infinity()),
       m_l_id(0),
+      m_diagonals(&m_pool),
       m_debug(false),
       m_bRefused(false),
       m_bRenumbered(false),
@@ -252,11 +256,39 @@ Polygon::~Polygon() {
     m_edgebst.MakeEmpty();
 }
 
+void Polygon::setDebugOption(bool on) {
+    m_debug = on;
+    if (on && !m_pTrace) {
+        m_pTrace.reset(new std::ostringstream);
+    }
+}
+
+std::ostream& Polygon::trace() {
+    if (!m_pTrace) {
+        m_pTrace.reset(new std::ostringstream);
+    }
+    return *m_pTrace;
+}
+
 bool Polygon::is_exist(double x, double y) const {
     return m_pCoordinates->Contains(x, y);
 }
 
+bool Polygon::AddContour(std::vector<CKWPoint2T<double, float> >& contour, bool reverse,
+                         bool closed) {
+    std::vector<double> xy;
+    xy.reserve(2 * contour.size());
+    for (const CKWPoint2T<double, float>& point : contour) {
+        xy.push_back(point.X());
+        xy.push_back(point.Y());
+    }
+    return AddContour(xy.data(), contour.size(), reverse, closed);
+}
+
 bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool closed) {
+    if (m_bFinished) {
+        return false;  // the edges are made; a late contour would have none
+    }
     const std::size_t n = closed && count > 0 ? count - 1 : count;
     m_nVertices.push_back(static_cast<unsigned>(n));
     ++m_ncontours;
@@ -277,8 +309,7 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
             return false;
         }
         const unsigned id = first + static_cast<unsigned>(k);
-        m_pointStore.push_back(Pointbase(id, x, y, INPUT));
-        Pointbase* added = &m_pointStore.back();
+        Pointbase* added = m_pointStore.add(Pointbase(id, x, y, INPUT));
         PointbaseMap::iterator slot = m_points.empty() || m_points.rbegin()->first < id
                                           ? m_points.emplace_hint(m_points.end(), id, added)
                                           : m_points.find(id);
@@ -328,8 +359,7 @@ void Polygon::Finish() {
             if (start == 0 || end == 0) {
                 continue;
             }
-            m_lineStore.push_back(Linebase(start, end, INPUT, id));
-            Linebase* line = &m_lineStore.back();
+            Linebase* line = m_lineStore.add(Linebase(start, end, INPUT, id));
             m_edges.emplace_hint(m_edges.end(), id, line);
             m_edgeById[id] = line;
             m_edgeStart[id] = from;
@@ -434,7 +464,7 @@ void Polygon::partition2Monotone() {
         m_qpoints.pop();
         m_edgebst.SetKeyRefresh(v.y);
         if (m_debug) {
-            m_trace << "\n\nHandle vertex:" << v.id << " type:" << TypeName(v.type);
+            trace() << "\n\nHandle vertex:" << v.id << " type:" << TypeName(v.type);
         }
         switch (v.type) {
             case START:
@@ -471,7 +501,7 @@ void Polygon::insertEdge(Linebase* line, unsigned helper) {
     m_edgebst.Insert(line);
     line->setHelper(helper);
     if (m_debug) {
-        m_trace << "\nInsert e" << line->id() << " to splay tree\n"
+        trace() << "\nInsert e" << line->id() << " to splay tree\n"
                 << "Insert key:" << line->keyValue() << "\nSet e" << line->id() << " helper to "
                 << helper;
     }
@@ -481,25 +511,29 @@ void Polygon::removeEdge(Linebase* line, double y) {
     line->setKeyValue(y);
     m_edgebst.Delete(line->keyValue());
     if (m_debug) {
-        m_trace << "\nRemove e" << line->id() << " from splay tree\n"
+        trace() << "\nRemove e" << line->id() << " from splay tree\n"
                 << "key:" << line->keyValue();
     }
 }
 
 // END, MERGE and REGULAR_DOWN close the edge entering the vertex.
-void Polygon::endEdge(unsigned id) {
+Linebase* Polygon::closeEnteringEdge(unsigned id) {
     Linebase* entering = edge(prev(id));
     if (entering == 0) {
         Stop(kCheckInput, kStopped);
     }
     const unsigned helper = entering->helper();
     if (m_debug) {
-        m_trace << "\ne" << entering->id() << " helper is " << helper;
+        trace() << "\ne" << entering->id() << " helper is " << helper;
     }
     if (isMergeVertex(helper)) {
         addDiagonal(id, helper);
     }
-    removeEdge(entering, point(id)->y);
+    return entering;
+}
+
+void Polygon::endEdge(unsigned id) {
+    removeEdge(closeEnteringEdge(id), point(id)->y);
 }
 
 Linebase* Polygon::findLeftEdge(unsigned id) {
@@ -511,7 +545,7 @@ Linebase* Polygon::findLeftEdge(unsigned id) {
     }
     Linebase* left = found->data();
     if (m_debug) {
-        m_trace << "\nSearch key:" << v->x << " edge key:" << left->keyValue() << " found:e"
+        trace() << "\nSearch key:" << v->x << " edge key:" << left->keyValue() << " found:e"
                 << left->id() << " is directly left to v" << id
                 << " and its helper is:" << left->helper();
     }
@@ -521,7 +555,7 @@ Linebase* Polygon::findLeftEdge(unsigned id) {
 void Polygon::setHelper(Linebase* line, unsigned helper) {
     line->setHelper(helper);
     if (m_debug) {
-        m_trace << "\nset e" << line->id() << " helper to " << helper;
+        trace() << "\nset e" << line->id() << " helper to " << helper;
     }
 }
 
@@ -564,11 +598,32 @@ void Polygon::handleRegularVertexUp(unsigned id) {
 }
 
 void Polygon::handleRegularVertexDown(unsigned id) {
-    endEdge(id);
-    if (edge(id) == 0) {
+    Linebase* entering = closeEnteringEdge(id);
+    Linebase* leaving = edge(id);
+    if (leaving == 0) {
         Stop(kCheckInput, kStopped);
     }
-    insertEdge(edge(id), id);
+    // The leaving edge takes the entering one's place in the status (they
+    // meet at v, and no edge lies between them): one search instead of a
+    // removal and an insertion.
+    const double y = point(id)->y;
+    entering->setKeyValue(y);
+    EdgeBST::Node* node = m_edgebst.Find(entering->keyValue());
+    if (node == 0 || node->data() != entering) {
+        removeEdge(entering, y);
+        insertEdge(leaving, id);
+        return;
+    }
+    leaving->setKeyValue(y);
+    node->setData(leaving);
+    leaving->setHelper(id);
+    if (m_debug) {
+        trace() << "\nRemove e" << entering->id() << " from splay tree\n"
+                << "key:" << entering->keyValue() << "\nInsert e" << leaving->id()
+                << " to splay tree\n"
+                << "Insert key:" << leaving->keyValue() << "\nSet e" << leaving->id()
+                << " helper to " << id;
+    }
 }
 
 void Polygon::addDiagonal(unsigned i, unsigned j) {
@@ -578,8 +633,7 @@ void Polygon::addDiagonal(unsigned i, unsigned j) {
         Stop(kCheckInput, kStopped);
     }
     const unsigned id = ++m_l_id;
-    m_lineStore.push_back(Linebase(a, b, INSERT, id));
-    Linebase* diagonal = &m_lineStore.back();
+    Linebase* diagonal = m_lineStore.add(Linebase(a, b, INSERT, id));
     m_edges.emplace_hint(m_edges.end(), id, diagonal);
     m_diagonals.emplace_hint(m_diagonals.end(), id, diagonal);
     if (m_edgeById.size() <= id) {
@@ -592,7 +646,7 @@ void Polygon::addDiagonal(unsigned i, unsigned j) {
     m_startAdjEdgeMap[i].push_back(id);
     m_startAdjEdgeMap[j].push_back(id);
     if (m_debug) {
-        m_trace << "\nAdd Diagonal from " << i << " to " << j << "\n";
+        trace() << "\nAdd Diagonal from " << i << " to " << j << "\n";
     }
 }
 
@@ -685,7 +739,7 @@ void Polygon::searchMonotones() {
             }
             const unsigned start = first->endPoint(0)->id;
             if (m_debug) {
-                m_trace << "\nSearching for loops:" << ++loop << "\nvertex index:" << start;
+                trace() << "\nSearching for loops:" << ++loop << "\nvertex index:" << start;
             }
             Monopoly piece(1, start);
             Linebase* current = first;
@@ -697,7 +751,7 @@ void Polygon::searchMonotones() {
                 }
                 piece.push_back(end);
                 if (m_debug) {
-                    m_trace << " " << end;
+                    trace() << " " << end;
                 }
                 Linebase* nextEdge = selectNextEdge(current);
                 if (nextEdge == 0 || isUsedFrom(nextEdge, end)) {
@@ -707,9 +761,9 @@ void Polygon::searchMonotones() {
                 current = nextEdge;
             }
             if (m_debug) {
-                m_trace << "\nloop closed!\n\n";
+                trace() << "\nloop closed!\n\n";
             }
-            m_mpolys.push_back(piece);
+            m_mpolys.push_back(std::move(piece));
         }
     }
 }
@@ -722,7 +776,7 @@ void Polygon::addTriangle(unsigned a, unsigned b, unsigned c) {
     }
     m_triangles.push_back(Triangle{{a, b, c}});
     if (m_debug) {
-        m_trace << "\nAdd triangle:" << a << " " << b << " " << c;
+        trace() << "\nAdd triangle:" << a << " " << b << " " << c;
     }
 }
 
@@ -763,10 +817,10 @@ void Polygon::triangulateMonotone(const Monopoly& piece) {
     for (std::size_t j = 2; j + 1 < count; ++j) {
         Pointbase* u = loop[j];
         if (m_debug) {
-            m_trace << "\ncurrent top queue vertex index=" << u->id
+            trace() << "\ncurrent top queue vertex index=" << u->id
                     << "\nCurrent top stack vertex index=" << stack.back()->id;
             if (stack.size() > 1) {
-                m_trace << "\nSecond stack vertex index=" << stack[stack.size() - 2]->id;
+                trace() << "\nSecond stack vertex index=" << stack[stack.size() - 2]->id;
             }
         }
         if (u->left != stack.back()->left) {
@@ -803,6 +857,11 @@ void Polygon::triangulateMonotone(const Monopoly& piece) {
 }
 
 void Polygon::triangulateMonotones() {
+    std::size_t triangles = 0;
+    for (const Monopoly& piece : m_mpolys) {
+        triangles += piece.size() >= 2 ? piece.size() - 2 : 0;
+    }
+    m_triangles.reserve(m_triangles.size() + triangles);
     for (const Monopoly& piece : m_mpolys) {
         triangulateMonotone(piece);
     }

@@ -13,6 +13,7 @@
 // afford that call Check() first, which names every such problem.
 //
 //   kwPolygonTriangulation::Polygon polygon;
+//   std::vector<CKWPoint2T<double, float> > outer = ..., hole = ...;
 //   polygon.AddContour(outer, false, false);
 //   polygon.AddContour(hole, false, false);
 //   polygon.Finish();
@@ -26,15 +27,15 @@
 
 #include <array>
 #include <cstddef>
-#include <deque>
-#include <list>
 #include <map>
 #include <memory>
+#include <memory_resource>
 #include <queue>
 #include <sstream>
 #include <string>
 #include <vector>
 
+#include "kwcore/geometry/CKWPoint2T.h"
 #include "kwcore/geometry/KWOrient2D.h"
 #include "kwcore/geometry/KWSplayTree.h"
 #include "kwcore/platform/Export.h"
@@ -130,7 +131,7 @@ private:
 extern template class KWCORE_API SplayTree<Linebase*, double>;
 
 // What Check() finds. Every code but CHECK_OK makes triangulation() end the
-// process.
+// process, except an empty polygon, which triangulates into nothing.
 enum CheckCode {
     CHECK_OK = 0,
     CHECK_TOO_FEW_POINTS,     // no contour, or a contour of fewer than 3 points
@@ -153,12 +154,14 @@ struct KWCORE_API CheckResult {
     std::string message;
 };
 
-typedef std::map<unsigned, Pointbase*> PointbaseMap;
-typedef std::map<unsigned, Linebase*> LineMap;
+// The maps draw their nodes from their Polygon's own memory pool.
+typedef std::pmr::map<unsigned, Pointbase*> PointbaseMap;
+typedef std::pmr::map<unsigned, Linebase*> LineMap;
 typedef std::priority_queue<Pointbase> PQueue;
 typedef SplayTree<Linebase*, double> EdgeBST;
-typedef std::list<unsigned> Monopoly;
-typedef std::list<Monopoly> Monopolys;
+// A monotone piece: its vertex ids in loop order (counter-clockwise).
+typedef std::vector<unsigned> Monopoly;
+typedef std::vector<Monopoly> Monopolys;
 typedef std::array<unsigned, 3> Triangle;
 typedef std::vector<Triangle> Triangles;
 
@@ -169,17 +172,21 @@ public:
     Polygon(const Polygon&) = delete;
     Polygon& operator=(const Polygon&) = delete;
 
-    // Appends a contour of `count` points given as x, y pairs. With `closed`
-    // the last point repeats the first and is skipped. A reversed contour is
-    // read backwards and numbers its vertices from 1 (so it must be the first
-    // one). False, leaving the points read so far in place, when a point
-    // repeats one already held.
+    // Appends a contour. With `closed` the last point repeats the first and
+    // is skipped. A reversed contour is read backwards and numbers its
+    // vertices from 1 (so it must be the first one). False, leaving the points
+    // read so far in place, when a point repeats one already held; false,
+    // changing nothing, after Finish().
+    bool AddContour(std::vector<CKWPoint2T<double, float> >& contour, bool reverse, bool closed);
+    // The same for `count` points given as x, y pairs.
     bool AddContour(const double* xy, std::size_t count, bool reverse, bool closed);
     // Makes the contour edges; call once, after the last AddContour.
     void Finish();
 
     // Every problem that would make triangulation() end the process, in
-    // O(n log n); the first one found, or CHECK_OK.
+    // O(n log n); the first one found, or CHECK_OK. Exact: a vertex a hair
+    // off an edge passes, although the sweep, which places vertices by
+    // rounded keys, may then still fail on it.
     CheckCode Check(CheckResult* result = 0) const;
 
     // The three phases, then "Total number of triangles:<n>" on standard
@@ -208,8 +215,8 @@ public:
 
     // Tracing of the sweep, the loop extraction and the triangulation, into
     // the polygon's own stream.
-    void setDebugOption(bool on) { m_debug = on; }
-    std::string traceText() const { return m_trace.str(); }
+    void setDebugOption(bool on);
+    std::string traceText() const { return m_pTrace ? m_pTrace->str() : std::string(); }
 
 private:
     void initializate();
@@ -235,11 +242,34 @@ private:
     void useEdge(Linebase* edge);
     bool isUsedFrom(const Linebase* edge, unsigned startId) const;
     Linebase* findLeftEdge(unsigned id);
+    Linebase* closeEnteringEdge(unsigned id);
     void endEdge(unsigned id);
     void addTriangle(unsigned a, unsigned b, unsigned c);
+    std::ostream& trace();
     bool consistent() const;
 
     struct SCoordinateIndex;
+
+    // Storage that keeps addresses: blocks that double in size.
+    template <class T>
+    class BlockStore {
+    public:
+        T* add(const T& value) {
+            if (m_used == m_capacity) {
+                m_capacity = m_blocks.empty() ? 64 : 2 * m_capacity;
+                m_blocks.emplace_back(new T[m_capacity]);
+                m_used = 0;
+            }
+            T* slot = &m_blocks.back()[m_used++];
+            *slot = value;
+            return slot;
+        }
+
+    private:
+        std::vector<std::unique_ptr<T[]> > m_blocks;
+        std::size_t m_used = 0;
+        std::size_t m_capacity = 0;
+    };
 
     // The edge ids at one vertex, ascending: a few in place, more on the heap.
     class IncidentEdges {
@@ -258,6 +288,7 @@ private:
         std::vector<unsigned> m_more;
     };
 
+    std::pmr::monotonic_buffer_resource m_pool;  // before the maps that use it
     PointbaseMap m_points;
     LineMap m_edges;
     unsigned m_ncontours;
@@ -271,7 +302,7 @@ private:
     Monopolys m_mpolys;
     Triangles m_triangles;
     bool m_debug;
-    std::ostringstream m_trace;
+    std::unique_ptr<std::ostringstream> m_pTrace;  // made when tracing is first asked for
 
     // Fast paths beside the maps: vertices and edges by id, each vertex's
     // contour neighbours, each edge's original start, and which directions of
@@ -287,8 +318,8 @@ private:
     bool m_bInitialized;
     std::unique_ptr<SCoordinateIndex> m_pCoordinates;
     // The vertices and edges themselves; the maps point into these.
-    std::deque<Pointbase> m_pointStore;
-    std::deque<Linebase> m_lineStore;
+    BlockStore<Pointbase> m_pointStore;
+    BlockStore<Linebase> m_lineStore;
 };
 
 }  // namespace kwPolygonTriangulation

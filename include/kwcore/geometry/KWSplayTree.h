@@ -33,6 +33,8 @@ public:
         : m_data(data), m_pLeft(left), m_pRight(right), m_bVisited(false) {}
 
     T data() const { return m_data; }
+    // Replaces the item; the caller keeps the tree's order.
+    void setData(const T& data) { m_data = data; }
     KeyType keyValue() const { return m_data->keyValue(); }
     BTreeNode* left() const { return m_pLeft; }
     BTreeNode* right() const { return m_pRight; }

@@ -186,3 +186,42 @@ TEST(PolygonCheckDeathTest, AcceptedPolygonsAllTriangulate) {
         EXPECT_NEAR(tiled, area, 1e-9 * area);
     }
 }
+
+// Valid random polygons spoiled in one way each: the check names that way.
+TEST(PolygonCheck, NamesEachSpoilingOfValidPolygons) {
+    int spoiled = 0;
+    for (std::uint32_t seed = 1; seed <= 60; ++seed) {
+        const std::vector<Contour> valid =
+            kwtest::Flatten(MakeRandomPolygonWithHoles(8 + seed % 20, 2 + seed % 5, 5, seed));
+        if (valid.size() < 3) {
+            continue;
+        }
+        ++spoiled;
+        std::vector<Contour> reversed = valid;  // the first hole counter-clockwise
+        reversed[1].clear();
+        for (std::size_t i = valid[1].size(); i >= 2; i -= 2) {
+            reversed[1].push_back(valid[1][i - 2]);
+            reversed[1].push_back(valid[1][i - 1]);
+        }
+        EXPECT_EQ(CheckOf(reversed).code, CHECK_WRONG_ORIENTATION) << seed;
+
+        std::vector<Contour> moved = valid;  // the first hole far outside
+        for (std::size_t i = 0; i < moved[1].size(); i += 2) {
+            moved[1][i] += 10.0;
+        }
+        EXPECT_EQ(CheckOf(moved).code, CHECK_HOLE_OUTSIDE) << seed;
+
+        std::vector<Contour> stacked = valid;  // the second hole on top of the first
+        stacked[2] = stacked[1];
+        for (std::size_t i = 0; i < stacked[2].size(); i += 2) {
+            stacked[2][i] += 1e-3;
+        }
+        EXPECT_EQ(CheckOf(stacked).code, CHECK_SELF_INTERSECTION) << seed;
+
+        std::vector<Contour> repeated = valid;  // a hole vertex on an outer vertex
+        repeated[1][0] = repeated[0][0];
+        repeated[1][1] = repeated[0][1];
+        EXPECT_EQ(CheckOf(repeated).code, CHECK_DUPLICATED_POINT) << seed;
+    }
+    EXPECT_GT(spoiled, 40);
+}

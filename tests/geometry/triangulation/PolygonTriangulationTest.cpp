@@ -87,6 +87,20 @@ TEST(PolygonTriangulation, NumbersVerticesAndEdgesInContourOrder) {
     EXPECT_EQ(polygon.xmax(), 4.0);
 }
 
+TEST(PolygonTriangulation, TakesContoursOfPoints) {
+    std::vector<CKWPoint2T<double, float>> outer = {{0.0, 0.0}, {4.0, 0.0}, {4.0, 4.0}, {0.0, 4.0}};
+    std::vector<CKWPoint2T<double, float>> hole = {
+        {1.0, 1.0}, {1.0, 3.0}, {3.0, 3.0}, {3.0, 1.0}, {1.0, 1.0}};
+    Polygon polygon;
+    ASSERT_TRUE(polygon.AddContour(outer, false, false));
+    ASSERT_TRUE(polygon.AddContour(hole, false, true));  // the repeated first point is skipped
+    polygon.Finish();
+    EXPECT_EQ(polygon.points().size(), 8u);
+    EXPECT_EQ(polygon.points()[8]->x, 3.0);
+    Triangulate(polygon);
+    ExpectTiles(polygon, {kSquare, kSquareHole});
+}
+
 TEST(PolygonTriangulation, ReversedAndClosedContoursReadBackwardsFromOne) {
     const Contour clockwiseClosed = {0, 0, 0, 4, 4, 4, 4, 0, 0, 0};
     Polygon polygon;
@@ -108,6 +122,10 @@ TEST(PolygonTriangulation, RefusesAContourThatRepeatsAPoint) {
     EXPECT_EQ(polygon.points().size(), 6u);  // the two points before the repeat stay
     EXPECT_TRUE(polygon.is_exist(2, 1));
     EXPECT_FALSE(polygon.is_exist(2, 2));
+    polygon.Finish();
+    const Contour late = {1, 1, 2, 1, 2, 2};
+    EXPECT_FALSE(polygon.AddContour(late.data(), 3, false, false));
+    EXPECT_EQ(polygon.contourCount(), 1u);
 }
 
 TEST(PolygonTriangulation, CollinearRunsAndHorizontalEdges) {
