@@ -35,21 +35,26 @@ const Real CKWMathT<Real, Other>::INV_TWO_PI = Real(0.63661977236758134308f);
 template <class Real, class Other>
 const Real CKWMathT<Real, Other>::E = Real(2.71828182845904523536f);
 // pi/180 and 180/pi from the single-precision pi, divided in Real: the two
-// pairs differ here.
+// pairs differ here. The degree constants repeat the expression rather than
+// read DEG_TO_RAD, so that all of them are constants at load time.
+template <class Real>
+constexpr Real DegreeInRadians() {
+    return Real(3.14159265358979323846f) / Real(180);
+}
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::DEG_TO_RAD = Real(3.14159265358979323846f) / Real(180);
+const Real CKWMathT<Real, Other>::DEG_TO_RAD = DegreeInRadians<Real>();
 template <class Real, class Other>
 const Real CKWMathT<Real, Other>::RAD_TO_DEG = Real(180) / Real(3.14159265358979323846f);
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::ONE_DEGREE = DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::ONE_DEGREE = DegreeInRadians<Real>();
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::TWO_DEGREES = Real(2) * DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::TWO_DEGREES = Real(2) * DegreeInRadians<Real>();
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::THREE_DEGREES = Real(3) * DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::THREE_DEGREES = Real(3) * DegreeInRadians<Real>();
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::FIVE_DEGREES = Real(5) * DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::FIVE_DEGREES = Real(5) * DegreeInRadians<Real>();
 template <class Real, class Other>
-const Real CKWMathT<Real, Other>::TEN_DEGREES = Real(10) * DEG_TO_RAD;
+const Real CKWMathT<Real, Other>::TEN_DEGREES = Real(10) * DegreeInRadians<Real>();
 
 // Fast approximations: near-minimax polynomials (fitted for this library by
 // reweighted least squares on each function's domain), evaluated in Real.

@@ -77,27 +77,26 @@ Pointbase::Pointbase(unsigned pid, double px, double py, Type ptype)
 // --- Linebase ----------------------------------------------------------------
 
 Linebase::Linebase()
-    : m_id(0),
-      m_endPoints{0, 0},
-      m_type(INPUT),
-      m_keyValue(0.0),
-      m_helper(0),
+    : m_keyValue(0.0),
       m_x0(0.0),
       m_y0(0.0),
       m_slope(0.0),
-      m_minX(0.0),
+      m_endPoints{0, 0},
+      m_id(0),
+      m_helper(0),
+      m_type(INPUT),
       m_bHorizontal(true) {}
 
 Linebase::Linebase(Pointbase* start, Pointbase* end, Type type, unsigned id)
-    : m_id(id),
-      m_endPoints{start, end},
-      m_type(type),
-      m_keyValue(0.0),
-      m_helper(0),
+    : m_keyValue(0.0),
       m_x0(start->x),
       m_y0(start->y),
-      m_slope((end->x - start->x) / (end->y - start->y)),
-      m_minX(std::min(start->x, end->x)),
+      m_slope(start->y == end->y ? std::min(start->x, end->x)
+                                 : (end->x - start->x) / (end->y - start->y)),
+      m_endPoints{start, end},
+      m_id(id),
+      m_helper(0),
+      m_type(type),
       m_bHorizontal(start->y == end->y) {}
 
 void Linebase::increaseKeyValue(double delta) {

@@ -118,9 +118,16 @@ double UpperFraction(double a, double x) {
     return 1.0 / tail;
 }
 
-// exp(-x) x^a / Gamma(a), the common prefactor of P and Q.
+// exp(-x) x^a / Gamma(a), the common prefactor of P and Q. For large a the
+// exponent's terms are large and nearly cancel; with ln Gamma(a) written as
+// Stirling's series they cancel exactly, leaving
+// sqrt(a / 2 pi) exp(a (log1p(t) - t) - S(a)) with t = (x - a) / a.
 double GammaPrefactor(double a, double x) {
-    return std::exp(-x + a * std::log(x) - LogGamma(a));
+    if (a < kStirlingFrom) {
+        return std::exp(-x + a * std::log(x) - LogGamma(a));
+    }
+    double t = (x - a) / a;
+    return std::sqrt(a / (2.0 * kPi)) * std::exp(a * (std::log1p(t) - t) - StirlingSeries(a));
 }
 
 }  // namespace

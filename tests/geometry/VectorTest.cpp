@@ -111,40 +111,28 @@ TEST(Vector, ApproxEqualRoundsEachComponent) {
     EXPECT_FALSE(V3d(1.0, 2.0, 3.0).Approx_Equal(V3d(1.0, 2.0, 3.2), 1));
 }
 
-TEST(Vector, ConstructionAccessAndArithmetic) {
+TEST(Vector, ConstructionAndArithmetic) {
     const float tuple[] = {1, 2, 3, 4};
     CKWVectorT<4, float, double> v(tuple);
-    EXPECT_EQ(v.GetN(), 4);
     EXPECT_EQ(v[3], 4.0f);
-    EXPECT_EQ(v.GetTuple()[2], 3.0f);
     EXPECT_EQ((CKWVectorT<4, float, double>(nullptr)), (CKWVectorT<4, float, double>()));
     CKWPoint3T<double, float> p(1.0, 2.0, 3.0);
     EXPECT_EQ(V3d(CKWVectorT<3, double, float>(p)), V3d(1, 2, 3));
-    V3d fromOther(1.5f, 2.5f, 3.5f);
-    EXPECT_EQ(fromOther, V3d(1.5, 2.5, 3.5));
+    EXPECT_EQ(V3d(1.5f, 2.5f, 3.5f), V3d(1.5, 2.5, 3.5));
     V3f narrowed(0.1, 0.2, 0.3);
     EXPECT_EQ(narrowed.X(), 0.1f);
-    narrowed.Set(1.0, 2.0, 3.0);
-    EXPECT_EQ(narrowed, V3f(1, 2, 3));
 
     V3f a(1, 2, 3), b(4, 5, 6);
-    EXPECT_EQ(a + b, V3f(5, 7, 9));
-    EXPECT_EQ(b - a, V3f(3, 3, 3));
-    EXPECT_EQ(-a, V3f(-1, -2, -3));
-    EXPECT_EQ(a * 2, V3f(2, 4, 6));
+    EXPECT_EQ(a + b - V3f(1, 1, 1), V3f(4, 6, 8));
+    EXPECT_EQ(-a * 2, V3f(-2, -4, -6));
     EXPECT_EQ(2.0f * a, a * 2);
     EXPECT_EQ(a.Dot(b), 32.0f);
-    EXPECT_EQ(a.SquaredLength(), 14.0f);
     a += b;
     a -= V3f(1, 1, 1);
     a *= 0.5f;
     EXPECT_EQ(a, V3f(2, 3, 4));
     EXPECT_EQ((CKWVectorT<3, float, double>::UNIT(2)), V3f::UNIT_Z);
     EXPECT_EQ((CKWVectorT<3, float, double>::UNIT(3)), V3f::ZERO);
-    EXPECT_EQ(V4f::UNIT_W, V4f(0, 0, 0, 1));
-    float* raw = a;
-    raw[0] = 9;
-    EXPECT_EQ(a.X(), 9.0f);
 }
 
 TEST(Vector, NonFiniteComponentsPropagate) {

@@ -106,7 +106,7 @@ public:
     // The key at sweep height y: the x where the edge crosses the line y;
     // for a horizontal edge, its smaller x.
     void setKeyValue(double y) {
-        m_keyValue = m_bHorizontal ? m_minX : m_x0 + (y - m_y0) * m_slope;
+        m_keyValue = m_bHorizontal ? m_slope : m_x0 + (y - m_y0) * m_slope;
     }
     // Raises the key by delta (at least to the next double).
     void increaseKeyValue(double delta);
@@ -115,16 +115,16 @@ public:
     void reverse();
 
 private:
-    unsigned m_id;
-    Pointbase* m_endPoints[2];
-    Type m_type;
-    double m_keyValue;
-    unsigned m_helper;
-    // The start point and dx/dy, kept here: keys are recomputed many times
-    // per sweep step.
+    // What the sweep reads on every step comes first, and an edge fills one
+    // cache line: keys are recomputed many times per step. For a horizontal
+    // edge m_slope holds its smaller x, the key at every height.
+    alignas(64) double m_keyValue;
     double m_x0, m_y0;
     double m_slope;
-    double m_minX;
+    Pointbase* m_endPoints[2];
+    unsigned m_id;
+    unsigned m_helper;
+    Type m_type;
     bool m_bHorizontal;
 };
 
