@@ -103,6 +103,12 @@
 #include "kwcore/geometry/CKWMatrixT.h"
 #include "kwcore/geometry/CKWQuaternionT.h"
 
+// Geometry: exact arithmetic and ear clipping.
+#include "kwcore/geometry/CKWTriangulateEarClipping.h"
+#include "kwcore/geometry/Query2.h"
+#include "kwcore/geometry/TInteger.h"
+#include "kwcore/geometry/TRational.h"
+
 // XML archive: the file back-end of the serialization, where Xerces-C is available.
 #if __has_include(<xercesc/util/XercesDefs.hpp>)
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"

@@ -6,12 +6,14 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
 #include <tuple>
 #include <vector>
 
 #include "Commands.h"
 #include "PolygonText.h"
+#include "kwcore/geometry/CKWTriangulateEarClipping.h"
 #include "kwcore/geometry/KWPolygonTriangulation.h"
 
 namespace {
@@ -29,7 +31,8 @@ const char kHelp[] =
     "Options:\n"
     "  --method NAME  the triangulation (default monotone):\n"
     "%s"
-    "  --query KIND   the predicates of methods that offer a choice\n"
+    "  --query KIND   the predicates of methods that offer a choice; earclip takes\n"
+    "                 int64, integer, rational, float or filtered (default filtered)\n"
     "  --svg FILE     also draw the polygon and its triangles as an SVG picture\n"
     "\n"
     "Exit status: 0 done, 1 the polygon is not valid or a file cannot be read or\n"
@@ -77,13 +80,10 @@ std::string RepeatedPoint(const SPolygonText& polygon) {
     return "a point occurs twice";
 }
 
-int RunMonotone(const SPolygonText& text, const SOptions& options, Triangles& triangles,
-                std::string& error) {
-    if (!options.query.empty()) {
-        std::fprintf(stderr, "kwcore triangulate: --query does not apply to --method monotone\n");
-        return 2;
-    }
-    kwPolygonTriangulation::Polygon polygon;
+// Builds the polygon and checks it as the monotone sweep needs it; 0, or 1
+// with `error` set.
+int BuildCheckedPolygon(const SPolygonText& text, kwPolygonTriangulation::Polygon& polygon,
+                        std::string& error) {
     for (const std::vector<double>& contour : text.contours) {
         if (!polygon.AddContour(contour.data(), contour.size() / 2, false, false)) {
             error = RepeatedPoint(text);
@@ -94,6 +94,19 @@ int RunMonotone(const SPolygonText& text, const SOptions& options, Triangles& tr
     kwPolygonTriangulation::CheckResult check;
     if (polygon.Check(&check) != kwPolygonTriangulation::CHECK_OK) {
         error = check.message;
+        return 1;
+    }
+    return 0;
+}
+
+int RunMonotone(const SPolygonText& text, const SOptions& options, Triangles& triangles,
+                std::string& error) {
+    if (!options.query.empty()) {
+        std::fprintf(stderr, "kwcore triangulate: --query does not apply to --method monotone\n");
+        return 2;
+    }
+    kwPolygonTriangulation::Polygon polygon;
+    if (BuildCheckedPolygon(text, polygon, error) != 0) {
         return 1;
     }
     // The checked polygon cannot end the process; the quiet phases leave
@@ -107,8 +120,61 @@ int RunMonotone(const SPolygonText& text, const SOptions& options, Triangles& tr
     return 0;
 }
 
+// The uncertainty band of the filtered query, relative to the lengths of the
+// two vectors of each sign test: far above double rounding.
+const double kEarClipUncertainty = 1e-12;
+
+int RunEarClip(const SPolygonText& text, const SOptions& options, Triangles& triangles,
+               std::string& error) {
+    static const char* const kQueries[] = {"int64", "integer", "rational", "float", "filtered"};
+    const std::string query = options.query.empty() ? "filtered" : options.query;
+    int type = 0;
+    while (type < 5 && query != kQueries[type]) {
+        ++type;
+    }
+    if (type == 5) {
+        std::fprintf(stderr,
+                     "kwcore triangulate: unknown query '%s' (int64, integer, rational, float, "
+                     "filtered)\n",
+                     query.c_str());
+        return 2;
+    }
+    if (text.contours.size() != 1) {
+        std::fprintf(stderr,
+                     "kwcore triangulate: --method earclip takes a polygon without holes, this one "
+                     "has %zu; use --method monotone\n",
+                     text.contours.size() - 1);
+        return 1;
+    }
+    kwPolygonTriangulation::Polygon polygon;
+    if (BuildCheckedPolygon(text, polygon, error) != 0) {
+        return 1;
+    }
+    const int n = static_cast<int>(text.contours[0].size() / 2);
+    std::unique_ptr<CKWVector2T<double, float>[]> points(new CKWVector2T<double, float>[n]);
+    for (int i = 0; i < n; ++i) {
+        text.Vertex(static_cast<std::size_t>(i), points[i].X(), points[i].Y());
+    }
+    int* indices = nullptr;
+    CKWTriangulateEarClipping<double, float> clip(
+        n, points.get(), static_cast<kwRationalArithmetic::Query::Type>(type), kEarClipUncertainty,
+        indices);
+    if (indices == nullptr) {
+        error = "ear clipping needs at least three points";
+        return 1;
+    }
+    for (int t = 0; t < n - 2; ++t) {
+        triangles.push_back({{static_cast<std::size_t>(indices[3 * t]),
+                              static_cast<std::size_t>(indices[3 * t + 1]),
+                              static_cast<std::size_t>(indices[3 * t + 2])}});
+    }
+    delete[] indices;
+    return 0;
+}
+
 const SMethod kMethods[] = {
     {"monotone", "sweep into monotone pieces, then triangulate each (holes allowed)", RunMonotone},
+    {"earclip", "clip ears with exact or filtered predicates (no holes)", RunEarClip},
 };
 
 std::string MethodList() {
