@@ -65,6 +65,8 @@ run triangulate --svg "$picture" - <<'POLYGON'
 5 9
 5 7
 POLYGON
+section "The outer boundary alone, by ear clipping with exact rational sign tests"
+printf '0 0\n6 1\n12 0\n13 6\n12 12\n6 10\n0 12\n1 6\n' | run triangulate --method earclip --query rational -
 section "A square with a hole poking out of it: the check names the problem"
 printf '0 0\n12 0\n12 12\n0 12\n\n10 5\n10 7\n14 6\n' | run triangulate - || echo "(exit status $?)"
 

@@ -270,8 +270,10 @@ int RunTriangulateCommand(const Arguments& args) {
     for (const std::array<std::size_t, 3>& t : triangles) {
         std::printf("%zu %zu %zu\n", t[0], t[1], t[2]);
     }
-    std::fprintf(stderr, "%zu vertices in %zu contours: %zu triangles (%s)\n",
-                 polygon.VertexCount(), polygon.contours.size(), triangles.size(), method->name);
+    const std::size_t contours = polygon.contours.size();
+    std::fprintf(stderr, "%zu vertices in %zu contour%s: %zu triangles (%s)\n",
+                 polygon.VertexCount(), contours, contours == 1 ? "" : "s", triangles.size(),
+                 method->name);
     if (!options.svg.empty()) {
         if (!WritePolygonSvg(options.svg, polygon, triangles)) {
             std::fprintf(stderr, "kwcore triangulate: cannot write '%s'\n", options.svg.c_str());
