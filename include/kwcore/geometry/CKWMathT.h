@@ -19,9 +19,9 @@
 #include "kwcore/platform/Export.h"
 
 template <class Real, class Other>
-class CKWPoint2T;
+class KWCORE_API CKWPoint2T;
 template <class Real, class Other>
-class CKWPoint4T;
+class KWCORE_API CKWPoint4T;
 
 template <class Real, class Other>
 class KWCORE_API CKWMathT {

@@ -21,7 +21,7 @@
 #include "kwcore/geometry/CKWMathT.h"
 
 template <int N, class Real, class Other>
-class CKWPointT;
+class KWCORE_API CKWPointT;
 
 template <int N, class Real, class Other>
 class KWCORE_API CKWVectorT {
