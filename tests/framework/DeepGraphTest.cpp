@@ -4,25 +4,11 @@
 #include <vector>
 
 #include "GraphTestTypes.h"
+#include "../KWTestScale.h"
 
 namespace {
 
-// Under the sanitizers, which slow every allocation tenfold, the graphs are a
-// tenth as long: still far deeper than recursion could go on any stack.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KW_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define KW_TEST_SANITIZED 1
-#endif
-#endif
-#ifdef KW_TEST_SANITIZED
-constexpr int kScale = 10;
-#else
-constexpr int kScale = 1;
-#endif
-
-constexpr int kChainLength = 1000000 / kScale;
+constexpr int kChainLength = 1000000 / kKWTestScale;
 
 TEST(DeepGraph, AMillionNodeChainIsWalkedInOrderAndReleased) {
     std::vector<CKWGraphNode*> chain(kChainLength);

@@ -8,27 +8,13 @@
 #include "kwcore/framework/CKWGraphEdge.h"
 #include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
+#include "../KWTestScale.h"
 
 namespace {
 
-// Under the sanitizers, which slow every allocation tenfold, the graphs are a
-// tenth as long: still far deeper than recursion could go on any stack.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-#define KW_TEST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-#define KW_TEST_SANITIZED 1
-#endif
-#endif
-#ifdef KW_TEST_SANITIZED
-constexpr int kScale = 10;
-#else
-constexpr int kScale = 1;
-#endif
-
 // Far deeper than recursive saving and loading could go on an 8 MiB stack.
-constexpr int kChainLength = 1000000 / kScale;
-constexpr int kRingLength = 200000 / kScale;
+constexpr int kChainLength = 1000000 / kKWTestScale;
+constexpr int kRingLength = 200000 / kKWTestScale;
 
 class DeepGraph : public ::testing::Test {
 protected:
