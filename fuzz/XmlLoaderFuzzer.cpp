@@ -14,8 +14,7 @@
 #include <vector>
 #include <xercesc/util/PlatformUtils.hpp>
 
-#include "kwcore/framework/CKWGraphEdge.h"
-#include "kwcore/framework/CKWPreferences.h"
+#include "ReleaseLoaded.h"
 #include "kwcore/object/CKWGuidMapIterator.h"
 #include "kwcore/object/CKWObjGuidPtrMap.h"
 #include "kwcore/object/CKWObjPtrList.h"
@@ -150,26 +149,7 @@ void LoadArchive(CKWXMLFileArchive* archive) {
     for (IKWObject* object : loaded) {
         ReadFields(object);
     }
-    // Objects that others own go with their owners or first: a released edge
-    // leaves its nodes' lists, a preference set releases its own sections.
-    std::set<IKWObject*> owned;
-    std::vector<IKWObject*> edges;
-    std::vector<IKWObject*> others;
-    for (IKWObject* object : loaded) {
-        if (auto* preferences = dynamic_cast<CKWPreferences*>(object)) {
-            for (const auto& entry : preferences->m_PreferenceSectionMap.GetMap()) {
-                owned.insert(entry.second);
-            }
-        }
-        (dynamic_cast<CKWGraphEdge*>(object) ? edges : others).push_back(object);
-    }
-    for (const std::vector<IKWObject*>* group : {&edges, &others}) {
-        for (IKWObject* object : *group) {
-            if (!owned.count(object)) {
-                object->Release();
-            }
-        }
-    }
+    ReleaseEachLoadedObject(loaded);
     archive->Close();
 }
 }  // namespace

@@ -5,9 +5,8 @@
 #include <set>
 #include <vector>
 
+#include "ReleaseLoaded.h"
 #include "XmlInspect.h"
-#include "kwcore/framework/CKWGraphEdge.h"
-#include "kwcore/framework/CKWPreferences.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/CKWDocument.h"
 #include "kwcore/serial/CKWFieldStream.h"
@@ -105,26 +104,7 @@ void ReleaseLoadedObjects(CKWDocument* document) {
             }
         }
     }
-    // Objects that others own go with their owners or first: a released edge
-    // leaves its nodes' lists, a preference set releases its own sections.
-    std::set<IKWObject*> owned;
-    std::vector<IKWObject*> edges;
-    std::vector<IKWObject*> others;
-    for (IKWObject* object : loaded) {
-        if (auto* preferences = dynamic_cast<CKWPreferences*>(object)) {
-            for (const auto& entry : preferences->m_PreferenceSectionMap.GetMap()) {
-                owned.insert(entry.second);
-            }
-        }
-        (dynamic_cast<CKWGraphEdge*>(object) ? edges : others).push_back(object);
-    }
-    for (const std::vector<IKWObject*>* group : {&edges, &others}) {
-        for (IKWObject* object : *group) {
-            if (!owned.count(object)) {
-                object->Release();
-            }
-        }
-    }
+    ReleaseEachLoadedObject(loaded);
 }
 
 }  // namespace
