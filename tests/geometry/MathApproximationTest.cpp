@@ -27,24 +27,13 @@ double MaxError(Real (*approx)(Real), double (*exact)(double), double a, double 
     return worst;
 }
 
-double Sin(double x) {
-    return std::sin(x);
-}
-double Cos(double x) {
-    return std::cos(x);
-}
-double Tan(double x) {
-    return std::tan(x);
-}
-double ASin(double x) {
-    return std::asin(x);
-}
-double ACos(double x) {
-    return std::acos(x);
-}
-double ATan(double x) {
-    return std::atan(x);
-}
+// Exact references as plain function pointers (the std overloads are not).
+double (*const Sin)(double) = [](double x) { return std::sin(x); };
+double (*const Cos)(double) = [](double x) { return std::cos(x); };
+double (*const Tan)(double) = [](double x) { return std::tan(x); };
+double (*const ASin)(double) = [](double x) { return std::asin(x); };
+double (*const ACos)(double) = [](double x) { return std::acos(x); };
+double (*const ATan)(double) = [](double x) { return std::atan(x); };
 
 struct Bound {
     const char* name;
@@ -99,21 +88,13 @@ double Relative(double value, double reference) {
     return reference == 0 ? std::fabs(value) : std::fabs(value / reference - 1);
 }
 
-double StdGamma(double x) {
-    return std::tgamma(x);
-}
-double StdErf(double x) {
-    return std::erf(x);
-}
-double StdErfc(double x) {
-    return std::erfc(x);
-}
-double StdI0(double x) {
-    return std::cyl_bessel_i(0.0, std::fabs(x));
-}
-double StdI1(double x) {
+double (*const StdGamma)(double) = [](double x) { return std::tgamma(x); };
+double (*const StdErf)(double) = [](double x) { return std::erf(x); };
+double (*const StdErfc)(double) = [](double x) { return std::erfc(x); };
+double (*const StdI0)(double) = [](double x) { return std::cyl_bessel_i(0.0, std::fabs(x)); };
+double (*const StdI1)(double) = [](double x) {
     return std::copysign(std::cyl_bessel_i(1.0, std::fabs(x)), x);
-}
+};
 
 // Worst relative error of both pairs against the standard library on a
 // grid; the float pair is held to one unit in the last place of float.

@@ -43,6 +43,14 @@ bool IsDiagonal(const M3& m) {
     return true;
 }
 
+#if KWCORE_TEST_WITH_EIGEN
+template <class Real, class Other>
+Eigen::Matrix<Real, 3, 3> ToEigen(const CKWMatrix3T<Real, Other>& m) {
+    return Eigen::Map<const Eigen::Matrix<Real, 3, 3, Eigen::RowMajor>>(
+        static_cast<const Real*>(m));
+}
+#endif
+
 }  // namespace
 
 template <class Pair>
@@ -69,13 +77,7 @@ TYPED_TEST(MatrixDecompositionTest, EigenDecompositionReconstructsSymmetricInput
         EXPECT_MATRIX_NEAR(rotation.TransposeTimes(rotation), M3::IDENTITY, 3, tolerance);
         EXPECT_MATRIX_NEAR(M3(rotation * diagonal).TimesTranspose(rotation), m, 3, 8 * tolerance);
 #if KWCORE_TEST_WITH_EIGEN
-        Eigen::Matrix<Real, 3, 3> e;
-        for (int r = 0; r < 3; ++r) {
-            for (int c = 0; c < 3; ++c) {
-                e(r, c) = m(r, c);
-            }
-        }
-        const Eigen::SelfAdjointEigenSolver<Eigen::Matrix<Real, 3, 3>> oracle(e);
+        const Eigen::SelfAdjointEigenSolver<Eigen::Matrix<Real, 3, 3>> oracle(ToEigen(m));
         for (int k = 0; k < 3; ++k) {
             EXPECT_NEAR(diagonal(k, k), oracle.eigenvalues()(k), 8 * tolerance);
         }
@@ -114,13 +116,7 @@ TYPED_TEST(MatrixDecompositionTest, SingularValueDecompositionReconstructsInput)
         composed.SingularValueComposition(left, diagonal, rightTranspose);
         EXPECT_MATRIX_NEAR(composed, m, 3, 8 * tolerance * scale);
 #if KWCORE_TEST_WITH_EIGEN
-        Eigen::Matrix<Real, 3, 3> e;
-        for (int r = 0; r < 3; ++r) {
-            for (int c = 0; c < 3; ++c) {
-                e(r, c) = m(r, c);
-            }
-        }
-        const Eigen::JacobiSVD<Eigen::Matrix<Real, 3, 3>> oracle(e);
+        const Eigen::JacobiSVD<Eigen::Matrix<Real, 3, 3>> oracle(ToEigen(m));
         for (int k = 0; k < 3; ++k) {
             EXPECT_NEAR(diagonal(k, k), oracle.singularValues()(k), 8 * tolerance * scale);
         }

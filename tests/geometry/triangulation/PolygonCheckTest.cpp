@@ -164,26 +164,8 @@ TEST(PolygonCheckDeathTest, AcceptedPolygonsAllTriangulate) {
     for (const std::vector<Contour>& contours : accepted) {
         Polygon polygon;
         Build(polygon, contours);
-        testing::internal::CaptureStdout();
-        polygon.triangulation();
-        testing::internal::GetCapturedStdout();
-        std::size_t vertices = 0;
-        double area = 0.0;
-        for (const Contour& contour : contours) {
-            vertices += contour.size() / 2;
-            area += kwtest::TwiceArea(contour);
-        }
-        ASSERT_EQ(polygon.triangleCount(), vertices + 2 * contours.size() - 4);
-        double tiled = 0.0;
-        for (const Triangle& t : polygon.triangles()) {
-            const Pointbase& a = *polygon.points()[t[0]];
-            const Pointbase& b = *polygon.points()[t[1]];
-            const Pointbase& c = *polygon.points()[t[2]];
-            const double twice = (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
-            ASSERT_GE(twice, 0.0);
-            tiled += twice;
-        }
-        EXPECT_NEAR(tiled, area, 1e-9 * area);
+        kwtest::Triangulate(polygon);
+        kwtest::ExpectTiles(polygon, contours, true);
     }
 }
 

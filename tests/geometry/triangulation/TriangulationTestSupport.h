@@ -1,6 +1,10 @@
 // Building Polygons from plain coordinates and checking their triangles.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <set>
 #include <vector>
 
 #include "PolygonGenerators.h"
@@ -46,6 +50,50 @@ inline double TwiceArea(const Contour& c) {
         area += c[2 * i] * c[2 * j + 1] - c[2 * j] * c[2 * i + 1];
     }
     return area;
+}
+
+// Twice the signed area of one triangle of a triangulated polygon.
+inline double TwiceArea(kwPolygonTriangulation::Polygon& polygon,
+                        const kwPolygonTriangulation::Triangle& t) {
+    const kwPolygonTriangulation::Pointbase& a = *polygon.points()[t[0]];
+    const kwPolygonTriangulation::Pointbase& b = *polygon.points()[t[1]];
+    const kwPolygonTriangulation::Pointbase& c = *polygon.points()[t[2]];
+    return (b.x - a.x) * (c.y - a.y) - (b.y - a.y) * (c.x - a.x);
+}
+
+// Triangulates with the progress report kept off the test output.
+inline void Triangulate(kwPolygonTriangulation::Polygon& polygon) {
+    testing::internal::CaptureStdout();
+    polygon.triangulation();
+    testing::internal::GetCapturedStdout();
+}
+
+// Every triangle counter-clockwise (zero area allowed only when allowFlat),
+// each vertex used, the count n + 2h - 2, and the areas adding up to the
+// polygon's.
+inline void ExpectTiles(kwPolygonTriangulation::Polygon& polygon,
+                        const std::vector<Contour>& contours, bool allowFlat = false) {
+    double expectedArea = 0.0;
+    std::size_t vertices = 0;
+    for (const Contour& contour : contours) {
+        expectedArea += TwiceArea(contour);
+        vertices += contour.size() / 2;
+    }
+    ASSERT_EQ(polygon.triangleCount(), vertices + 2 * (contours.size() - 1) - 2);
+    double area = 0.0;
+    std::set<unsigned> used;
+    for (const kwPolygonTriangulation::Triangle& t : polygon.triangles()) {
+        const double twice = TwiceArea(polygon, t);
+        if (allowFlat) {
+            ASSERT_GE(twice, 0.0) << t[0] << " " << t[1] << " " << t[2];
+        } else {
+            ASSERT_GT(twice, 0.0) << t[0] << " " << t[1] << " " << t[2];
+        }
+        area += twice;
+        used.insert(t.begin(), t.end());
+    }
+    EXPECT_EQ(used.size(), vertices);
+    EXPECT_NEAR(area, expectedArea, 1e-9 * std::fabs(expectedArea));
 }
 
 }  // namespace kwtest
