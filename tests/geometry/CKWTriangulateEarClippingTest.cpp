@@ -19,17 +19,12 @@
 #include <random>
 #include <vector>
 
+#include "GeometryTestTypes.h"
 #include "kwcore/geometry/CKWTriangulateEarClipping.h"
 
 using kwRationalArithmetic::Query;
 
 namespace {
-
-template <class RealT, class OtherT>
-struct SPair {
-    typedef RealT Real;
-    typedef OtherT Other;
-};
 
 typedef std::vector<int> Triangles;
 
@@ -247,8 +242,7 @@ public:
     }
 };
 
-typedef ::testing::Types<SPair<float, double>, SPair<double, float>> Pairs;
-TYPED_TEST_SUITE(EarClippingTest, Pairs);
+TYPED_TEST_SUITE(EarClippingTest, GeometryPairs);
 
 }  // namespace
 
