@@ -51,6 +51,8 @@ TEST_F(Graph, ConnectAddsTheEdgeToBothNodesInAttachOrder) {
 
 TEST_F(Graph, SetNodesAndConnectRefuseBadInput) {
     CKWGraphEdge* edge = NewEdge();
+    EXPECT_FALSE(edge->IsConnected());
+    EXPECT_EQ(edge->GetDirection(), CKWGraphEdge::BothWays);
     EXPECT_EQ(edge->Connect(), 0);  // no nodes yet
     EXPECT_EQ(edge->SetNodes(m_a, nullptr), 0);
     EXPECT_EQ(edge->SetNodes(nullptr, m_b), 0);
@@ -70,7 +72,9 @@ TEST_F(Graph, SetNodesAndConnectRefuseBadInput) {
     EXPECT_EQ(m_b->m_EdgeList.GetCount(), 1);
 }
 
-TEST_F(Graph, DisconnectTakesTheEdgeOutOfBothNodes) {
+TEST_F(Graph, DisconnectAndReleaseTakeTheEdgeOutOfBothNodes) {
+    ASSERT_EQ(Join(m_a, m_c)->Release(), 1);
+    EXPECT_EQ(m_a->m_EdgeList.GetCount() + m_c->m_EdgeList.GetCount(), 0);
     CKWGraphEdge* ab = Join(m_a, m_b);
     ASSERT_EQ(ab->Disconnect(), 1);
     EXPECT_FALSE(ab->IsConnected());
@@ -111,13 +115,6 @@ TEST_F(Graph, NeighboursFollowTheDirection) {
     EXPECT_EQ(m_c->GetEdgeToNeighbor(m_a), nullptr);
 }
 
-TEST_F(Graph, NewEdgesAreUnconnectedWithBothWaysDirection) {
-    CKWGraphEdge* edge = NewEdge();
-    EXPECT_FALSE(edge->IsConnected());
-    EXPECT_EQ(edge->GetDirection(), CKWGraphEdge::BothWays);
-    EXPECT_EQ(edge->GetPrimary(), nullptr);
-}
-
 TEST_F(Graph, ReleasingANodeReleasesItsEdgesAndTakesThemFromItsNeighbours) {
     ASSERT_TRUE(Join(m_a, m_b) && Join(m_c, m_a) && Join(m_b, m_c));
     const int edges = CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount();
@@ -127,12 +124,6 @@ TEST_F(Graph, ReleasingANodeReleasesItsEdgesAndTakesThemFromItsNeighbours) {
     EXPECT_EQ(m_b->m_EdgeList.GetCount(), 1);
     EXPECT_EQ(m_c->m_EdgeList.GetCount(), 1);
     EXPECT_EQ(m_b->GetNeighbor(0), m_c);
-}
-
-TEST_F(Graph, ReleasingAnEdgeFirstDisconnectsIt) {
-    CKWGraphEdge* ab = Join(m_a, m_b);
-    ASSERT_EQ(ab->Release(), 1);
-    EXPECT_EQ(m_a->m_EdgeList.GetCount() + m_b->m_EdgeList.GetCount(), 0);
 }
 
 TEST_F(Graph, AnyReleaseOrderLeavesNothingBehind) {

@@ -81,7 +81,7 @@ protected:
     CRecordingObserver* m_pObserver = nullptr;
 };
 
-TEST_F(ModelTest, ViewsReceiveEveryObservation) {
+TEST_F(ModelTest, ViewsReceiveEveryObservationAndAreFoundAndRemovedByID) {
     EXPECT_EQ(m_pModel->AddView(m_pView), 1);
     EXPECT_EQ(m_pModel->AddView(m_pView), 0);
     EXPECT_EQ(m_pModel->AddView(nullptr), 0);
@@ -90,10 +90,8 @@ TEST_F(ModelTest, ViewsReceiveEveryObservation) {
     m_pModel->NotifyObservers(derived);
     m_pModel->NotifyObservers(plain);
     EXPECT_EQ(m_pView->m_received, (std::vector<CKWObservation*>{derived, plain}));
-}
 
-TEST_F(ModelTest, GetViewFindsViewsOnlyAndRemoveViewTakesThemOut) {
-    m_pModel->AddView(m_pView);
+    // GetView finds views only; RemoveView takes them out.
     m_pModel->AddObserver(m_pObserver, kBase);
     EXPECT_EQ(m_pModel->GetView(m_pView->GetInstanceID()), m_pView);
     EXPECT_EQ(m_pModel->GetView(m_pObserver->GetInstanceID()), nullptr);

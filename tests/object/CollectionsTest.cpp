@@ -82,21 +82,10 @@ TEST_F(Collections, LargeListsKeepOrderAndMembershipThroughAddAndRemove) {
     EXPECT_EQ(copy.Add(kept.front()), 0);
     EXPECT_EQ(copy.Remove(kept.back()), 1);
     EXPECT_EQ(list.GetCount(), static_cast<int>(kept.size()));
-    list.RemoveAll(false);
-    EXPECT_EQ(list.Add(kept.front()), 1);
-}
-
-TEST_F(Collections, RemoveAllWithoutReleaseLeavesObjectsAlive) {
-    CKWObjPtrList<CTestWidget> list;
-    CKWObjGuidPtrMap<CTestWidget> map;
-    CTestWidget* a = Make();
-    list.Add(a);
-    map.Add(a);
-    list.RemoveAll(false);
-    map.RemoveAll(false);
+    list.RemoveAll(false);  // without release: the objects live on
     EXPECT_EQ(list.GetCount(), 0);
-    EXPECT_EQ(map.GetCount(), 0);
-    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(a->GetInstanceID()), a);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(kept[0]->GetInstanceID()), kept[0]);
+    EXPECT_EQ(list.Add(kept.front()), 1);
 }
 
 TEST_F(Collections, ReleaseAllGoesFrontToBackInListsAndByAscendingIDInMaps) {
@@ -181,7 +170,9 @@ TEST_F(Collections, LargeMapsFindEveryMemberThroughAddRemoveCopyAndClear) {
     }
     EXPECT_EQ(map.Add(m_widgets[1]), 0);
     map.RemoveAll(false);
+    EXPECT_EQ(map.GetCount(), 0);
     EXPECT_EQ(map.FindObject(m_widgets[1]->GetInstanceID()), nullptr);
+    EXPECT_TRUE(CTestWidget::s_releasedIDs.empty());
     EXPECT_EQ(copy.GetCount(), 100);
     copy = map;
     EXPECT_EQ(copy.FindObject(m_widgets[1]->GetInstanceID()), nullptr);

@@ -25,26 +25,21 @@ protected:
     int m_liveBefore = 0;
 };
 
-TEST_F(ObjectLifetime, CreationWithEmptyIDGivesFreshValidID) {
+TEST_F(ObjectLifetime, CreationGivesAFreshIDOrExactlyTheOneAskedFor) {
+    const CKWGuid id("{0A0B0C0D-1111-2222-3333-444455556666}");
     CTestWidget* a = NewWidget();
     CTestWidget* b = NewWidget();
-    ASSERT_NE(a, nullptr);
-    ASSERT_NE(b, nullptr);
+    CTestWidget* c = NewWidget(id);
+    ASSERT_TRUE(a && b && c);
     EXPECT_TRUE(a->GetInstanceID().IsValid());
     EXPECT_NE(a->GetInstanceID(), b->GetInstanceID());
-    EXPECT_EQ(LiveWidgets(), 2);
-    EXPECT_EQ(a->Release(), 1);
-    EXPECT_EQ(b->Release(), 1);
+    EXPECT_EQ(c->GetInstanceID(), id);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(id), c);
+    EXPECT_EQ(LiveWidgets(), 3);
+    for (CTestWidget* w : {a, b, c}) {
+        EXPECT_EQ(w->Release(), 1);
+    }
     EXPECT_EQ(LiveWidgets(), 0);
-}
-
-TEST_F(ObjectLifetime, CreationWithValidIDBearsExactlyThatID) {
-    CKWGuid id("{0A0B0C0D-1111-2222-3333-444455556666}");
-    CTestWidget* w = NewWidget(id);
-    ASSERT_NE(w, nullptr);
-    EXPECT_EQ(w->GetInstanceID(), id);
-    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(id), w);
-    w->Release();
 }
 
 TEST_F(ObjectLifetime, FailedInitialisationGivesNullAndReleasesTheHalfMadeObject) {
@@ -66,14 +61,6 @@ TEST_F(ObjectLifetime, RefusedReleaseKeepsTheObjectAliveAndTracked) {
     EXPECT_EQ(LiveWidgets(), 0);
 }
 
-TEST_F(ObjectLifetime, ObjectEqualsItsOwnInstanceIDOnly) {
-    CTestWidget* w = NewWidget();
-    EXPECT_TRUE(*w == w->GetInstanceID());
-    EXPECT_FALSE(*w == CKWGuid::CreateNewGUID());
-    EXPECT_FALSE(*w == CKWGuid());
-    w->Release();
-}
-
 TEST_F(ObjectLifetime, IsTypeOfFollowsTheParentChain) {
     CTestWidget* gadget =
         static_cast<CTestWidget*>(CTestGadget::GetCTestGadgetType()->CreateInstance(CKWGuid()));
@@ -89,24 +76,19 @@ TEST_F(ObjectLifetime, IsTypeOfFollowsTheParentChain) {
     widget->Release();
 }
 
-TEST_F(ObjectLifetime, EachTypeTracksOnlyTheInstancesItMade) {
+TEST_F(ObjectLifetime, GadgetsAnswerTheirInterfacesAndAreTrackedByTheirOwnType) {
     auto* gadgetType = CTestGadget::GetCTestGadgetType();
-    int gadgetsBefore = gadgetType->GetInstanceCount();
+    const int gadgetsBefore = gadgetType->GetInstanceCount();
     IKWObject* gadget = gadgetType->CreateInstance(CKWGuid());
     EXPECT_EQ(gadgetType->GetInstanceCount(), gadgetsBefore + 1);
     EXPECT_EQ(LiveWidgets(), 0);
-    gadget->Release();
-    EXPECT_EQ(gadgetType->GetInstanceCount(), gadgetsBefore);
-}
-
-TEST_F(ObjectLifetime, GetInterfaceAnswersTheObjectInterfaceAndOwnInterfaces) {
-    IKWObject* gadget = CTestGadget::GetCTestGadgetType()->CreateInstance(CKWGuid());
     EXPECT_EQ(gadget->GetInterface(CKWGuid(IID_IKWObject)), static_cast<void*>(gadget));
     EXPECT_EQ(gadget->GetInterface(CKWGuid(CTestGadget::IID_ITestGadget)),
               static_cast<void*>(static_cast<CTestGadget*>(gadget)));
     EXPECT_EQ(gadget->GetInterface(CKWGuid()), nullptr);
     EXPECT_EQ(gadget->GetInterface(CKWGuid::CreateNewGUID()), nullptr);
     gadget->Release();
+    EXPECT_EQ(gadgetType->GetInstanceCount(), gadgetsBefore);
 }
 
 TEST_F(ObjectLifetime, PlainObjectImplAnswersOnlyTheObjectInterface) {
@@ -123,7 +105,6 @@ TEST_F(ObjectLifetime, PlainObjectImplAnswersOnlyTheObjectInterface) {
 TEST_F(ObjectLifetime, AbstractTypeMakesNothing) {
     IKWObjectType* shape = CTestShape::GetCTestShapeType();
     EXPECT_EQ(shape->IsAbstract(), 1);
-    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->IsAbstract(), 0);
     EXPECT_EQ(shape->CreateInstance(CKWGuid()), nullptr);
 }
 
@@ -137,26 +118,20 @@ TEST_F(ObjectLifetime, DuplicateInstanceIDDoesNotDisturbTheFirstInstance) {
     first->Release();
 }
 
-}  // namespace
-
-namespace {
-
-TEST_F(ObjectLifetime, ChangedInstanceIDIsReFiledWithTheType) {
+TEST_F(ObjectLifetime, AnObjectEqualsItsInstanceIDWhichIsReFiledWhenChanged) {
     CTestWidget* w = NewWidget();
     const CKWGuid oldID = w->GetInstanceID();
     const CKWGuid newID = CKWGuid::CreateNewGUID();
+    EXPECT_TRUE(*w == oldID && !(*w == newID) && !(*w == CKWGuid()));
     CKWObjectTypeImpl::ChangeInstanceID(w, newID);
     EXPECT_EQ(w->GetInstanceID(), newID);
+    EXPECT_TRUE(*w == newID && !(*w == oldID));
     EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(newID), w);
     EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(oldID), nullptr);
     CKWObjectTypeImpl::ChangeInstanceID(nullptr, newID);
     EXPECT_EQ(w->Release(), 1);
     EXPECT_EQ(LiveWidgets(), 0);
 }
-
-}  // namespace
-
-namespace {
 
 TEST_F(ObjectLifetime, ReleaseInstancesGoesLowestIDFirstAndKeepsRefusers) {
     CTestWidget* high = NewWidget(CKWGuid("{F0000000-0000-4000-8000-000000000000}"));

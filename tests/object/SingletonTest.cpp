@@ -34,16 +34,17 @@ public:
 };
 
 // Singletons live for the whole process: each scenario runs in a child.
-TEST(SingletonDeathTest, GetInstanceCreatesOnceAndRegistersOnce) {
+TEST(SingletonDeathTest, CreatedAndRegisteredOnceAndReleaseInstanceUndoesBoth) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_EXIT(
         {
             CFirstManager* a = CFirstManager::GetInstance();
-            CFirstManager* b = CFirstManager::GetInstance();
-            bool ok = a == b && RegistryProbe::Count(a) == 1;
-            std::size_t before = RegistryProbe::Size();
+            bool ok = a == CFirstManager::GetInstance() && RegistryProbe::Count(a) == 1;
+            const std::size_t before = RegistryProbe::Size();
             RegistryProbe::UnregisterForTest(nullptr);
             ok = ok && RegistryProbe::Size() == before;
+            CFirstManager::ReleaseInstance();
+            ok = ok && g_destroyed == "first;" && RegistryProbe::Count(a) == 0;
             std::exit(ok ? 0 : 1);
         },
         ::testing::ExitedWithCode(0), "");
@@ -57,18 +58,6 @@ TEST(SingletonDeathTest, ReleaseAllReleasesInCreationOrder) {
             CFirstManager::GetInstance();
             CKWSingleton::ReleaseAll();
             std::exit(g_destroyed == "second;first;" ? 0 : 1);
-        },
-        ::testing::ExitedWithCode(0), "");
-}
-
-TEST(SingletonDeathTest, ReleaseInstanceUnregistersAndDestroys) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(
-        {
-            CFirstManager* a = CFirstManager::GetInstance();
-            CFirstManager::ReleaseInstance();
-            bool ok = g_destroyed == "first;" && RegistryProbe::Count(a) == 0;
-            std::exit(ok ? 0 : 1);
         },
         ::testing::ExitedWithCode(0), "");
 }

@@ -126,30 +126,30 @@ TEST(TypeRegistration, DestroyedTypeObjectLeavesTheTypeSystem) {
 TEST(TypeRegistration, LateTypesWaitForTheNextInitialize) {
     const CKWGuid repository = CKWGuid::CreateNewGUID();
     CScopedTestType late(CKWGuid::CreateNewGUID(), CKWGuid(kWidgetTypeID), "Late");
+    CScopedTestType orphan(CKWGuid::CreateNewGUID(), CKWGuid::CreateNewGUID(), "Orphan");
     EXPECT_FALSE(late.GetRepositoryID().IsValid());
     EXPECT_EQ(late.GetParentType(), nullptr);
 
     CKWTypeSystem::Initialize(repository);
     EXPECT_EQ(late.GetRepositoryID(), repository);
     EXPECT_EQ(late.GetParentType(), CTestWidget::GetCTestWidgetType());
-    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->GetRepositoryID(), CKWGuid(kTestRepositoryID));
-    auto it = CKWTypeSystem::GetRepositoryIterator(repository);
-    EXPECT_EQ(it.GetNext(1), &late);
-    EXPECT_EQ(it.GetNext(0), nullptr);
-
-    CKWTypeSystem::ReleaseRepository(repository);
-    EXPECT_EQ(CKWTypeSystem::FindType(late.GetID()), nullptr);
-    EXPECT_FALSE(CKWTypeSystem::GetRepositoryIterator(repository).IsValid());
-}
-
-TEST(TypeRegistration, MissingParentLeavesTheTypeARoot) {
-    const CKWGuid repository = CKWGuid::CreateNewGUID();
-    CScopedTestType orphan(CKWGuid::CreateNewGUID(), CKWGuid::CreateNewGUID(), "Orphan");
-    CKWTypeSystem::Initialize(repository);
+    // A missing parent leaves the type a root.
     EXPECT_EQ(orphan.GetParentType(), nullptr);
     EXPECT_EQ(orphan.IsTypeOf(orphan.GetID()), 1);
     EXPECT_EQ(orphan.IsTypeOf(kObjectImplTypeID), 0);
+    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->GetRepositoryID(), CKWGuid(kTestRepositoryID));
+    auto it = CKWTypeSystem::GetRepositoryIterator(repository);
+    std::vector<IKWObjectType*> collected;
+    for (IKWObjectType* t = it.GetNext(1); t; t = it.GetNext(0)) {
+        collected.push_back(t);
+    }
+    EXPECT_EQ(collected.size(), 2u);
+    EXPECT_NE(std::find(collected.begin(), collected.end(), &late), collected.end());
+
     CKWTypeSystem::ReleaseRepository(repository);
+    EXPECT_EQ(CKWTypeSystem::FindType(late.GetID()), nullptr);
+    EXPECT_EQ(CKWTypeSystem::FindType(orphan.GetID()), nullptr);
+    EXPECT_FALSE(CKWTypeSystem::GetRepositoryIterator(repository).IsValid());
 }
 
 TEST(TypeRegistration, ChildTypesAreRegisteredOnce) {

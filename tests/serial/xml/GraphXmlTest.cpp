@@ -18,14 +18,14 @@ T* Make(IKWObjectType* type) {
     return dynamic_cast<T*>(type->CreateInstance(CKWGuid()));
 }
 
-IKWObjectType* NodeType() {
+CKWObjectTypeImpl* NodeType() {
     return CKWGraphNode::GetCKWGraphNodeType();
 }
-IKWObjectType* EdgeType() {
+CKWObjectTypeImpl* EdgeType() {
     return CKWGraphEdge::GetCKWGraphEdgeType();
 }
-int Live(IKWObjectType* type) {
-    return static_cast<CKWObjectTypeImpl*>(type)->GetInstanceCount();
+int Live(CKWObjectTypeImpl* type) {
+    return type->GetInstanceCount();
 }
 
 // Each node's edges (by instance ID) as (edge, primary, secondary) IDs, in list order.
@@ -37,8 +37,8 @@ CKWGuid IdOf(const IKWObject* object) {
 class GraphXml : public XmlArchiveTest {
 protected:
     void TearDown() override {
-        static_cast<CKWObjectTypeImpl*>(EdgeType())->ReleaseInstances();
-        static_cast<CKWObjectTypeImpl*>(NodeType())->ReleaseInstances();
+        EdgeType()->ReleaseInstances();
+        NodeType()->ReleaseInstances();
         CKWPreferences::GetCKWPreferencesType()->ReleaseInstances();
         CKWPreferenceSection::GetCKWPreferenceSectionType()->ReleaseInstances();
         XmlArchiveTest::TearDown();
@@ -57,15 +57,26 @@ protected:
         }
     }
 
+    // The loaded node that was built as node i, if any.
+    static CKWGraphNode* Node(std::size_t i) {
+        return dynamic_cast<CKWGraphNode*>(NodeType()->FindInstance(s_nodeIDs[i]));
+    }
+    void BuildAndRemember() {
+        Build();
+        s_nodeIDs.clear();
+        for (CKWGraphNode* node : m_nodes) {
+            s_nodeIDs.push_back(node->GetInstanceID());
+        }
+    }
+
     static Shape ShapeOf() {
         Shape shape;
-        auto* type = static_cast<CKWObjectTypeImpl*>(NodeType());
-        for (const CKWGuid& id : s_nodeIDs) {
-            auto* node = dynamic_cast<CKWGraphNode*>(type->FindInstance(id));
+        for (std::size_t i = 0; i < s_nodeIDs.size(); ++i) {
+            CKWGraphNode* node = Node(i);
             if (!node) {
                 continue;
             }
-            auto& edges = shape[id];
+            auto& edges = shape[s_nodeIDs[i]];
             for (CKWGraphEdge* edge : node->m_EdgeList) {
                 edges.push_back({IdOf(edge), IdOf(edge->GetPrimary()), IdOf(edge->GetSecondary())});
             }
@@ -93,14 +104,10 @@ protected:
 
     // Saves the built graph from node 3, releases it and loads it back from node 0.
     CKWGraphNode* RoundTrip(KWOwned<CKWXMLFileArchive>& archive, const char* name) {
-        Build();
-        s_nodeIDs.clear();
-        for (CKWGraphNode* node : m_nodes) {
-            s_nodeIDs.push_back(node->GetInstanceID());
-        }
+        BuildAndRemember();
         m_built = ShapeOf();
         EXPECT_EQ(Save(m_nodes[3], name, m_documentID), 1);
-        static_cast<CKWObjectTypeImpl*>(NodeType())->ReleaseInstances();
+        NodeType()->ReleaseInstances();
         EXPECT_EQ(Live(EdgeType()), 0);
         archive = NewArchive(Path(name));
         return dynamic_cast<CKWGraphNode*>(Load(archive.get(), NodeType(), s_nodeIDs[0]));
@@ -128,11 +135,9 @@ TEST_F(GraphXml, SavingOneNodeWritesTheWholeGraphOnceAndLoadingOneNodeRebuildsIt
     EXPECT_EQ(Live(NodeType()), 5);
     EXPECT_EQ(Live(EdgeType()), 6);
     EXPECT_EQ(ShapeOf(), m_built);  // edge lists in their order, ends as built
-    for (int i = 0; i < 5; ++i) {
-        auto* node = dynamic_cast<CKWGraphNode*>(
-            static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(s_nodeIDs[i]));
-        ASSERT_NE(node, nullptr);
-        for (CKWGraphEdge* edge : node->m_EdgeList) {
+    for (std::size_t i = 0; i < 5; ++i) {
+        ASSERT_NE(Node(i), nullptr);
+        for (CKWGraphEdge* edge : Node(i)->m_EdgeList) {
             EXPECT_TRUE(edge->IsConnected());
         }
     }
@@ -148,23 +153,17 @@ TEST_F(GraphXml, SavingOneNodeWritesTheWholeGraphOnceAndLoadingOneNodeRebuildsIt
 TEST_F(GraphXml, ALoadedGraphIsSavedAgainToTheSameFile) {
     KWOwned<CKWXMLFileArchive> archive;
     ASSERT_NE(RoundTrip(archive, "first.xml"), nullptr);
-    auto* third = dynamic_cast<CKWGraphNode*>(
-        static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(s_nodeIDs[3]));
-    ASSERT_NE(third, nullptr);
-    ASSERT_EQ(Save(third, "second.xml", m_documentID), 1);
+    ASSERT_NE(Node(3), nullptr);
+    ASSERT_EQ(Save(Node(3), "second.xml", m_documentID), 1);
     EXPECT_EQ(ReadText(Path("first.xml")), ReadText(Path("second.xml")));
 }
 
 TEST_F(GraphXml, LinksToMissingOrWronglyTypedObjectsGiveAPartialGraph) {
-    Build();
-    s_nodeIDs.clear();
-    for (CKWGraphNode* node : m_nodes) {
-        s_nodeIDs.push_back(node->GetInstanceID());
-    }
+    BuildAndRemember();
     ASSERT_EQ(Save(m_nodes[0], "graph.xml"), 1);
     const CKWGuid lostID = s_nodeIDs[4];
     const CKWGuid edgeOfOne = IdOf(m_nodes[1]->GetEdge(1));  // the 1-2 edge
-    static_cast<CKWObjectTypeImpl*>(NodeType())->ReleaseInstances();
+    NodeType()->ReleaseInstances();
     std::string text = ReadText(Path("graph.xml"));
     // Node 4 is gone from the file; node 1's second edge link names the node type.
     const std::string lost = "<" + lostID.GetCStringXMLElement().GetStdString() + ">";
@@ -184,17 +183,13 @@ TEST_F(GraphXml, LinksToMissingOrWronglyTypedObjectsGiveAPartialGraph) {
     KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("graph.xml"));
     auto* first = dynamic_cast<CKWGraphNode*>(Load(archive.get(), NodeType(), s_nodeIDs[0]));
     ASSERT_NE(first, nullptr);
-    EXPECT_EQ(static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(lostID), nullptr);
-    auto* one = dynamic_cast<CKWGraphNode*>(
-        static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(s_nodeIDs[1]));
-    ASSERT_NE(one, nullptr);
-    EXPECT_EQ(one->m_EdgeList.GetCount(), 1);  // the wrongly typed link is left out
+    EXPECT_EQ(NodeType()->FindInstance(lostID), nullptr);
+    ASSERT_NE(Node(1), nullptr);
+    EXPECT_EQ(Node(1)->m_EdgeList.GetCount(), 1);  // the wrongly typed link is left out
     // The edges to the missing node have one end only and are not connected.
-    auto* three = dynamic_cast<CKWGraphNode*>(
-        static_cast<CKWObjectTypeImpl*>(NodeType())->FindInstance(s_nodeIDs[3]));
-    ASSERT_NE(three, nullptr);
+    ASSERT_NE(Node(3), nullptr);
     int halfEdges = 0;
-    for (CKWGraphEdge* edge : three->m_EdgeList) {
+    for (CKWGraphEdge* edge : Node(3)->m_EdgeList) {
         if (!edge->GetPrimary() || !edge->GetSecondary()) {
             ++halfEdges;
             EXPECT_FALSE(edge->IsConnected());
@@ -202,8 +197,8 @@ TEST_F(GraphXml, LinksToMissingOrWronglyTypedObjectsGiveAPartialGraph) {
     }
     EXPECT_EQ(halfEdges, 2);
     // Releasing in any order leaves nothing behind.
-    static_cast<CKWObjectTypeImpl*>(NodeType())->ReleaseInstances();
-    static_cast<CKWObjectTypeImpl*>(EdgeType())->ReleaseInstances();
+    NodeType()->ReleaseInstances();
+    EdgeType()->ReleaseInstances();
     EXPECT_EQ(Live(NodeType()) + Live(EdgeType()), 0);
 }
 
