@@ -22,8 +22,9 @@ public:
     static int s_beforeReleaseCalls;
 
     void SetRefuseRelease(bool refuse) { m_bRefuseRelease = refuse; }
-    // Changes the instance ID after creation (as an archive does on load).
-    void ChangeInstanceID(const CKWGuid& id) { SetInstanceID(id); }
+    // Changes the instance ID after creation, as an archive does on load, and
+    // keeps the type tracking the widget under its new ID.
+    void ChangeInstanceID(const CKWGuid& id) { CKWObjectTypeImpl::ChangeInstanceID(this, id); }
     // A hook run by OnBeforeRelease, for tests of release during a walk.
     void (*m_pOnRelease)(CTestWidget* self) = nullptr;
     void* m_pContext = nullptr;
