@@ -22,6 +22,7 @@
 // Object model: GUIDs, objects, types and collections.
 #include "kwcore/object/CKWGuid.h"
 #include "kwcore/object/CKWGuidMapIterator.h"
+#include "kwcore/object/CKWListNodeArena.h"
 #include "kwcore/object/CKWObjGuidPtrMap.h"
 #include "kwcore/object/CKWObjPtrList.h"
 #include "kwcore/object/CKWObjectImpl.h"

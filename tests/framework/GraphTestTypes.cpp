@@ -1,5 +1,7 @@
 #include "GraphTestTypes.h"
 
+#include <utility>
+
 #include "kwcore/object/CKWTypeSystem.h"
 
 KW_IMPLEMENT_SERIAL_TYPE(COneWayEdge, "{1B8D4F62-7C3E-4091-8D2F-3E4A5B6C7D81}",
@@ -22,10 +24,18 @@ int COneWayEdge::OnInitialize() {
     return 1;
 }
 
+int CRecordingVisitor::VisitNode(CKWGraphNode* node) {
+    m_visits.push_back(node);
+    return node == m_pBlocked ? 0 : CKWDFSVisitor::VisitNode(node);
+}
+
 int CRecordingVisitor::AddToDFSList(CKWGraphNode* node) {
     m_calls.push_back(node);
     if (m_bStartInside) {
         m_nestedStarts.push_back(Start(node));
+    }
+    if (CKWGraphNode* extra = std::exchange(m_pAlsoRecord, nullptr)) {
+        CKWDFSVisitor::AddToDFSList(extra);
     }
     return CKWDFSVisitor::AddToDFSList(node);
 }

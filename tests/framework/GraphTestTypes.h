@@ -29,14 +29,21 @@ protected:
     CCityNode() = default;
 };
 
-// Records every AddToDFSList call; can start a nested traversal from it.
+// Records every AddToDFSList and VisitNode call; can start a nested
+// traversal from AddToDFSList, record one more node there, and refuse to
+// visit a node.
 class CRecordingVisitor : public CKWDFSVisitor {
     KW_DECLARE_TYPE(CRecordingVisitor, CKWObjectTypeImpl)
 
 public:
+    int VisitNode(CKWGraphNode* node) override;
+
     std::vector<CKWGraphNode*> m_calls;
+    std::vector<CKWGraphNode*> m_visits;
     bool m_bStartInside = false;
     std::vector<int> m_nestedStarts;
+    CKWGraphNode* m_pAlsoRecord = nullptr;
+    CKWGraphNode* m_pBlocked = nullptr;
 
 protected:
     CRecordingVisitor() = default;

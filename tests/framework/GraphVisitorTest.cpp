@@ -129,6 +129,37 @@ TEST_F(Visitors, SubclassesSeeOneAddToDFSListCallPerNodeInVisitingOrder) {
     EXPECT_EQ(recorder->m_calls, (std::vector<CKWGraphNode*>{m_n[2], m_n[0], m_n[1]}));
 }
 
+TEST_F(Visitors, SubclassesSeeVisitNodeForEveryNeighbourAndCanStopTheWalkThere) {
+    // 0 - 1 - 3, 0 - 2, 1 - 2: neighbours are offered in recursive order.
+    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[0], m_n[2]) && Join(m_n[1], m_n[3]) &&
+                Join(m_n[1], m_n[2]));
+    ASSERT_EQ(recorder->Start(m_n[0]), 1);
+    EXPECT_EQ(recorder->m_visits,
+              (std::vector<CKWGraphNode*>{m_n[0], m_n[1], m_n[3], m_n[2], m_n[0]}));
+    EXPECT_EQ(Recorded(recorder), (std::vector<CKWGraphNode*>{m_n[0], m_n[1], m_n[3], m_n[2]}));
+    // Refusing node 1 keeps the walk out of it, so 3 is never reached.
+    recorder->ClearDFSNodeList();
+    recorder->m_visits.clear();
+    recorder->m_pBlocked = m_n[1];
+    ASSERT_EQ(recorder->Start(m_n[0]), 1);
+    EXPECT_EQ(recorder->m_visits, (std::vector<CKWGraphNode*>{m_n[0], m_n[1], m_n[2], m_n[1]}));
+    EXPECT_EQ(Recorded(recorder), (std::vector<CKWGraphNode*>{m_n[0], m_n[2]}));
+    EXPECT_FALSE(m_n[3]->WasVisited(recorder));
+}
+
+TEST_F(Visitors, NodesRecordedAheadOfTheirVisitAreRecordedOnce) {
+    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[1], m_n[2]));
+    recorder->m_pAlsoRecord = m_n[2];
+    ASSERT_EQ(recorder->Start(m_n[0]), 1);
+    EXPECT_EQ(Recorded(recorder), (std::vector<CKWGraphNode*>{m_n[2], m_n[0], m_n[1]}));
+    // A second walk into the same list records only what is new to it.
+    ASSERT_TRUE(Join(m_n[2], m_n[3]));
+    ASSERT_EQ(recorder->Start(m_n[3]), 1);
+    EXPECT_EQ(Recorded(recorder), (std::vector<CKWGraphNode*>{m_n[2], m_n[0], m_n[1], m_n[3]}));
+}
+
 TEST_F(Visitors, TheFilterLimitsWhatIsRecordedNotHowFarTheWalkGoes) {
     auto* filtered =
         NewObject<CKWFilteredDFSVisitor>(CKWFilteredDFSVisitor::GetCKWFilteredDFSVisitorType());

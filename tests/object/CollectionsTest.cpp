@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "TestTypes.h"
@@ -86,6 +87,41 @@ TEST_F(Collections, LargeListsKeepOrderAndMembershipThroughAddAndRemove) {
     EXPECT_EQ(list.GetCount(), 0);
     EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(kept[0]->GetInstanceID()), kept[0]);
     EXPECT_EQ(list.Add(kept.front()), 1);
+}
+
+TEST_F(Collections, ListsAppendedWithoutLookupFindEveryElementAndMoveWhole) {
+    CKWObjPtrList<CTestWidget> list;
+    std::vector<CTestWidget*> all;
+    for (int i = 0; i < 100; ++i) {
+        const auto before = list.GetChangeCount();
+        all.push_back(Make());
+        list.AddNew(all.back());
+        ASSERT_GT(list.GetChangeCount(), before);
+        if (i == 50) {  // a lookup half way indexes what is there so far
+            ASSERT_TRUE(list.Contains(all[20]));
+        }
+    }
+    EXPECT_EQ(list.Add(all[99]), 0);
+    EXPECT_EQ(list.Remove(all[70]), 1);
+    EXPECT_EQ(list.Remove(all[70]), 0);
+    all.erase(all.begin() + 70);
+    EXPECT_EQ(Walk(list.GetIterator()), all);
+
+    CKWObjPtrList<CTestWidget> moved(std::move(list));
+    EXPECT_EQ(list.GetCount(), 0);  // NOLINT(bugprone-use-after-move): moved-from is empty
+    EXPECT_EQ(list.Add(all[0]), 1);
+    EXPECT_EQ(Walk(moved.GetIterator()), all);
+    CKWObjPtrList<CTestWidget> assigned;
+    assigned.Add(all[5]);
+    assigned = std::move(moved);
+    EXPECT_EQ(Walk(assigned.GetIterator()), all);
+    EXPECT_EQ(assigned.Remove(all[98]), 1);
+    list = assigned;
+    EXPECT_EQ(list.GetCount(), 98);
+    EXPECT_EQ(list.Add(all[98]), 1);
+    assigned.RemoveAll(false);
+    assigned.AddNew(all[1]);
+    EXPECT_EQ(Walk(assigned.GetIterator()), (std::vector<CTestWidget*>{all[1]}));
 }
 
 TEST_F(Collections, ReleaseAllGoesFrontToBackInListsAndByAscendingIDInMaps) {

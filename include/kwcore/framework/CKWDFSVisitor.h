@@ -3,18 +3,26 @@
 // The walk is pre-order and follows each node's edges in list order,
 // crossing every edge at most once per session (an edge that may not be
 // crossed from a node is still marked). Each node is handed to AddToDFSList
-// on its first visit, in visiting order. The walk keeps its own stack, so
-// graphs of millions of nodes are walked on an ordinary thread stack. Start
-// does not clear the recorded nodes: call ClearDFSNodeList between runs.
-// The list does not own the nodes.
+// on its first visit, in visiting order, and every neighbour reached goes
+// through VisitNode. The walk keeps its own stack, so graphs of millions of
+// nodes are walked on an ordinary thread stack: an override of VisitNode
+// sees its node before the walk goes on from it, but returns before the
+// node's neighbours are walked. Start does not clear the recorded nodes:
+// call ClearDFSNodeList between runs. The list does not own the nodes.
 //
 //   dfs->Start(root);
 //   auto it = dfs->GetDFSNodeIterator();
 //   for (CKWGraphNode* n = it.GetNext(1); n; n = it.GetNext(0)) { ... }
 #pragma once
 
+#include <cstdint>
+#include <limits>
+#include <vector>
+
 #include "kwcore/framework/CKWGraphNodeVisitorImpl.h"
 #include "kwcore/object/CKWObjPtrList.h"
+
+class CKWGraphEdge;
 
 class KWCORE_API CKWDFSVisitor : public CKWGraphNodeVisitorImpl {
     KW_DECLARE_TYPE(CKWDFSVisitor, CKWObjectTypeImpl)
@@ -41,4 +49,32 @@ protected:
     virtual void OnFirstVisit(CKWGraphNode* node) { AddToDFSList(node); }
 
     CKWObjPtrList<CKWGraphNode> m_DFSNodeList;
+
+private:
+    struct Frame {
+        using Position = CKWObjPtrList<CKWGraphEdge>::List::const_iterator;
+        Frame(CKWGraphNode* n, Position first, Position last) : node(n), next(first), end(last) {}
+        CKWGraphNode* node;
+        CKWObjPtrList<CKWGraphEdge>::List::const_iterator next;
+        CKWObjPtrList<CKWGraphEdge>::List::const_iterator end;
+    };
+    static constexpr std::uint64_t kNoFreshChanges = std::numeric_limits<std::uint64_t>::max();
+    // Edges fetched ahead when a node is entered; a walk stack up to this
+    // size is kept for the next walk.
+    static constexpr int kEdgesAhead = 4;
+    static constexpr std::size_t kKeptFrames = 1 << 16;
+    static constexpr int kCacheLine = 64;
+
+    void Enter(CKWGraphNode* node);
+    void Walk(std::uint16_t session);
+    static void PrefetchNode(const CKWGraphNode* node);
+    static CKWGraphNode* Across(const CKWGraphEdge* edge, const CKWGraphNode* from);
+
+    // The walk under way, or null.
+    std::vector<Frame>* m_pWalk = nullptr;
+    std::vector<Frame> m_walk;
+    // The node in its first visit, until it is recorded.
+    CKWGraphNode* m_pFreshNode = nullptr;
+    // The list's change count while it holds only this walk's first visits.
+    std::uint64_t m_iFreshChanges = kNoFreshChanges;
 };

@@ -39,6 +39,12 @@ public:
     void SetVisited(const IKWGraphNodeVisitor* visitor);
     int WasVisited(const IKWGraphNodeVisitor* visitor) const;
 
+private:
+    // Never issued as a session number, so a new node counts as unvisited.
+    // Beside the edge list, which walks read with it.
+    std::uint16_t m_iVisitedSession = 0xFFFF;
+
+public:
     CKWObjPtrList<CKWGraphEdge> m_EdgeList;
 
 protected:
@@ -58,8 +64,6 @@ private:
     // 1 when edge was held and is removed.
     int RemoveEdge(CKWGraphEdge* edge);
 
-    // Never issued as a session number, so a new node counts as unvisited.
-    std::uint16_t m_iVisitedSession = 0xFFFF;
     // While loading: edges that finished first and wait to be matched.
     bool m_bLoading = false;
     std::vector<CKWGraphEdge*> m_waitingEdges;

@@ -3,7 +3,10 @@
 // Holds plain, non-owning pointers, each at most once. Large lists keep a
 // pointer index beside the list, so Add and Remove stay constant-time for
 // the million-node walks of graph visitors while small lists (a node's
-// edges) cost no more than the list itself. Find by instance ID scans.
+// edges) cost no more than the list itself. The index is brought up to date
+// by the lookups that need it, so elements appended with AddNew cost no
+// hashing until then. The first few list nodes live inside the list object
+// (see CKWListNodeArena). Find by instance ID scans.
 //
 //   CKWObjPtrList<CKWGraphEdge> edges;
 //   edges.Add(edge);
@@ -12,19 +15,22 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <list>
 #include <memory>
 #include <type_traits>
 #include <unordered_map>
 
+#include "kwcore/object/CKWListNodeArena.h"
 #include "kwcore/object/IKWCollection.h"
 #include "kwcore/object/IKWIterator.h"
 
 template <class T>
 class CKWObjPtrList : public IKWCollection<T> {
 public:
-    using List = std::list<T*>;
+    using List = std::list<T*, CKWListNodeAllocator<T*>>;
 
     template <class Position>
     class BasicIterator : public IKWIterator<T> {
@@ -64,16 +70,24 @@ public:
     using ReverseIterator = BasicIterator<typename List::const_reverse_iterator>;
 
     CKWObjPtrList() = default;
-    CKWObjPtrList(const CKWObjPtrList& other) : m_list(other.m_list) { RebuildIndex(); }
-    CKWObjPtrList(CKWObjPtrList&&) noexcept = default;
+    CKWObjPtrList(const CKWObjPtrList& other)
+        : m_list(other.m_list.begin(), other.m_list.end(), OwnAllocator()) {}
+    CKWObjPtrList(CKWObjPtrList&& other) noexcept { TakeFrom(other); }
     CKWObjPtrList& operator=(const CKWObjPtrList& other) {
         if (this != &other) {
             m_list = other.m_list;
-            RebuildIndex();
+            DropIndex();
+            ++m_iChanges;
         }
         return *this;
     }
-    CKWObjPtrList& operator=(CKWObjPtrList&&) noexcept = default;
+    CKWObjPtrList& operator=(CKWObjPtrList&& other) noexcept {
+        if (this != &other) {
+            TakeFrom(other);
+            ++m_iChanges;
+        }
+        return *this;
+    }
     ~CKWObjPtrList() = default;
 
     int GetCount() const override { return static_cast<int>(m_list.size()); }
@@ -99,11 +113,22 @@ public:
         m_list.push_back(element);
         if (m_pIndex) {
             m_pIndex->emplace(element, std::prev(m_list.end()));
-        } else if (m_list.size() > kIndexThreshold) {
-            RebuildIndex();
+            ++m_iIndexed;
         }
+        ++m_iChanges;
         return 1;
     }
+
+    // Appends an element the caller knows the list does not hold, without
+    // looking for it. Appending a held element breaks the list.
+    void AddNew(T* element) {
+        m_list.push_back(element);
+        ++m_iChanges;
+    }
+
+    // Grows with every change to the list, so a caller can tell whether
+    // what it knows about the list still holds.
+    std::uint64_t GetChangeCount() const { return m_iChanges; }
 
     int Remove(T* element) override {
         auto position = Locate(element);
@@ -112,8 +137,10 @@ public:
         }
         if (m_pIndex) {
             m_pIndex->erase(element);
+            --m_iIndexed;
         }
         m_list.erase(position);
+        ++m_iChanges;
         return 1;
     }
 
@@ -123,11 +150,18 @@ public:
     void RemoveAll(bool bRelease) override {
         while (bRelease && !m_list.empty()) {
             T* element = m_list.front();
-            Remove(element);
+            if (m_iIndexed > 0) {
+                m_pIndex->erase(element);
+                --m_iIndexed;
+            }
+            m_list.pop_front();
+            ++m_iChanges;
             element->Release();
         }
         m_list.clear();
-        m_pIndex.reset();
+        m_arena.ReleaseBlocks();
+        DropIndex();
+        ++m_iChanges;
     }
 
     Iterator GetIterator() const { return Iterator(&m_list, m_list.begin(), m_list.end()); }
@@ -146,6 +180,7 @@ private:
         if (!element) {
             return m_list.end();
         }
+        UpdateIndex();
         if (m_pIndex) {
             auto found = m_pIndex->find(const_cast<T*>(element));
             return found == m_pIndex->end() ? m_list.end() : found->second;
@@ -153,22 +188,50 @@ private:
         return std::find(m_list.begin(), m_list.end(), element);
     }
 
-    void RebuildIndex() {
-        m_pIndex.reset();
-        if (m_list.size() <= kIndexThreshold) {
-            return;
+    // The index holds the first m_iIndexed elements; this adds the rest, and
+    // makes the index once the list has grown past the threshold.
+    void UpdateIndex() const {
+        if (!m_pIndex) {
+            if (m_list.size() <= kIndexThreshold) {
+                return;
+            }
+            m_pIndex = std::make_unique<Index>();
+            m_pIndex->reserve(m_list.size());
         }
-        m_pIndex = std::make_unique<Index>();
-        m_pIndex->reserve(m_list.size());
-        for (auto position = m_list.begin(); position != m_list.end(); ++position) {
+        auto position =
+            std::prev(m_list.end(), static_cast<std::ptrdiff_t>(m_list.size() - m_iIndexed));
+        for (; position != m_list.end(); ++position) {
             m_pIndex->emplace(*position, position);
         }
+        m_iIndexed = m_list.size();
     }
 
-    using Index = std::unordered_map<T*, typename List::iterator>;
+    void DropIndex() {
+        m_pIndex.reset();
+        m_iIndexed = 0;
+    }
 
-    List m_list;
-    std::unique_ptr<Index> m_pIndex;
+    // The elements move one by one into this list's own nodes, so the index
+    // (which points at nodes) is made again when next needed.
+    void TakeFrom(CKWObjPtrList& other) {
+        m_list = std::move(other.m_list);
+        DropIndex();
+        other.m_list.clear();
+        other.m_arena.ReleaseBlocks();
+        other.DropIndex();
+        ++other.m_iChanges;
+    }
+
+    using Index = std::unordered_map<T*, typename List::const_iterator>;
+
+    typename List::allocator_type OwnAllocator() { return typename List::allocator_type(&m_arena); }
+
+    // Before the list, which may take nodes from it as it is made.
+    CKWListNodeArena m_arena;
+    List m_list{OwnAllocator()};
+    mutable std::unique_ptr<Index> m_pIndex;
+    mutable std::size_t m_iIndexed = 0;
+    std::uint64_t m_iChanges = 0;
 };
 
 template <class T>
