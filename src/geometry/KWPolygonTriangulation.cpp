@@ -242,6 +242,7 @@ Polygon::Polygon()
       m_ymin(std::numeric_limits<double>::infinity()),
       m_ymax(-std::numeric_limits<double>::infinity()),
       m_l_id(0),
+      m_nextEvent(0),
       m_diagonals(&m_pool),
       m_debug(false),
       m_bRefused(false),
@@ -446,21 +447,24 @@ void Polygon::initializate() {
         }
         incident.sort();
     }
-    // One heapify instead of n pushes.
-    m_qpoints = PQueue(std::less<Pointbase>(), std::move(events));
+    // Vertices are distinct once consistent(), so the order is total and
+    // matches that of a priority queue.
+    std::sort(events.begin(), events.end(),
+              [](const Pointbase& a, const Pointbase& b) { return a > b; });
+    m_events = std::move(events);
+    m_nextEvent = 0;
 }
 
 void Polygon::partition2Monotone() {
     initializate();
-    if (m_qpoints.empty()) {
+    if (m_nextEvent == m_events.size()) {
         return;
     }
-    if (!consistent() || m_qpoints.top().type != START) {
+    if (!consistent() || m_events[m_nextEvent].type != START) {
         Stop(kCheckInput, kStopped);
     }
-    while (!m_qpoints.empty()) {
-        const Pointbase v = m_qpoints.top();
-        m_qpoints.pop();
+    while (m_nextEvent < m_events.size()) {
+        const Pointbase v = m_events[m_nextEvent++];
         m_edgebst.SetKeyRefresh(v.y);
         if (m_debug) {
             trace() << "\n\nHandle vertex:" << v.id << " type:" << TypeName(v.type);

@@ -295,7 +295,10 @@ private:
     std::vector<unsigned> m_nVertices;
     double m_xmin, m_xmax, m_ymin, m_ymax;
     unsigned m_l_id;
-    PQueue m_qpoints;
+    // The vertices in sweep order (top first), sorted once, and the next one
+    // to handle: a heap would jump across the whole array at every pop.
+    std::vector<Pointbase> m_events;
+    std::size_t m_nextEvent;
     EdgeBST m_edgebst;
     std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
     LineMap m_diagonals;
