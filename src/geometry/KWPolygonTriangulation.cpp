@@ -117,32 +117,31 @@ void Linebase::reverse() {
 // --- Polygon: incident edges -------------------------------------------------
 
 void Polygon::IncidentEdges::push_back(unsigned id) {
-    if (!m_bSpilled && m_count < sizeof m_ids / sizeof m_ids[0]) {
+    if (!m_pMore && m_count < sizeof m_ids / sizeof m_ids[0]) {
         m_ids[m_count++] = id;
         return;
     }
-    if (!m_bSpilled) {
-        m_more.assign(m_ids, m_ids + m_count);
-        m_bSpilled = true;
+    if (!m_pMore) {
+        m_pMore.reset(new std::vector<unsigned>(m_ids, m_ids + m_count));
     }
-    m_more.push_back(id);
+    m_pMore->push_back(id);
 }
 
 void Polygon::IncidentEdges::sort() {
-    unsigned* first = m_bSpilled ? m_more.data() : m_ids;
+    unsigned* first = m_pMore ? m_pMore->data() : m_ids;
     std::sort(first, first + size());
 }
 
 void Polygon::IncidentEdges::erase(unsigned id) {
-    unsigned* first = m_bSpilled ? m_more.data() : m_ids;
+    unsigned* first = m_pMore ? m_pMore->data() : m_ids;
     unsigned* last = first + size();
     unsigned* found = std::find(first, last, id);
     if (found == last) {
         return;
     }
     std::copy(found + 1, last, found);
-    if (m_bSpilled) {
-        m_more.pop_back();
+    if (m_pMore) {
+        m_pMore->pop_back();
     } else {
         --m_count;
     }
@@ -236,6 +235,10 @@ private:
 Polygon::Polygon()
     : m_points(&m_pool),
       m_edges(&m_pool),
+      m_diagonals(&m_pool),
+      m_bPointsStale(false),
+      m_bEdgesStale(false),
+      m_bDiagonalsStale(false),
       m_ncontours(0),
       m_xmin(std::numeric_limits<double>::infinity()),
       m_xmax(-std::numeric_limits<double>::infinity()),
@@ -243,8 +246,9 @@ Polygon::Polygon()
       m_ymax(-std::numeric_limits<double>::infinity()),
       m_l_id(0),
       m_nextEvent(0),
-      m_diagonals(&m_pool),
       m_debug(false),
+      m_pointCount(0),
+      m_maxPointId(0),
       m_bRefused(false),
       m_bRenumbered(false),
       m_bFinished(false),
@@ -292,8 +296,9 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
     const std::size_t n = closed && count > 0 ? count - 1 : count;
     m_nVertices.push_back(static_cast<unsigned>(n));
     ++m_ncontours;
-    const unsigned first = reverse ? 1u : static_cast<unsigned>(m_points.size()) + 1u;
+    const unsigned first = reverse ? 1u : m_pointCount + 1u;
     m_pCoordinates->Reserve(n);
+    m_bPointsStale = true;
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t index = reverse ? n - 1 - k : k;
         const double x = xy[2 * index];
@@ -310,17 +315,19 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
         }
         const unsigned id = first + static_cast<unsigned>(k);
         Pointbase* added = m_pointStore.add(Pointbase(id, x, y, INPUT));
-        PointbaseMap::iterator slot = m_points.empty() || m_points.rbegin()->first < id
-                                          ? m_points.emplace_hint(m_points.end(), id, added)
-                                          : m_points.find(id);
-        if (slot == m_points.end()) {
-            slot = m_points.emplace(id, added).first;
-        } else if (slot->second != added) {
+        if (m_pointById.size() <= id) {
+            m_pointById.resize(std::max<std::size_t>(id + 1, 2 * m_pointById.size()), 0);
+        }
+        Pointbase*& slot = m_pointById[id];
+        if (slot == 0) {
+            ++m_pointCount;
+            m_maxPointId = std::max(m_maxPointId, id);
+        } else {
             // A reversed contour after the first one reuses numbers.
             m_bRenumbered = true;
-            m_pCoordinates->Erase(slot->second->x, slot->second->y);
-            slot->second = added;
+            m_pCoordinates->Erase(slot->x, slot->y);
         }
+        slot = added;
         m_pCoordinates->Insert(x, y);
     }
     return true;
@@ -335,12 +342,10 @@ void Polygon::Finish() {
     for (unsigned count : m_nVertices) {
         total += count;
     }
-    const unsigned maxId = m_points.empty() ? 0 : m_points.rbegin()->first;
-    const std::size_t slots = std::max(total, maxId) + 1;
-    m_pointById.assign(slots, 0);
-    for (PointbaseMap::iterator it = m_points.begin(); it != m_points.end(); ++it) {
-        m_pointById[it->first] = it->second;
-    }
+    const std::size_t slots = std::max(total, m_maxPointId) + 1;
+    m_pointById.resize(slots, 0);
+    m_bEdgesStale = true;
+    m_bDiagonalsStale = true;
     m_prevId.assign(slots, 0);
     m_nextId.assign(slots, 0);
     m_edgeById.assign(total + 1, 0);
@@ -360,12 +365,50 @@ void Polygon::Finish() {
                 continue;
             }
             Linebase* line = m_lineStore.add(Linebase(start, end, INPUT, id));
-            m_edges.emplace_hint(m_edges.end(), id, line);
             m_edgeById[id] = line;
             m_edgeStart[id] = from;
         }
         offset += count;
     }
+}
+
+PointbaseMap& Polygon::points() {
+    if (m_bPointsStale) {
+        m_bPointsStale = false;
+        m_points.clear();
+        for (std::size_t id = 0; id < m_pointById.size(); ++id) {
+            if (m_pointById[id] != 0) {
+                m_points.emplace_hint(m_points.end(), static_cast<unsigned>(id), m_pointById[id]);
+            }
+        }
+    }
+    return m_points;
+}
+
+LineMap& Polygon::edges() {
+    if (m_bEdgesStale) {
+        m_bEdgesStale = false;
+        m_edges.clear();
+        for (Linebase* line : m_edgeById) {
+            if (line != 0) {
+                m_edges.emplace_hint(m_edges.end(), line->id(), line);
+            }
+        }
+    }
+    return m_edges;
+}
+
+const LineMap& Polygon::diagonals() const {
+    if (m_bDiagonalsStale) {
+        m_bDiagonalsStale = false;
+        m_diagonals.clear();
+        for (Linebase* line : m_edgeById) {
+            if (line != 0 && line->type() == INSERT) {
+                m_diagonals.emplace_hint(m_diagonals.end(), line->id(), line);
+            }
+        }
+    }
+    return m_diagonals;
 }
 
 Pointbase* Polygon::point(unsigned id) const {
@@ -394,14 +437,15 @@ bool Polygon::consistent() const {
         }
         total += count;
     }
-    if (!m_bFinished || m_bRefused || m_bRenumbered || m_points.size() != total) {
+    if (!m_bFinished || m_bRefused || m_bRenumbered || m_pointCount != total) {
         return false;
     }
-    if (total > 0 && (m_points.begin()->first != 1 || m_points.rbegin()->first != total)) {
+    // total ids, the largest total: exactly 1..total.
+    if (total > 0 && m_maxPointId != total) {
         return false;
     }
-    for (PointbaseMap::const_iterator it = m_points.begin(); it != m_points.end(); ++it) {
-        if (!std::isfinite(it->second->x) || !std::isfinite(it->second->y)) {
+    for (std::size_t id = 1; id <= total; ++id) {
+        if (!std::isfinite(m_pointById[id]->x) || !std::isfinite(m_pointById[id]->y)) {
             return false;
         }
     }
@@ -416,9 +460,10 @@ void Polygon::initializate() {
     }
     m_bInitialized = true;
     Finish();
-    m_startAdjEdgeMap.assign(m_pointById.size(), IncidentEdges());
+    m_startAdjEdgeMap.clear();
+    m_startAdjEdgeMap.resize(m_pointById.size());
     std::vector<Pointbase> events;
-    events.reserve(m_points.size());
+    events.reserve(m_pointCount);
     for (unsigned id = 1; id < m_pointById.size(); ++id) {
         Pointbase* v = m_pointById[id];
         if (v == 0) {
@@ -637,8 +682,8 @@ void Polygon::addDiagonal(unsigned i, unsigned j) {
     }
     const unsigned id = ++m_l_id;
     Linebase* diagonal = m_lineStore.add(Linebase(a, b, INSERT, id));
-    m_edges.emplace_hint(m_edges.end(), id, diagonal);
-    m_diagonals.emplace_hint(m_diagonals.end(), id, diagonal);
+    m_bEdgesStale = true;
+    m_bDiagonalsStale = true;
     if (m_edgeById.size() <= id) {
         m_edgeById.resize(id + 1, 0);
         m_edgeStart.resize(id + 1, 0);
@@ -722,10 +767,10 @@ Linebase* Polygon::selectNextEdge(Linebase* current) {
 void Polygon::searchMonotones() {
     initializate();
     m_edgeUsed.assign(m_edgeById.size(), 0);
-    for (LineMap::iterator it = m_edges.begin(); it != m_edges.end(); ++it) {
+    for (Linebase* line : m_edgeById) {
         // A contour edge is walked once, along the contour.
-        if (it->second->type() == INPUT) {
-            m_edgeUsed[it->first] = kBackwardUsed;
+        if (line != 0 && line->type() == INPUT) {
+            m_edgeUsed[line->id()] = kBackwardUsed;
         }
     }
     unsigned loop = 0;

@@ -199,9 +199,11 @@ public:
 
     bool is_exist(double x, double y) const;
 
-    PointbaseMap& points() { return m_points; }
-    LineMap& edges() { return m_edges; }
-    const LineMap& diagonals() const { return m_diagonals; }
+    // Maps by id, made on demand from the polygon's own arrays (the sweep does
+    // not use them); edits made through them do not reach the polygon.
+    PointbaseMap& points();
+    LineMap& edges();
+    const LineMap& diagonals() const;
     const Monopolys& monotonePieces() const { return m_mpolys; }
     // Each triangle is three vertex ids, counter-clockwise, in the order made.
     const Triangles& triangles() const { return m_triangles; }
@@ -271,26 +273,30 @@ private:
         std::size_t m_capacity = 0;
     };
 
-    // The edge ids at one vertex, ascending: a few in place, more on the heap.
+    // The edge ids at one vertex, ascending: a few in place, more on the
+    // heap. Half a cache line: the sweep reaches them in random order.
     class IncidentEdges {
     public:
-        const unsigned* begin() const { return m_bSpilled ? m_more.data() : m_ids; }
+        const unsigned* begin() const { return m_pMore ? m_pMore->data() : m_ids; }
         const unsigned* end() const { return begin() + size(); }
-        std::size_t size() const { return m_bSpilled ? m_more.size() : m_count; }
+        std::size_t size() const { return m_pMore ? m_pMore->size() : m_count; }
         void push_back(unsigned id);
         void sort();
         void erase(unsigned id);
 
     private:
-        unsigned m_ids[6];
+        unsigned m_ids[5];
         unsigned m_count = 0;
-        bool m_bSpilled = false;
-        std::vector<unsigned> m_more;
+        std::unique_ptr<std::vector<unsigned> > m_pMore;
     };
 
     std::pmr::monotonic_buffer_resource m_pool;  // before the maps that use it
+    // Made by points(), edges() and diagonals() when out of date.
     PointbaseMap m_points;
     LineMap m_edges;
+    mutable LineMap m_diagonals;
+    bool m_bPointsStale, m_bEdgesStale;
+    mutable bool m_bDiagonalsStale;
     unsigned m_ncontours;
     std::vector<unsigned> m_nVertices;
     double m_xmin, m_xmax, m_ymin, m_ymax;
@@ -301,15 +307,16 @@ private:
     std::size_t m_nextEvent;
     EdgeBST m_edgebst;
     std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
-    LineMap m_diagonals;
     Monopolys m_mpolys;
     Triangles m_triangles;
     bool m_debug;
     std::unique_ptr<std::ostringstream> m_pTrace;  // made when tracing is first asked for
 
-    // Fast paths beside the maps: vertices and edges by id, each vertex's
-    // contour neighbours, each edge's original start, and which directions of
-    // each edge the loop walk has used.
+    // Vertices and edges by id (null where none), each vertex's contour
+    // neighbours, each edge's original start, and which directions of each
+    // edge the loop walk has used.
+    unsigned m_pointCount;  // ids held
+    unsigned m_maxPointId;
     std::vector<Pointbase*> m_pointById;
     std::vector<Linebase*> m_edgeById;
     std::vector<unsigned> m_prevId, m_nextId;
@@ -320,7 +327,7 @@ private:
     bool m_bFinished;
     bool m_bInitialized;
     std::unique_ptr<SCoordinateIndex> m_pCoordinates;
-    // The vertices and edges themselves; the maps point into these.
+    // The vertices and edges themselves; everything else points into these.
     BlockStore<Pointbase> m_pointStore;
     BlockStore<Linebase> m_lineStore;
 };
