@@ -150,10 +150,14 @@ void Polygon::IncidentEdges::erase(unsigned id) {
 // --- Polygon: input ----------------------------------------------------------
 
 // The coordinates held, for is_exist in constant time: open addressing over
-// the bit patterns (-0.0 stored as 0.0, as the two compare equal).
+// the bit patterns (-0.0 stored as 0.0, as the two compare equal). A slot
+// keeps its state beside its coordinates: one cache line per probe.
 struct Polygon::SCoordinateIndex {
-    std::vector<std::pair<double, double> > slots;
-    std::vector<unsigned char> state;  // 0 free, 1 held, 2 erased
+    struct SSlot {
+        double x, y;
+        unsigned char state;  // 0 free, 1 held, 2 erased
+    };
+    std::vector<SSlot> slots;
     std::size_t held = 0;
     std::size_t used = 0;
 
@@ -170,22 +174,24 @@ struct Polygon::SCoordinateIndex {
     std::size_t Find(double x, double y) const {
         const std::size_t mask = slots.size() - 1;
         std::size_t i = Hash(x, y) & mask;
-        while (state[i] != 0 && !(state[i] == 1 && slots[i].first == x && slots[i].second == y)) {
+        while (slots[i].state != 0 &&
+               !(slots[i].state == 1 && slots[i].x == x && slots[i].y == y)) {
             i = (i + 1) & mask;
         }
         return i;
     }
     bool Contains(double x, double y) const {
-        return !slots.empty() && state[Find(Normal(x), Normal(y))] == 1;
+        return !slots.empty() && slots[Find(Normal(x), Normal(y))].state == 1;
     }
     void Insert(double x, double y) {
         if (2 * (used + 1) > slots.size()) {
             Grow(std::max<std::size_t>(64, 4 * (held + 1)));
         }
-        const std::size_t i = Find(Normal(x), Normal(y));
-        if (state[i] != 1) {
-            slots[i] = std::make_pair(Normal(x), Normal(y));
-            state[i] = 1;
+        SSlot& slot = slots[Find(Normal(x), Normal(y))];
+        if (slot.state != 1) {
+            slot.x = Normal(x);
+            slot.y = Normal(y);
+            slot.state = 1;
             ++held;
             ++used;
         }
@@ -194,15 +200,16 @@ struct Polygon::SCoordinateIndex {
         if (slots.empty()) {
             return;
         }
-        const std::size_t i = Find(Normal(x), Normal(y));
-        if (state[i] == 1) {
-            state[i] = 2;
+        SSlot& slot = slots[Find(Normal(x), Normal(y))];
+        if (slot.state == 1) {
+            slot.state = 2;
             --held;
         }
     }
+    // Room for count more at most half full.
     void Reserve(std::size_t count) {
         if (2 * (used + count) > slots.size()) {
-            Grow(4 * (held + count));
+            Grow(2 * (held + count));
         }
     }
 
@@ -213,18 +220,14 @@ private:
         while (size < minimum) {
             size *= 2;
         }
-        std::vector<std::pair<double, double> > old;
-        std::vector<unsigned char> oldState;
+        std::vector<SSlot> old;
         old.swap(slots);
-        oldState.swap(state);
-        slots.assign(size, std::make_pair(0.0, 0.0));
-        state.assign(size, 0);
+        const SSlot free = {0.0, 0.0, 0};
+        slots.assign(size, free);
         held = used = 0;
-        for (std::size_t i = 0; i < old.size(); ++i) {
-            if (oldState[i] == 1) {
-                const std::size_t j = Find(old[i].first, old[i].second);
-                slots[j] = old[i];
-                state[j] = 1;
+        for (const SSlot& slot : old) {
+            if (slot.state == 1) {
+                slots[Find(slot.x, slot.y)] = slot;
                 ++held;
                 ++used;
             }
@@ -298,6 +301,10 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
     ++m_ncontours;
     const unsigned first = reverse ? 1u : m_pointCount + 1u;
     m_pCoordinates->Reserve(n);
+    m_pointStore.reserve(n);
+    if (m_pointById.size() < first + n) {
+        m_pointById.resize(first + n, 0);
+    }
     m_bPointsStale = true;
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t index = reverse ? n - 1 - k : k;
@@ -315,9 +322,6 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
         }
         const unsigned id = first + static_cast<unsigned>(k);
         Pointbase* added = m_pointStore.add(Pointbase(id, x, y, INPUT));
-        if (m_pointById.size() <= id) {
-            m_pointById.resize(std::max<std::size_t>(id + 1, 2 * m_pointById.size()), 0);
-        }
         Pointbase*& slot = m_pointById[id];
         if (slot == 0) {
             ++m_pointCount;
@@ -350,6 +354,10 @@ void Polygon::Finish() {
     m_nextId.assign(slots, 0);
     m_edgeById.assign(total + 1, 0);
     m_edgeStart.assign(total + 1, 0);
+    // The contour edges, and room for the diagonals a typical sweep adds.
+    m_lineStore.reserve(total + total / 2);
+    m_edgeById.reserve(total + total / 2 + 1);
+    m_edgeStart.reserve(total + total / 2 + 1);
 
     unsigned offset = 0;
     for (unsigned count : m_nVertices) {

@@ -252,25 +252,32 @@ private:
 
     struct SCoordinateIndex;
 
-    // Storage that keeps addresses: blocks that double in size.
+    // Storage that keeps addresses: blocks that are never reallocated, each
+    // at least twice the one before (or as large as reserved). Memory is
+    // touched only as it is used.
     template <class T>
     class BlockStore {
     public:
         T* add(const T& value) {
-            if (m_used == m_capacity) {
-                m_capacity = m_blocks.empty() ? 64 : 2 * m_capacity;
-                m_blocks.emplace_back(new T[m_capacity]);
-                m_used = 0;
+            if (m_blocks.empty() || m_blocks.back().size() == m_blocks.back().capacity()) {
+                addBlock(m_blocks.empty() ? 64 : 2 * m_blocks.back().capacity());
             }
-            T* slot = &m_blocks.back()[m_used++];
-            *slot = value;
-            return slot;
+            m_blocks.back().push_back(value);
+            return &m_blocks.back().back();
+        }
+        // Room for count more in one block.
+        void reserve(std::size_t count) {
+            if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < count) {
+                addBlock(count);
+            }
         }
 
     private:
-        std::vector<std::unique_ptr<T[]> > m_blocks;
-        std::size_t m_used = 0;
-        std::size_t m_capacity = 0;
+        void addBlock(std::size_t capacity) {
+            m_blocks.emplace_back();
+            m_blocks.back().reserve(capacity);
+        }
+        std::vector<std::vector<T> > m_blocks;
     };
 
     // The edge ids at one vertex, ascending: a few in place, more on the
