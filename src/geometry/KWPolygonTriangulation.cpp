@@ -161,14 +161,20 @@ struct Polygon::SCoordinateIndex {
     std::size_t held = 0;
     std::size_t used = 0;
 
+    // Every bit of both coordinates reaches the low bits the table uses:
+    // regular coordinates (integers, halves) differ only in a few high bits.
+    static unsigned long long Mix(unsigned long long z) {
+        z ^= z >> 30;
+        z *= 0xBF58476D1CE4E5B9ull;
+        z ^= z >> 27;
+        z *= 0x94D049BB133111EBull;
+        return z ^ (z >> 31);
+    }
     static std::size_t Hash(double x, double y) {
         unsigned long long bx, by;
         std::memcpy(&bx, &x, sizeof bx);
         std::memcpy(&by, &y, sizeof by);
-        unsigned long long h = bx * 0x9E3779B97F4A7C15ull ^ (by + 0x632BE59BD9B4E019ull);
-        h ^= h >> 31;
-        h *= 0xBF58476D1CE4E5B9ull;
-        return static_cast<std::size_t>(h ^ (h >> 29));
+        return static_cast<std::size_t>(Mix(bx ^ Mix(by)));
     }
     // The slot holding (x, y), or the free slot where it would go.
     std::size_t Find(double x, double y) const {
@@ -470,7 +476,8 @@ void Polygon::initializate() {
     Finish();
     m_startAdjEdgeMap.clear();
     m_startAdjEdgeMap.resize(m_pointById.size());
-    std::vector<Pointbase> events;
+    m_bMerge.assign(m_pointById.size(), 0);
+    std::vector<SEvent> events;
     events.reserve(m_pointCount);
     for (unsigned id = 1; id < m_pointById.size(); ++id) {
         Pointbase* v = m_pointById[id];
@@ -490,7 +497,9 @@ void Polygon::initializate() {
                 v->type = Orient(*p, *v, *n) > 0 ? START : SPLIT;
             }
         }
-        events.push_back(*v);
+        m_bMerge[id] = v->type == MERGE;
+        const SEvent event = {v->y, v->x, edge(id), edge(prev(id)), id, v->type};
+        events.push_back(event);
         IncidentEdges& incident = m_startAdjEdgeMap[id];
         if (edge(id) != 0) {
             incident.push_back(id);
@@ -500,10 +509,13 @@ void Polygon::initializate() {
         }
         incident.sort();
     }
-    // Vertices are distinct once consistent(), so the order is total and
-    // matches that of a priority queue.
-    std::sort(events.begin(), events.end(),
-              [](const Pointbase& a, const Pointbase& b) { return a > b; });
+    // Top first. Vertices are distinct and finite once consistent(), so the
+    // order is total; otherwise the sweep stops before it reads the order.
+    if (consistent()) {
+        std::sort(events.begin(), events.end(), [](const SEvent& a, const SEvent& b) {
+            return a.y > b.y || (a.y == b.y && a.x < b.x);
+        });
+    }
     m_events = std::move(events);
     m_nextEvent = 0;
 }
@@ -517,29 +529,29 @@ void Polygon::partition2Monotone() {
         Stop(kCheckInput, kStopped);
     }
     while (m_nextEvent < m_events.size()) {
-        const Pointbase v = m_events[m_nextEvent++];
+        const SEvent& v = m_events[m_nextEvent++];
         m_edgebst.SetKeyRefresh(v.y);
         if (m_debug) {
             trace() << "\n\nHandle vertex:" << v.id << " type:" << TypeName(v.type);
         }
         switch (v.type) {
             case START:
-                handleStartVertex(v.id);
+                handleStartVertex(v);
                 break;
             case END:
-                handleEndVertex(v.id);
+                handleEndVertex(v);
                 break;
             case MERGE:
-                handleMergeVertex(v.id);
+                handleMergeVertex(v);
                 break;
             case SPLIT:
-                handleSplitVertex(v.id);
+                handleSplitVertex(v);
                 break;
             case REGULAR_UP:
-                handleRegularVertexUp(v.id);
+                handleRegularVertexUp(v);
                 break;
             case REGULAR_DOWN:
-                handleRegularVertexDown(v.id);
+                handleRegularVertexDown(v);
                 break;
             default:
                 Stop(kNoDuplicates);
@@ -548,12 +560,11 @@ void Polygon::partition2Monotone() {
 }
 
 bool Polygon::isMergeVertex(unsigned id) const {
-    const Pointbase* p = point(id);
-    return p != 0 && p->type == MERGE;
+    return id < m_bMerge.size() && m_bMerge[id] != 0;
 }
 
-void Polygon::insertEdge(Linebase* line, unsigned helper) {
-    line->setKeyValue(point(helper)->y);
+void Polygon::insertEdge(Linebase* line, unsigned helper, double y) {
+    line->setKeyValue(y);
     m_edgebst.Insert(line);
     line->setHelper(helper);
     if (m_debug) {
@@ -573,8 +584,8 @@ void Polygon::removeEdge(Linebase* line, double y) {
 }
 
 // END, MERGE and REGULAR_DOWN close the edge entering the vertex.
-Linebase* Polygon::closeEnteringEdge(unsigned id) {
-    Linebase* entering = edge(prev(id));
+Linebase* Polygon::closeEnteringEdge(const SEvent& v) {
+    Linebase* entering = v.entering;
     if (entering == 0) {
         Stop(kCheckInput, kStopped);
     }
@@ -583,26 +594,25 @@ Linebase* Polygon::closeEnteringEdge(unsigned id) {
         trace() << "\ne" << entering->id() << " helper is " << helper;
     }
     if (isMergeVertex(helper)) {
-        addDiagonal(id, helper);
+        addDiagonal(v.id, helper);
     }
     return entering;
 }
 
-void Polygon::endEdge(unsigned id) {
-    removeEdge(closeEnteringEdge(id), point(id)->y);
+void Polygon::endEdge(const SEvent& v) {
+    removeEdge(closeEnteringEdge(v), v.y);
 }
 
-Linebase* Polygon::findLeftEdge(unsigned id) {
-    const Pointbase* v = point(id);
+Linebase* Polygon::findLeftEdge(const SEvent& v) {
     EdgeBST::Node* found = 0;
-    m_edgebst.FindMaxSmallerThan(v->x, found);
+    m_edgebst.FindMaxSmallerThan(v.x, found);
     if (found == 0) {
         Stop(kCheckInput, kStopped);
     }
     Linebase* left = found->data();
     if (m_debug) {
-        trace() << "\nSearch key:" << v->x << " edge key:" << left->keyValue() << " found:e"
-                << left->id() << " is directly left to v" << id
+        trace() << "\nSearch key:" << v.x << " edge key:" << left->keyValue() << " found:e"
+                << left->id() << " is directly left to v" << v.id
                 << " and its helper is:" << left->helper();
     }
     return left;
@@ -615,70 +625,70 @@ void Polygon::setHelper(Linebase* line, unsigned helper) {
     }
 }
 
-void Polygon::handleStartVertex(unsigned id) {
-    if (edge(id) == 0) {
+void Polygon::handleStartVertex(const SEvent& v) {
+    if (v.leaving == 0) {
         Stop(kCheckInput, kStopped);
     }
-    insertEdge(edge(id), id);
+    insertEdge(v.leaving, v.id, v.y);
 }
 
-void Polygon::handleEndVertex(unsigned id) {
-    endEdge(id);
+void Polygon::handleEndVertex(const SEvent& v) {
+    endEdge(v);
 }
 
-void Polygon::handleSplitVertex(unsigned id) {
-    Linebase* left = findLeftEdge(id);
-    addDiagonal(id, left->helper());
-    setHelper(left, id);
-    if (edge(id) == 0) {
+void Polygon::handleSplitVertex(const SEvent& v) {
+    Linebase* left = findLeftEdge(v);
+    addDiagonal(v.id, left->helper());
+    setHelper(left, v.id);
+    if (v.leaving == 0) {
         Stop(kCheckInput, kStopped);
     }
-    insertEdge(edge(id), id);
+    insertEdge(v.leaving, v.id, v.y);
 }
 
-void Polygon::handleMergeVertex(unsigned id) {
-    endEdge(id);
-    Linebase* left = findLeftEdge(id);
+void Polygon::handleMergeVertex(const SEvent& v) {
+    endEdge(v);
+    Linebase* left = findLeftEdge(v);
     if (isMergeVertex(left->helper())) {
-        addDiagonal(id, left->helper());
+        addDiagonal(v.id, left->helper());
     }
-    setHelper(left, id);
+    setHelper(left, v.id);
 }
 
-void Polygon::handleRegularVertexUp(unsigned id) {
-    Linebase* left = findLeftEdge(id);
+void Polygon::handleRegularVertexUp(const SEvent& v) {
+    Linebase* left = findLeftEdge(v);
     if (isMergeVertex(left->helper())) {
-        addDiagonal(id, left->helper());
+        addDiagonal(v.id, left->helper());
     }
-    setHelper(left, id);
+    setHelper(left, v.id);
 }
 
-void Polygon::handleRegularVertexDown(unsigned id) {
-    Linebase* entering = closeEnteringEdge(id);
-    Linebase* leaving = edge(id);
+void Polygon::handleRegularVertexDown(const SEvent& v) {
+    Linebase* entering = closeEnteringEdge(v);
+    Linebase* leaving = v.leaving;
     if (leaving == 0) {
         Stop(kCheckInput, kStopped);
     }
     // The leaving edge takes the entering one's place in the status (they
     // meet at v, and no edge lies between them): one search instead of a
     // removal and an insertion.
-    const double y = point(id)->y;
+    const double y = v.y;
     entering->setKeyValue(y);
     EdgeBST::Node* node = m_edgebst.Find(entering->keyValue());
     if (node == 0 || node->data() != entering) {
         removeEdge(entering, y);
-        insertEdge(leaving, id);
+        insertEdge(leaving, v.id, y);
         return;
     }
     leaving->setKeyValue(y);
     node->setData(leaving);
-    leaving->setHelper(id);
+    leaving->setHelper(v.id);
     if (m_debug) {
         trace() << "\nRemove e" << entering->id() << " from splay tree\n"
                 << "key:" << entering->keyValue() << "\nInsert e" << leaving->id()
                 << " to splay tree\n"
                 << "Insert key:" << leaving->keyValue() << "\nSet e" << leaving->id()
-                << " helper to " << id;
+                << " helper to " << v.id;
     }
 }
 

@@ -224,12 +224,21 @@ private:
     void initializate();
     unsigned prev(unsigned id) const;
     unsigned next(unsigned id) const;
-    void handleStartVertex(unsigned id);
-    void handleEndVertex(unsigned id);
-    void handleSplitVertex(unsigned id);
-    void handleMergeVertex(unsigned id);
-    void handleRegularVertexUp(unsigned id);
-    void handleRegularVertexDown(unsigned id);
+    // A vertex as the sweep meets it, with what its handler reads: the
+    // handlers then need no lookups by id for the vertex itself.
+    struct SEvent {
+        double y, x;
+        Linebase* leaving;   // the contour edge starting at the vertex
+        Linebase* entering;  // the contour edge ending at it
+        unsigned id;
+        Type type;
+    };
+    void handleStartVertex(const SEvent& v);
+    void handleEndVertex(const SEvent& v);
+    void handleSplitVertex(const SEvent& v);
+    void handleMergeVertex(const SEvent& v);
+    void handleRegularVertexUp(const SEvent& v);
+    void handleRegularVertexDown(const SEvent& v);
     void addDiagonal(unsigned i, unsigned j);
     Linebase* selectNextEdge(Linebase* edge);
     double angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const;
@@ -238,14 +247,14 @@ private:
     Pointbase* point(unsigned id) const;
     Linebase* edge(unsigned id) const;
     bool isMergeVertex(unsigned id) const;
-    void insertEdge(Linebase* edge, unsigned helper);
+    void insertEdge(Linebase* edge, unsigned helper, double y);
     void removeEdge(Linebase* edge, double y);
     void setHelper(Linebase* edge, unsigned helper);
     void useEdge(Linebase* edge);
     bool isUsedFrom(const Linebase* edge, unsigned startId) const;
-    Linebase* findLeftEdge(unsigned id);
-    Linebase* closeEnteringEdge(unsigned id);
-    void endEdge(unsigned id);
+    Linebase* findLeftEdge(const SEvent& v);
+    Linebase* closeEnteringEdge(const SEvent& v);
+    void endEdge(const SEvent& v);
     void addTriangle(unsigned a, unsigned b, unsigned c);
     std::ostream& trace();
     bool consistent() const;
@@ -310,7 +319,7 @@ private:
     unsigned m_l_id;
     // The vertices in sweep order (top first), sorted once, and the next one
     // to handle: a heap would jump across the whole array at every pop.
-    std::vector<Pointbase> m_events;
+    std::vector<SEvent> m_events;
     std::size_t m_nextEvent;
     EdgeBST m_edgebst;
     std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
@@ -325,6 +334,7 @@ private:
     unsigned m_pointCount;  // ids held
     unsigned m_maxPointId;
     std::vector<Pointbase*> m_pointById;
+    std::vector<unsigned char> m_bMerge;  // by vertex id: a MERGE vertex
     std::vector<Linebase*> m_edgeById;
     std::vector<unsigned> m_prevId, m_nextId;
     std::vector<unsigned> m_edgeStart;
