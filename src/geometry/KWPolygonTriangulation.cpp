@@ -37,6 +37,17 @@ double Orient(const Pointbase& a, const Pointbase& b, const Pointbase& c) {
     return orient2d(a.x, a.y, b.x, b.y, c.x, c.y);
 }
 
+// How many events ahead the sweep fetches edges.
+const std::size_t kPrefetchDistance = 8;
+
+inline void Prefetch(const void* address) {
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#else
+    (void)address;
+#endif
+}
+
 // Bits of Polygon::m_edgeUsed: the edge walked from its original start, or
 // towards it.
 const unsigned char kForwardUsed = 1;
@@ -150,13 +161,21 @@ void Polygon::IncidentEdges::erase(unsigned id) {
 // --- Polygon: input ----------------------------------------------------------
 
 // The coordinates held, for is_exist in constant time: open addressing over
-// the bit patterns (-0.0 stored as 0.0, as the two compare equal). A slot
-// keeps its state beside its coordinates: one cache line per probe.
+// the bit patterns (-0.0 hashed as 0.0, as the two compare equal). A slot is
+// a vertex id and 32 more bits of the hash; the vertex itself is read only
+// when those match, so the table stays small (8 bytes a slot, at most half
+// full) and a probe touches one cache line.
 struct Polygon::SCoordinateIndex {
     struct SSlot {
-        double x, y;
-        unsigned char state;  // 0 free, 1 held, 2 erased
+        unsigned id;  // kFree, kErased, or the vertex
+        unsigned tag;
     };
+    static const unsigned kFree = 0;  // vertex ids start at 1
+    static const unsigned kErased = ~0u;
+
+    explicit SCoordinateIndex(const std::vector<Pointbase*>& points) : points(points) {}
+
+    const std::vector<Pointbase*>& points;
     std::vector<SSlot> slots;
     std::size_t held = 0;
     std::size_t used = 0;
@@ -170,45 +189,54 @@ struct Polygon::SCoordinateIndex {
         z *= 0x94D049BB133111EBull;
         return z ^ (z >> 31);
     }
-    static std::size_t Hash(double x, double y) {
+    static unsigned long long Hash(double x, double y) {
         unsigned long long bx, by;
         std::memcpy(&bx, &x, sizeof bx);
         std::memcpy(&by, &y, sizeof by);
-        return static_cast<std::size_t>(Mix(bx ^ Mix(by)));
+        return Mix(bx ^ Mix(by));
     }
+    static unsigned Tag(unsigned long long hash) { return static_cast<unsigned>(hash >> 32); }
     // The slot holding (x, y), or the free slot where it would go.
     std::size_t Find(double x, double y) const {
+        const unsigned long long hash = Hash(Normal(x), Normal(y));
+        const unsigned tag = Tag(hash);
         const std::size_t mask = slots.size() - 1;
-        std::size_t i = Hash(x, y) & mask;
-        while (slots[i].state != 0 &&
-               !(slots[i].state == 1 && slots[i].x == x && slots[i].y == y)) {
-            i = (i + 1) & mask;
+        std::size_t i = static_cast<std::size_t>(hash) & mask;
+        for (;; i = (i + 1) & mask) {
+            const SSlot& slot = slots[i];
+            if (slot.id == kFree) {
+                return i;
+            }
+            if (slot.id != kErased && slot.tag == tag && points[slot.id]->x == x &&
+                points[slot.id]->y == y) {
+                return i;
+            }
         }
-        return i;
     }
     bool Contains(double x, double y) const {
-        return !slots.empty() && slots[Find(Normal(x), Normal(y))].state == 1;
+        return !slots.empty() && slots[Find(x, y)].id != kFree;
     }
-    void Insert(double x, double y) {
+    // Adds vertex id, which holds (x, y), unless a vertex there is held.
+    void Insert(double x, double y, unsigned id) {
         if (2 * (used + 1) > slots.size()) {
             Grow(std::max<std::size_t>(64, 4 * (held + 1)));
         }
-        SSlot& slot = slots[Find(Normal(x), Normal(y))];
-        if (slot.state != 1) {
-            slot.x = Normal(x);
-            slot.y = Normal(y);
-            slot.state = 1;
+        SSlot& slot = slots[Find(x, y)];
+        if (slot.id == kFree) {
+            slot.id = id;
+            slot.tag = Tag(Hash(Normal(x), Normal(y)));
             ++held;
             ++used;
         }
     }
+    // Forgets (x, y); its vertex must still be the one held there.
     void Erase(double x, double y) {
         if (slots.empty()) {
             return;
         }
-        SSlot& slot = slots[Find(Normal(x), Normal(y))];
-        if (slot.state == 1) {
-            slot.state = 2;
+        SSlot& slot = slots[Find(x, y)];
+        if (slot.id != kFree) {
+            slot.id = kErased;
             --held;
         }
     }
@@ -228,12 +256,18 @@ private:
         }
         std::vector<SSlot> old;
         old.swap(slots);
-        const SSlot free = {0.0, 0.0, 0};
+        const SSlot free = {kFree, 0};
         slots.assign(size, free);
         held = used = 0;
+        const std::size_t mask = size - 1;
         for (const SSlot& slot : old) {
-            if (slot.state == 1) {
-                slots[Find(slot.x, slot.y)] = slot;
+            if (slot.id != kFree && slot.id != kErased) {
+                const Pointbase* p = points[slot.id];
+                std::size_t i = static_cast<std::size_t>(Hash(Normal(p->x), Normal(p->y))) & mask;
+                while (slots[i].id != kFree) {
+                    i = (i + 1) & mask;
+                }
+                slots[i] = slot;
                 ++held;
                 ++used;
             }
@@ -262,7 +296,7 @@ Polygon::Polygon()
       m_bRenumbered(false),
       m_bFinished(false),
       m_bInitialized(false),
-      m_pCoordinates(new SCoordinateIndex) {}
+      m_pCoordinates(new SCoordinateIndex(m_pointById)) {}
 
 // The vertices and edges go with their stores.
 Polygon::~Polygon() {
@@ -338,7 +372,7 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
             m_pCoordinates->Erase(slot->x, slot->y);
         }
         slot = added;
-        m_pCoordinates->Insert(x, y);
+        m_pCoordinates->Insert(x, y, id);
     }
     return true;
 }
@@ -529,6 +563,13 @@ void Polygon::partition2Monotone() {
         Stop(kCheckInput, kStopped);
     }
     while (m_nextEvent < m_events.size()) {
+        // The edges of a vertex a few events ahead are scattered in memory:
+        // ask for them now, so that they arrive while this one is handled.
+        const std::size_t ahead = m_nextEvent + kPrefetchDistance;
+        if (ahead < m_events.size()) {
+            Prefetch(m_events[ahead].leaving);
+            Prefetch(m_events[ahead].entering);
+        }
         const SEvent& v = m_events[m_nextEvent++];
         m_edgebst.SetKeyRefresh(v.y);
         if (m_debug) {
