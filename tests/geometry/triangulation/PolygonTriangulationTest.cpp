@@ -86,10 +86,18 @@ TEST(PolygonTriangulation, RefusesAContourThatRepeatsAPoint) {
     EXPECT_EQ(polygon.points().size(), 6u);  // the two points before the repeat stay
     EXPECT_TRUE(polygon.is_exist(2, 1));
     EXPECT_FALSE(polygon.is_exist(2, 2));
+    // A reversed contour renumbers from 1: the points it replaces are gone.
+    const Contour renumbering = {10, 10, 12, 10, 11, 12};
+    EXPECT_TRUE(polygon.AddContour(renumbering.data(), 3, true, false));
+    EXPECT_FALSE(polygon.is_exist(0, 0));
+    EXPECT_FALSE(polygon.is_exist(4, 4));
+    EXPECT_TRUE(polygon.is_exist(0, 4));
+    EXPECT_TRUE(polygon.is_exist(12, 10));
+    EXPECT_EQ(polygon.points()[1]->x, 11.0);
     polygon.Finish();
     const Contour late = {1, 1, 2, 1, 2, 2};
     EXPECT_FALSE(polygon.AddContour(late.data(), 3, false, false));
-    EXPECT_EQ(polygon.contourCount(), 1u);
+    EXPECT_EQ(polygon.contourCount(), 2u);
 }
 
 TEST(PolygonTriangulation, CollinearRunsAndHorizontalEdges) {
