@@ -532,7 +532,7 @@ void Polygon::initializate() {
             }
         }
         m_bMerge[id] = v->type == MERGE;
-        const SEvent event = {v->y, v->x, edge(id), edge(prev(id)), id, v->type};
+        const SEvent event = {v->y, v->x, edge(id), edge(prev(id)), v, id, v->type};
         events.push_back(event);
         IncidentEdges& incident = m_startAdjEdgeMap[id];
         if (edge(id) != 0) {
@@ -567,8 +567,11 @@ void Polygon::partition2Monotone() {
         // ask for them now, so that they arrive while this one is handled.
         const std::size_t ahead = m_nextEvent + kPrefetchDistance;
         if (ahead < m_events.size()) {
-            Prefetch(m_events[ahead].leaving);
-            Prefetch(m_events[ahead].entering);
+            const SEvent& next = m_events[ahead];
+            Prefetch(next.leaving);
+            Prefetch(next.entering);
+            Prefetch(next.vertex);
+            Prefetch(&m_startAdjEdgeMap[next.id]);
         }
         const SEvent& v = m_events[m_nextEvent++];
         m_edgebst.SetKeyRefresh(v.y);
@@ -803,7 +806,8 @@ Linebase* Polygon::selectNextEdge(Linebase* current) {
             continue;
         }
         Linebase* candidate = edge(id);
-        if (candidate->endPoint(0)->id != b.id) {
+        // Vertices are distinct objects: comparing addresses spares a load.
+        if (candidate->endPoint(0) != &b) {
             candidate->reverse();
         }
         if (others == 1) {

@@ -230,6 +230,7 @@ private:
         double y, x;
         Linebase* leaving;   // the contour edge starting at the vertex
         Linebase* entering;  // the contour edge ending at it
+        Pointbase* vertex;
         unsigned id;
         Type type;
     };
