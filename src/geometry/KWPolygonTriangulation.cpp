@@ -852,7 +852,9 @@ void Polygon::searchMonotones() {
             if (m_debug) {
                 trace() << "\nSearching for loops:" << ++loop << "\nvertex index:" << start;
             }
-            Monopoly piece(1, start);
+            // Collected in a reused buffer, then stored in one allocation.
+            Monopoly& piece = m_pieceScratch;
+            piece.assign(1, start);
             Linebase* current = first;
             useEdge(current);
             for (;;) {
@@ -874,7 +876,7 @@ void Polygon::searchMonotones() {
             if (m_debug) {
                 trace() << "\nloop closed!\n\n";
             }
-            m_mpolys.push_back(std::move(piece));
+            m_mpolys.emplace_back(piece.begin(), piece.end());
         }
     }
 }
@@ -892,8 +894,8 @@ void Polygon::addTriangle(unsigned a, unsigned b, unsigned c) {
 }
 
 void Polygon::triangulateMonotone(const Monopoly& piece) {
-    std::vector<Pointbase*> loop;
-    loop.reserve(piece.size());
+    std::vector<Pointbase*>& loop = m_loopScratch;
+    loop.clear();
     for (unsigned id : piece) {
         loop.push_back(point(id));
     }
@@ -921,8 +923,8 @@ void Polygon::triangulateMonotone(const Monopoly& piece) {
     std::sort(loop.begin(), loop.end(),
               [](const Pointbase* a, const Pointbase* b) { return *a > *b; });
 
-    std::vector<Pointbase*> stack;
-    stack.reserve(count);
+    std::vector<Pointbase*>& stack = m_stackScratch;
+    stack.clear();
     stack.push_back(loop[0]);
     stack.push_back(loop[1]);
     for (std::size_t j = 2; j + 1 < count; ++j) {

@@ -325,6 +325,9 @@ private:
     EdgeBST m_edgebst;
     std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
     Monopolys m_mpolys;
+    // Buffers reused from piece to piece by the loop walk and the last phase.
+    Monopoly m_pieceScratch;
+    std::vector<Pointbase*> m_loopScratch, m_stackScratch;
     Triangles m_triangles;
     bool m_debug;
     std::unique_ptr<std::ostringstream> m_pTrace;  // made when tracing is first asked for
