@@ -15,6 +15,10 @@ const int kLeafSize = 8;
 // products may have lost precision to underflow.
 const double kRelativeError = 1e-12;
 const double kUnderflowFloor = 1e-280;
+// Widening of the oriented boxes relative to the largest coordinate: far
+// above the rounding of a projection (a few units in the last place of it).
+const double kMarginRelative = 1e-13;
+const double kLargestOriented = 1e150;
 
 }  // namespace
 
@@ -36,12 +40,13 @@ void CKWReflexIndex::Build(const std::vector<int>& kReflex) {
     }
     m_dExtentX = x1 - x0;
     m_dExtentY = y1 - y0;
+    m_dScale =
+        std::max(std::max(std::fabs(x0), std::fabs(x1)), std::max(std::fabs(y0), std::fabs(y1)));
+    m_dMargin = kMarginRelative * m_dScale + kUnderflowFloor;
+    // Beyond this, projections could overflow into bounds that prove nothing.
+    m_bOriented = m_dScale < kLargestOriented;
+    // Polygon order: nodes are runs along the boundary.
     m_kOrder = kReflex;
-    m_kNode.clear();
-    m_kNode.reserve(2 * (m_kOrder.size() / kLeafSize + 1) + 1);
-    if (!m_kOrder.empty()) {
-        BuildNode(0, static_cast<int>(m_kOrder.size()), -1);
-    }
     m_kPointX.resize(m_kOrder.size());
     m_kPointY.resize(m_kOrder.size());
     m_kPointLive.assign(m_kOrder.size(), 1);
@@ -50,6 +55,11 @@ void CKWReflexIndex::Build(const std::vector<int>& kReflex) {
         m_kPointX[k] = m_adX[i];
         m_kPointY[k] = m_adY[i];
         m_kPositionOf[static_cast<std::size_t>(i)] = static_cast<int>(k);
+    }
+    m_kNode.clear();
+    m_kNode.reserve(2 * (m_kOrder.size() / kLeafSize + 1) + 1);
+    if (!m_kOrder.empty()) {
+        BuildNode(0, static_cast<int>(m_kOrder.size()), -1);
     }
 }
 
@@ -62,6 +72,7 @@ int CKWReflexIndex::BuildNode(int iBegin, int iEnd, int iParent) {
     node.Parent = iParent;
     node.Live = iEnd - iBegin;
     node.Right = -1;
+    ChooseAxis(node);
     const int first = m_kOrder[static_cast<std::size_t>(iBegin)];
     node.X0 = node.X1 = m_adX[first];
     node.Y0 = node.Y1 = m_adY[first];
@@ -78,19 +89,107 @@ int CKWReflexIndex::BuildNode(int iBegin, int iEnd, int iParent) {
             m_kLeafOf[static_cast<std::size_t>(i)] = index;
             m_kLive[static_cast<std::size_t>(i)] = 1;
         }
+        FitLeaf(node);
         m_kNode[static_cast<std::size_t>(index)] = node;
         return index;
     }
-    // Split at the median of the wider side.
     const int middle = iBegin + (iEnd - iBegin) / 2;
-    const bool byX = (node.X1 - node.X0) >= (node.Y1 - node.Y0);
-    const double* coordinate = byX ? m_adX : m_adY;
-    std::nth_element(m_kOrder.begin() + iBegin, m_kOrder.begin() + middle, m_kOrder.begin() + iEnd,
-                     [coordinate](int a, int b) { return coordinate[a] < coordinate[b]; });
     BuildNode(iBegin, middle, index);
     node.Right = BuildNode(middle, iEnd, index);
     m_kNode[static_cast<std::size_t>(index)] = node;
+    FitInner(index);
     return index;
+}
+
+// The principal axis of the node's vertices (x when undefined).
+void CKWReflexIndex::ChooseAxis(SNode& rkNode) const {
+    const double count = static_cast<double>(rkNode.End - rkNode.Begin);
+    double mx = 0, my = 0;
+    for (int k = rkNode.Begin; k < rkNode.End; ++k) {
+        mx += m_kPointX[static_cast<std::size_t>(k)];
+        my += m_kPointY[static_cast<std::size_t>(k)];
+    }
+    mx /= count;
+    my /= count;
+    double sxx = 0, syy = 0, sxy = 0;
+    for (int k = rkNode.Begin; k < rkNode.End; ++k) {
+        const double dx = m_kPointX[static_cast<std::size_t>(k)] - mx;
+        const double dy = m_kPointY[static_cast<std::size_t>(k)] - my;
+        sxx += dx * dx;
+        syy += dy * dy;
+        sxy += dx * dy;
+    }
+    const double angle = 0.5 * std::atan2(2.0 * sxy, sxx - syy);
+    rkNode.UX = std::isfinite(angle) ? std::cos(angle) : 1.0;
+    rkNode.UY = std::isfinite(angle) ? std::sin(angle) : 0.0;
+}
+
+void CKWReflexIndex::FitLeaf(SNode& rkNode) const {
+    if (!m_bOriented) {
+        return;
+    }
+    bool first = true;
+    for (int k = rkNode.Begin; k < rkNode.End; ++k) {
+        const std::size_t at = static_cast<std::size_t>(k);
+        if (!m_kPointLive[at]) {
+            continue;
+        }
+        const double u = m_kPointX[at] * rkNode.UX + m_kPointY[at] * rkNode.UY;
+        const double v = m_kPointY[at] * rkNode.UX - m_kPointX[at] * rkNode.UY;
+        rkNode.U0 = first ? u : std::min(rkNode.U0, u);
+        rkNode.U1 = first ? u : std::max(rkNode.U1, u);
+        rkNode.V0 = first ? v : std::min(rkNode.V0, v);
+        rkNode.V1 = first ? v : std::max(rkNode.V1, v);
+        first = false;
+    }
+    rkNode.U0 -= m_dMargin;
+    rkNode.U1 += m_dMargin;
+    rkNode.V0 -= m_dMargin;
+    rkNode.V1 += m_dMargin;
+}
+
+// Each live child's vertices lie in its axis-aligned box and in its oriented
+// box: the ranges of both along this node's axes bound them, and the tighter
+// of the two is kept.
+void CKWReflexIndex::FitInner(int iNode) {
+    if (!m_bOriented) {
+        return;
+    }
+    SNode& node = m_kNode[static_cast<std::size_t>(iNode)];
+    const double ux = node.UX, uy = node.UY;
+    bool first = true;
+    for (const int child : {iNode + 1, node.Right}) {
+        const SNode& part = m_kNode[static_cast<std::size_t>(child)];
+        if (part.Live == 0) {
+            continue;
+        }
+        // Range of a.x + b.y over a box [x0, x1] x [y0, y1].
+        const auto range = [](double a, double b, double x0, double x1, double y0, double y1,
+                              double& lo, double& hi) {
+            lo = (a > 0 ? a * x0 : a * x1) + (b > 0 ? b * y0 : b * y1);
+            hi = (a > 0 ? a * x1 : a * x0) + (b > 0 ? b * y1 : b * y0);
+        };
+        // This node's axes in the child's oriented frame (s along the child's
+        // u, t along its v): p.w = s (u_c.w) + t (v_c.w).
+        const double uu = part.UX * ux + part.UY * uy;
+        const double vu = part.UX * uy - part.UY * ux;
+        const double uv = part.UX * (-uy) + part.UY * ux;
+        const double vv = part.UX * ux + part.UY * uy;
+        double u0, u1, v0, v1, a0, a1, b0, b1;
+        range(uu, vu, part.U0, part.U1, part.V0, part.V1, u0, u1);
+        range(uv, vv, part.U0, part.U1, part.V0, part.V1, v0, v1);
+        range(ux, uy, part.X0, part.X1, part.Y0, part.Y1, a0, a1);
+        range(-uy, ux, part.X0, part.X1, part.Y0, part.Y1, b0, b1);
+        u0 = std::max(u0, a0) - m_dMargin;
+        u1 = std::min(u1, a1) + m_dMargin;
+        v0 = std::max(v0, b0) - m_dMargin;
+        v1 = std::min(v1, b1) + m_dMargin;
+        node.U0 = first ? u0 : std::min(node.U0, u0);
+        node.U1 = first ? u1 : std::max(node.U1, u1);
+        node.V0 = first ? v0 : std::min(node.V0, v0);
+        node.V1 = first ? v1 : std::max(node.V1, v1);
+        first = false;
+    }
 }
 
 void CKWReflexIndex::Remove(int i) {
@@ -113,6 +212,9 @@ void CKWReflexIndex::Remove(int i) {
             first = false;
         }
     }
+    if (leaf.Live > 0) {
+        FitLeaf(leaf);
+    }
     for (index = leaf.Parent; index >= 0; index = m_kNode[static_cast<std::size_t>(index)].Parent) {
         SNode& node = m_kNode[static_cast<std::size_t>(index)];
         --node.Live;
@@ -123,6 +225,9 @@ void CKWReflexIndex::Remove(int i) {
                 Extend(node, part.X0, part.Y0, part.X1, part.Y1, first);
                 first = false;
             }
+        }
+        if (node.Live > 0) {
+            FitInner(index);
         }
     }
 }
@@ -162,6 +267,8 @@ void CKWReflexIndex::MakeTriangle(int iV0, int iV1, int iV2, STriangle& rkTri) c
         edge.Tol =
             kRelativeError * (m_dExtentX * std::fabs(edge.EY) + m_dExtentY * std::fabs(edge.EX)) +
             kUnderflowFloor;
+        rkTri.PX[k] = m_adX[a];
+        rkTri.PY[k] = m_adY[a];
         rkTri.X0 = std::min(rkTri.X0, m_adX[a]);
         rkTri.X1 = std::max(rkTri.X1, m_adX[a]);
         rkTri.Y0 = std::min(rkTri.Y0, m_adY[a]);
@@ -169,18 +276,29 @@ void CKWReflexIndex::MakeTriangle(int iV0, int iV1, int iV2, STriangle& rkTri) c
     }
 }
 
-bool CKWReflexIndex::BoxOutside(const SNode& rkNode, const STriangle& rkTri) {
+bool CKWReflexIndex::BoxOutside(const SNode& rkNode, const STriangle& rkTri) const {
     if (rkNode.X0 > rkTri.X1 || rkNode.X1 < rkTri.X0 || rkNode.Y0 > rkTri.Y1 ||
         rkNode.Y1 < rkTri.Y0) {
         return true;
     }
-    // The box lies right of an edge when its leftmost corner for that edge does.
-    for (const SEdge& edge : rkTri.Edge) {
-        const double cx = edge.EY > 0 ? rkNode.X0 : rkNode.X1;
-        const double cy = edge.EX > 0 ? rkNode.Y1 : rkNode.Y0;
-        if (SurelyRight(cx, cy, edge)) {
-            return true;
-        }
+    if (!m_bOriented) {
+        return false;
+    }
+    // Separated along an axis of the oriented box. (Tests against the
+    // triangle's edges cost more than they prune.)
+    const double ux = rkNode.UX, uy = rkNode.UY;
+    double u0 = 0, u1 = 0, v0 = 0, v1 = 0;
+    for (int k = 0; k < 3; ++k) {
+        const double u = rkTri.PX[k] * ux + rkTri.PY[k] * uy;
+        const double v = rkTri.PY[k] * ux - rkTri.PX[k] * uy;
+        u0 = k == 0 ? u : std::min(u0, u);
+        u1 = k == 0 ? u : std::max(u1, u);
+        v0 = k == 0 ? v : std::min(v0, v);
+        v1 = k == 0 ? v : std::max(v1, v);
+    }
+    if (u0 > rkNode.U1 + m_dMargin || u1 < rkNode.U0 - m_dMargin || v0 > rkNode.V1 + m_dMargin ||
+        v1 < rkNode.V0 - m_dMargin) {
+        return true;
     }
     return false;
 }

@@ -347,8 +347,8 @@ CheckCode Polygon::Check(CheckResult* out) const {
         }
         total += m_nVertices[c];
     }
-    if (m_bRenumbered || m_points.size() != total || m_points.begin()->first != 1 ||
-        m_points.rbegin()->first != total) {
+    // total ids, the largest total: exactly 1..total.
+    if (m_bRenumbered || m_pointCount != total || m_maxPointId != total) {
         result.code = CHECK_BAD_NUMBERING;
         result.message =
             "a reversed contour numbers its vertices from 1, so only the first contour may be "
@@ -359,9 +359,9 @@ CheckCode Polygon::Check(CheckResult* out) const {
     SContours contours;
     contours.x.reserve(total);
     contours.y.reserve(total);
-    for (PointbaseMap::const_iterator it = m_points.begin(); it != m_points.end(); ++it) {
-        contours.x.push_back(it->second->x);
-        contours.y.push_back(it->second->y);
+    for (std::size_t id = 1; id <= total; ++id) {
+        contours.x.push_back(m_pointById[id]->x);
+        contours.y.push_back(m_pointById[id]->y);
     }
     contours.contour.resize(total);
     contours.prev.resize(total);

@@ -37,6 +37,17 @@ double Orient(const Pointbase& a, const Pointbase& b, const Pointbase& c) {
     return orient2d(a.x, a.y, b.x, b.y, c.x, c.y);
 }
 
+// How many events ahead the sweep fetches edges.
+const std::size_t kPrefetchDistance = 8;
+
+inline void Prefetch(const void* address) {
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#else
+    (void)address;
+#endif
+}
+
 // Bits of Polygon::m_edgeUsed: the edge walked from its original start, or
 // towards it.
 const unsigned char kForwardUsed = 1;
@@ -117,32 +128,31 @@ void Linebase::reverse() {
 // --- Polygon: incident edges -------------------------------------------------
 
 void Polygon::IncidentEdges::push_back(unsigned id) {
-    if (!m_bSpilled && m_count < sizeof m_ids / sizeof m_ids[0]) {
+    if (!m_pMore && m_count < sizeof m_ids / sizeof m_ids[0]) {
         m_ids[m_count++] = id;
         return;
     }
-    if (!m_bSpilled) {
-        m_more.assign(m_ids, m_ids + m_count);
-        m_bSpilled = true;
+    if (!m_pMore) {
+        m_pMore.reset(new std::vector<unsigned>(m_ids, m_ids + m_count));
     }
-    m_more.push_back(id);
+    m_pMore->push_back(id);
 }
 
 void Polygon::IncidentEdges::sort() {
-    unsigned* first = m_bSpilled ? m_more.data() : m_ids;
+    unsigned* first = m_pMore ? m_pMore->data() : m_ids;
     std::sort(first, first + size());
 }
 
 void Polygon::IncidentEdges::erase(unsigned id) {
-    unsigned* first = m_bSpilled ? m_more.data() : m_ids;
+    unsigned* first = m_pMore ? m_pMore->data() : m_ids;
     unsigned* last = first + size();
     unsigned* found = std::find(first, last, id);
     if (found == last) {
         return;
     }
     std::copy(found + 1, last, found);
-    if (m_bSpilled) {
-        m_more.pop_back();
+    if (m_pMore) {
+        m_pMore->pop_back();
     } else {
         --m_count;
     }
@@ -151,59 +161,89 @@ void Polygon::IncidentEdges::erase(unsigned id) {
 // --- Polygon: input ----------------------------------------------------------
 
 // The coordinates held, for is_exist in constant time: open addressing over
-// the bit patterns (-0.0 stored as 0.0, as the two compare equal).
+// the bit patterns (-0.0 hashed as 0.0, as the two compare equal). A slot is
+// a vertex id and 32 more bits of the hash; the vertex itself is read only
+// when those match, so the table stays small (8 bytes a slot, at most half
+// full) and a probe touches one cache line.
 struct Polygon::SCoordinateIndex {
-    std::vector<std::pair<double, double> > slots;
-    std::vector<unsigned char> state;  // 0 free, 1 held, 2 erased
+    struct SSlot {
+        unsigned id;  // kFree, kErased, or the vertex
+        unsigned tag;
+    };
+    static const unsigned kFree = 0;  // vertex ids start at 1
+    static const unsigned kErased = ~0u;
+
+    explicit SCoordinateIndex(const std::vector<Pointbase*>& points) : points(points) {}
+
+    const std::vector<Pointbase*>& points;
+    std::vector<SSlot> slots;
     std::size_t held = 0;
     std::size_t used = 0;
 
-    static std::size_t Hash(double x, double y) {
+    // Every bit of both coordinates reaches the low bits the table uses:
+    // regular coordinates (integers, halves) differ only in a few high bits.
+    static unsigned long long Mix(unsigned long long z) {
+        z ^= z >> 30;
+        z *= 0xBF58476D1CE4E5B9ull;
+        z ^= z >> 27;
+        z *= 0x94D049BB133111EBull;
+        return z ^ (z >> 31);
+    }
+    static unsigned long long Hash(double x, double y) {
         unsigned long long bx, by;
         std::memcpy(&bx, &x, sizeof bx);
         std::memcpy(&by, &y, sizeof by);
-        unsigned long long h = bx * 0x9E3779B97F4A7C15ull ^ (by + 0x632BE59BD9B4E019ull);
-        h ^= h >> 31;
-        h *= 0xBF58476D1CE4E5B9ull;
-        return static_cast<std::size_t>(h ^ (h >> 29));
+        return Mix(bx ^ Mix(by));
     }
+    static unsigned Tag(unsigned long long hash) { return static_cast<unsigned>(hash >> 32); }
     // The slot holding (x, y), or the free slot where it would go.
     std::size_t Find(double x, double y) const {
+        const unsigned long long hash = Hash(Normal(x), Normal(y));
+        const unsigned tag = Tag(hash);
         const std::size_t mask = slots.size() - 1;
-        std::size_t i = Hash(x, y) & mask;
-        while (state[i] != 0 && !(state[i] == 1 && slots[i].first == x && slots[i].second == y)) {
-            i = (i + 1) & mask;
+        std::size_t i = static_cast<std::size_t>(hash) & mask;
+        for (;; i = (i + 1) & mask) {
+            const SSlot& slot = slots[i];
+            if (slot.id == kFree) {
+                return i;
+            }
+            if (slot.id != kErased && slot.tag == tag && points[slot.id]->x == x &&
+                points[slot.id]->y == y) {
+                return i;
+            }
         }
-        return i;
     }
     bool Contains(double x, double y) const {
-        return !slots.empty() && state[Find(Normal(x), Normal(y))] == 1;
+        return !slots.empty() && slots[Find(x, y)].id != kFree;
     }
-    void Insert(double x, double y) {
+    // Adds vertex id, which holds (x, y), unless a vertex there is held.
+    void Insert(double x, double y, unsigned id) {
         if (2 * (used + 1) > slots.size()) {
             Grow(std::max<std::size_t>(64, 4 * (held + 1)));
         }
-        const std::size_t i = Find(Normal(x), Normal(y));
-        if (state[i] != 1) {
-            slots[i] = std::make_pair(Normal(x), Normal(y));
-            state[i] = 1;
+        SSlot& slot = slots[Find(x, y)];
+        if (slot.id == kFree) {
+            slot.id = id;
+            slot.tag = Tag(Hash(Normal(x), Normal(y)));
             ++held;
             ++used;
         }
     }
+    // Forgets (x, y); its vertex must still be the one held there.
     void Erase(double x, double y) {
         if (slots.empty()) {
             return;
         }
-        const std::size_t i = Find(Normal(x), Normal(y));
-        if (state[i] == 1) {
-            state[i] = 2;
+        SSlot& slot = slots[Find(x, y)];
+        if (slot.id != kFree) {
+            slot.id = kErased;
             --held;
         }
     }
+    // Room for count more at most half full.
     void Reserve(std::size_t count) {
         if (2 * (used + count) > slots.size()) {
-            Grow(4 * (held + count));
+            Grow(2 * (held + count));
         }
     }
 
@@ -214,18 +254,20 @@ private:
         while (size < minimum) {
             size *= 2;
         }
-        std::vector<std::pair<double, double> > old;
-        std::vector<unsigned char> oldState;
+        std::vector<SSlot> old;
         old.swap(slots);
-        oldState.swap(state);
-        slots.assign(size, std::make_pair(0.0, 0.0));
-        state.assign(size, 0);
+        const SSlot free = {kFree, 0};
+        slots.assign(size, free);
         held = used = 0;
-        for (std::size_t i = 0; i < old.size(); ++i) {
-            if (oldState[i] == 1) {
-                const std::size_t j = Find(old[i].first, old[i].second);
-                slots[j] = old[i];
-                state[j] = 1;
+        const std::size_t mask = size - 1;
+        for (const SSlot& slot : old) {
+            if (slot.id != kFree && slot.id != kErased) {
+                const Pointbase* p = points[slot.id];
+                std::size_t i = static_cast<std::size_t>(Hash(Normal(p->x), Normal(p->y))) & mask;
+                while (slots[i].id != kFree) {
+                    i = (i + 1) & mask;
+                }
+                slots[i] = slot;
                 ++held;
                 ++used;
             }
@@ -236,19 +278,25 @@ private:
 Polygon::Polygon()
     : m_points(&m_pool),
       m_edges(&m_pool),
+      m_diagonals(&m_pool),
+      m_bPointsStale(false),
+      m_bEdgesStale(false),
+      m_bDiagonalsStale(false),
       m_ncontours(0),
       m_xmin(std::numeric_limits<double>::infinity()),
       m_xmax(-std::numeric_limits<double>::infinity()),
       m_ymin(std::numeric_limits<double>::infinity()),
       m_ymax(-std::numeric_limits<double>::infinity()),
       m_l_id(0),
-      m_diagonals(&m_pool),
+      m_nextEvent(0),
       m_debug(false),
+      m_pointCount(0),
+      m_maxPointId(0),
       m_bRefused(false),
       m_bRenumbered(false),
       m_bFinished(false),
       m_bInitialized(false),
-      m_pCoordinates(new SCoordinateIndex) {}
+      m_pCoordinates(new SCoordinateIndex(m_pointById)) {}
 
 // The vertices and edges go with their stores.
 Polygon::~Polygon() {
@@ -291,8 +339,13 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
     const std::size_t n = closed && count > 0 ? count - 1 : count;
     m_nVertices.push_back(static_cast<unsigned>(n));
     ++m_ncontours;
-    const unsigned first = reverse ? 1u : static_cast<unsigned>(m_points.size()) + 1u;
+    const unsigned first = reverse ? 1u : m_pointCount + 1u;
     m_pCoordinates->Reserve(n);
+    m_pointStore.reserve(n);
+    if (m_pointById.size() < first + n) {
+        m_pointById.resize(first + n, 0);
+    }
+    m_bPointsStale = true;
     for (std::size_t k = 0; k < n; ++k) {
         const std::size_t index = reverse ? n - 1 - k : k;
         const double x = xy[2 * index];
@@ -309,18 +362,17 @@ bool Polygon::AddContour(const double* xy, std::size_t count, bool reverse, bool
         }
         const unsigned id = first + static_cast<unsigned>(k);
         Pointbase* added = m_pointStore.add(Pointbase(id, x, y, INPUT));
-        PointbaseMap::iterator slot = m_points.empty() || m_points.rbegin()->first < id
-                                          ? m_points.emplace_hint(m_points.end(), id, added)
-                                          : m_points.find(id);
-        if (slot == m_points.end()) {
-            slot = m_points.emplace(id, added).first;
-        } else if (slot->second != added) {
+        Pointbase*& slot = m_pointById[id];
+        if (slot == 0) {
+            ++m_pointCount;
+            m_maxPointId = std::max(m_maxPointId, id);
+        } else {
             // A reversed contour after the first one reuses numbers.
             m_bRenumbered = true;
-            m_pCoordinates->Erase(slot->second->x, slot->second->y);
-            slot->second = added;
+            m_pCoordinates->Erase(slot->x, slot->y);
         }
-        m_pCoordinates->Insert(x, y);
+        slot = added;
+        m_pCoordinates->Insert(x, y, id);
     }
     return true;
 }
@@ -334,16 +386,18 @@ void Polygon::Finish() {
     for (unsigned count : m_nVertices) {
         total += count;
     }
-    const unsigned maxId = m_points.empty() ? 0 : m_points.rbegin()->first;
-    const std::size_t slots = std::max(total, maxId) + 1;
-    m_pointById.assign(slots, 0);
-    for (PointbaseMap::iterator it = m_points.begin(); it != m_points.end(); ++it) {
-        m_pointById[it->first] = it->second;
-    }
+    const std::size_t slots = std::max(total, m_maxPointId) + 1;
+    m_pointById.resize(slots, 0);
+    m_bEdgesStale = true;
+    m_bDiagonalsStale = true;
     m_prevId.assign(slots, 0);
     m_nextId.assign(slots, 0);
     m_edgeById.assign(total + 1, 0);
     m_edgeStart.assign(total + 1, 0);
+    // The contour edges, and room for the diagonals a typical sweep adds.
+    m_lineStore.reserve(total + total / 2);
+    m_edgeById.reserve(total + total / 2 + 1);
+    m_edgeStart.reserve(total + total / 2 + 1);
 
     unsigned offset = 0;
     for (unsigned count : m_nVertices) {
@@ -359,12 +413,50 @@ void Polygon::Finish() {
                 continue;
             }
             Linebase* line = m_lineStore.add(Linebase(start, end, INPUT, id));
-            m_edges.emplace_hint(m_edges.end(), id, line);
             m_edgeById[id] = line;
             m_edgeStart[id] = from;
         }
         offset += count;
     }
+}
+
+PointbaseMap& Polygon::points() {
+    if (m_bPointsStale) {
+        m_bPointsStale = false;
+        m_points.clear();
+        for (std::size_t id = 0; id < m_pointById.size(); ++id) {
+            if (m_pointById[id] != 0) {
+                m_points.emplace_hint(m_points.end(), static_cast<unsigned>(id), m_pointById[id]);
+            }
+        }
+    }
+    return m_points;
+}
+
+LineMap& Polygon::edges() {
+    if (m_bEdgesStale) {
+        m_bEdgesStale = false;
+        m_edges.clear();
+        for (Linebase* line : m_edgeById) {
+            if (line != 0) {
+                m_edges.emplace_hint(m_edges.end(), line->id(), line);
+            }
+        }
+    }
+    return m_edges;
+}
+
+const LineMap& Polygon::diagonals() const {
+    if (m_bDiagonalsStale) {
+        m_bDiagonalsStale = false;
+        m_diagonals.clear();
+        for (Linebase* line : m_edgeById) {
+            if (line != 0 && line->type() == INSERT) {
+                m_diagonals.emplace_hint(m_diagonals.end(), line->id(), line);
+            }
+        }
+    }
+    return m_diagonals;
 }
 
 Pointbase* Polygon::point(unsigned id) const {
@@ -393,14 +485,15 @@ bool Polygon::consistent() const {
         }
         total += count;
     }
-    if (!m_bFinished || m_bRefused || m_bRenumbered || m_points.size() != total) {
+    if (!m_bFinished || m_bRefused || m_bRenumbered || m_pointCount != total) {
         return false;
     }
-    if (total > 0 && (m_points.begin()->first != 1 || m_points.rbegin()->first != total)) {
+    // total ids, the largest total: exactly 1..total.
+    if (total > 0 && m_maxPointId != total) {
         return false;
     }
-    for (PointbaseMap::const_iterator it = m_points.begin(); it != m_points.end(); ++it) {
-        if (!std::isfinite(it->second->x) || !std::isfinite(it->second->y)) {
+    for (std::size_t id = 1; id <= total; ++id) {
+        if (!std::isfinite(m_pointById[id]->x) || !std::isfinite(m_pointById[id]->y)) {
             return false;
         }
     }
@@ -415,9 +508,11 @@ void Polygon::initializate() {
     }
     m_bInitialized = true;
     Finish();
-    m_startAdjEdgeMap.assign(m_pointById.size(), IncidentEdges());
-    std::vector<Pointbase> events;
-    events.reserve(m_points.size());
+    m_startAdjEdgeMap.clear();
+    m_startAdjEdgeMap.resize(m_pointById.size());
+    m_bMerge.assign(m_pointById.size(), 0);
+    std::vector<SEvent> events;
+    events.reserve(m_pointCount);
     for (unsigned id = 1; id < m_pointById.size(); ++id) {
         Pointbase* v = m_pointById[id];
         if (v == 0) {
@@ -436,7 +531,9 @@ void Polygon::initializate() {
                 v->type = Orient(*p, *v, *n) > 0 ? START : SPLIT;
             }
         }
-        events.push_back(*v);
+        m_bMerge[id] = v->type == MERGE;
+        const SEvent event = {v->y, v->x, edge(id), edge(prev(id)), v, id, v->type};
+        events.push_back(event);
         IncidentEdges& incident = m_startAdjEdgeMap[id];
         if (edge(id) != 0) {
             incident.push_back(id);
@@ -446,43 +543,59 @@ void Polygon::initializate() {
         }
         incident.sort();
     }
-    // One heapify instead of n pushes.
-    m_qpoints = PQueue(std::less<Pointbase>(), std::move(events));
+    // Top first. Vertices are distinct and finite once consistent(), so the
+    // order is total; otherwise the sweep stops before it reads the order.
+    if (consistent()) {
+        std::sort(events.begin(), events.end(), [](const SEvent& a, const SEvent& b) {
+            return a.y > b.y || (a.y == b.y && a.x < b.x);
+        });
+    }
+    m_events = std::move(events);
+    m_nextEvent = 0;
 }
 
 void Polygon::partition2Monotone() {
     initializate();
-    if (m_qpoints.empty()) {
+    if (m_nextEvent == m_events.size()) {
         return;
     }
-    if (!consistent() || m_qpoints.top().type != START) {
+    if (!consistent() || m_events[m_nextEvent].type != START) {
         Stop(kCheckInput, kStopped);
     }
-    while (!m_qpoints.empty()) {
-        const Pointbase v = m_qpoints.top();
-        m_qpoints.pop();
+    while (m_nextEvent < m_events.size()) {
+        // The edges of a vertex a few events ahead are scattered in memory:
+        // ask for them now, so that they arrive while this one is handled.
+        const std::size_t ahead = m_nextEvent + kPrefetchDistance;
+        if (ahead < m_events.size()) {
+            const SEvent& next = m_events[ahead];
+            Prefetch(next.leaving);
+            Prefetch(next.entering);
+            Prefetch(next.vertex);
+            Prefetch(&m_startAdjEdgeMap[next.id]);
+        }
+        const SEvent& v = m_events[m_nextEvent++];
         m_edgebst.SetKeyRefresh(v.y);
         if (m_debug) {
             trace() << "\n\nHandle vertex:" << v.id << " type:" << TypeName(v.type);
         }
         switch (v.type) {
             case START:
-                handleStartVertex(v.id);
+                handleStartVertex(v);
                 break;
             case END:
-                handleEndVertex(v.id);
+                handleEndVertex(v);
                 break;
             case MERGE:
-                handleMergeVertex(v.id);
+                handleMergeVertex(v);
                 break;
             case SPLIT:
-                handleSplitVertex(v.id);
+                handleSplitVertex(v);
                 break;
             case REGULAR_UP:
-                handleRegularVertexUp(v.id);
+                handleRegularVertexUp(v);
                 break;
             case REGULAR_DOWN:
-                handleRegularVertexDown(v.id);
+                handleRegularVertexDown(v);
                 break;
             default:
                 Stop(kNoDuplicates);
@@ -491,12 +604,11 @@ void Polygon::partition2Monotone() {
 }
 
 bool Polygon::isMergeVertex(unsigned id) const {
-    const Pointbase* p = point(id);
-    return p != 0 && p->type == MERGE;
+    return id < m_bMerge.size() && m_bMerge[id] != 0;
 }
 
-void Polygon::insertEdge(Linebase* line, unsigned helper) {
-    line->setKeyValue(point(helper)->y);
+void Polygon::insertEdge(Linebase* line, unsigned helper, double y) {
+    line->setKeyValue(y);
     m_edgebst.Insert(line);
     line->setHelper(helper);
     if (m_debug) {
@@ -516,8 +628,8 @@ void Polygon::removeEdge(Linebase* line, double y) {
 }
 
 // END, MERGE and REGULAR_DOWN close the edge entering the vertex.
-Linebase* Polygon::closeEnteringEdge(unsigned id) {
-    Linebase* entering = edge(prev(id));
+Linebase* Polygon::closeEnteringEdge(const SEvent& v) {
+    Linebase* entering = v.entering;
     if (entering == 0) {
         Stop(kCheckInput, kStopped);
     }
@@ -526,26 +638,25 @@ Linebase* Polygon::closeEnteringEdge(unsigned id) {
         trace() << "\ne" << entering->id() << " helper is " << helper;
     }
     if (isMergeVertex(helper)) {
-        addDiagonal(id, helper);
+        addDiagonal(v.id, helper);
     }
     return entering;
 }
 
-void Polygon::endEdge(unsigned id) {
-    removeEdge(closeEnteringEdge(id), point(id)->y);
+void Polygon::endEdge(const SEvent& v) {
+    removeEdge(closeEnteringEdge(v), v.y);
 }
 
-Linebase* Polygon::findLeftEdge(unsigned id) {
-    const Pointbase* v = point(id);
+Linebase* Polygon::findLeftEdge(const SEvent& v) {
     EdgeBST::Node* found = 0;
-    m_edgebst.FindMaxSmallerThan(v->x, found);
+    m_edgebst.FindMaxSmallerThan(v.x, found);
     if (found == 0) {
         Stop(kCheckInput, kStopped);
     }
     Linebase* left = found->data();
     if (m_debug) {
-        trace() << "\nSearch key:" << v->x << " edge key:" << left->keyValue() << " found:e"
-                << left->id() << " is directly left to v" << id
+        trace() << "\nSearch key:" << v.x << " edge key:" << left->keyValue() << " found:e"
+                << left->id() << " is directly left to v" << v.id
                 << " and its helper is:" << left->helper();
     }
     return left;
@@ -558,70 +669,70 @@ void Polygon::setHelper(Linebase* line, unsigned helper) {
     }
 }
 
-void Polygon::handleStartVertex(unsigned id) {
-    if (edge(id) == 0) {
+void Polygon::handleStartVertex(const SEvent& v) {
+    if (v.leaving == 0) {
         Stop(kCheckInput, kStopped);
     }
-    insertEdge(edge(id), id);
+    insertEdge(v.leaving, v.id, v.y);
 }
 
-void Polygon::handleEndVertex(unsigned id) {
-    endEdge(id);
+void Polygon::handleEndVertex(const SEvent& v) {
+    endEdge(v);
 }
 
-void Polygon::handleSplitVertex(unsigned id) {
-    Linebase* left = findLeftEdge(id);
-    addDiagonal(id, left->helper());
-    setHelper(left, id);
-    if (edge(id) == 0) {
+void Polygon::handleSplitVertex(const SEvent& v) {
+    Linebase* left = findLeftEdge(v);
+    addDiagonal(v.id, left->helper());
+    setHelper(left, v.id);
+    if (v.leaving == 0) {
         Stop(kCheckInput, kStopped);
     }
-    insertEdge(edge(id), id);
+    insertEdge(v.leaving, v.id, v.y);
 }
 
-void Polygon::handleMergeVertex(unsigned id) {
-    endEdge(id);
-    Linebase* left = findLeftEdge(id);
+void Polygon::handleMergeVertex(const SEvent& v) {
+    endEdge(v);
+    Linebase* left = findLeftEdge(v);
     if (isMergeVertex(left->helper())) {
-        addDiagonal(id, left->helper());
+        addDiagonal(v.id, left->helper());
     }
-    setHelper(left, id);
+    setHelper(left, v.id);
 }
 
-void Polygon::handleRegularVertexUp(unsigned id) {
-    Linebase* left = findLeftEdge(id);
+void Polygon::handleRegularVertexUp(const SEvent& v) {
+    Linebase* left = findLeftEdge(v);
     if (isMergeVertex(left->helper())) {
-        addDiagonal(id, left->helper());
+        addDiagonal(v.id, left->helper());
     }
-    setHelper(left, id);
+    setHelper(left, v.id);
 }
 
-void Polygon::handleRegularVertexDown(unsigned id) {
-    Linebase* entering = closeEnteringEdge(id);
-    Linebase* leaving = edge(id);
+void Polygon::handleRegularVertexDown(const SEvent& v) {
+    Linebase* entering = closeEnteringEdge(v);
+    Linebase* leaving = v.leaving;
     if (leaving == 0) {
         Stop(kCheckInput, kStopped);
     }
     // The leaving edge takes the entering one's place in the status (they
     // meet at v, and no edge lies between them): one search instead of a
     // removal and an insertion.
-    const double y = point(id)->y;
+    const double y = v.y;
     entering->setKeyValue(y);
     EdgeBST::Node* node = m_edgebst.Find(entering->keyValue());
     if (node == 0 || node->data() != entering) {
         removeEdge(entering, y);
-        insertEdge(leaving, id);
+        insertEdge(leaving, v.id, y);
         return;
     }
     leaving->setKeyValue(y);
     node->setData(leaving);
-    leaving->setHelper(id);
+    leaving->setHelper(v.id);
     if (m_debug) {
         trace() << "\nRemove e" << entering->id() << " from splay tree\n"
                 << "key:" << entering->keyValue() << "\nInsert e" << leaving->id()
                 << " to splay tree\n"
                 << "Insert key:" << leaving->keyValue() << "\nSet e" << leaving->id()
-                << " helper to " << id;
+                << " helper to " << v.id;
     }
 }
 
@@ -633,8 +744,8 @@ void Polygon::addDiagonal(unsigned i, unsigned j) {
     }
     const unsigned id = ++m_l_id;
     Linebase* diagonal = m_lineStore.add(Linebase(a, b, INSERT, id));
-    m_edges.emplace_hint(m_edges.end(), id, diagonal);
-    m_diagonals.emplace_hint(m_diagonals.end(), id, diagonal);
+    m_bEdgesStale = true;
+    m_bDiagonalsStale = true;
     if (m_edgeById.size() <= id) {
         m_edgeById.resize(id + 1, 0);
         m_edgeStart.resize(id + 1, 0);
@@ -695,7 +806,8 @@ Linebase* Polygon::selectNextEdge(Linebase* current) {
             continue;
         }
         Linebase* candidate = edge(id);
-        if (candidate->endPoint(0)->id != b.id) {
+        // Vertices are distinct objects: comparing addresses spares a load.
+        if (candidate->endPoint(0) != &b) {
             candidate->reverse();
         }
         if (others == 1) {
@@ -718,10 +830,10 @@ Linebase* Polygon::selectNextEdge(Linebase* current) {
 void Polygon::searchMonotones() {
     initializate();
     m_edgeUsed.assign(m_edgeById.size(), 0);
-    for (LineMap::iterator it = m_edges.begin(); it != m_edges.end(); ++it) {
+    for (Linebase* line : m_edgeById) {
         // A contour edge is walked once, along the contour.
-        if (it->second->type() == INPUT) {
-            m_edgeUsed[it->first] = kBackwardUsed;
+        if (line != 0 && line->type() == INPUT) {
+            m_edgeUsed[line->id()] = kBackwardUsed;
         }
     }
     unsigned loop = 0;
@@ -740,7 +852,9 @@ void Polygon::searchMonotones() {
             if (m_debug) {
                 trace() << "\nSearching for loops:" << ++loop << "\nvertex index:" << start;
             }
-            Monopoly piece(1, start);
+            // Collected in a reused buffer, then stored in one allocation.
+            Monopoly& piece = m_pieceScratch;
+            piece.assign(1, start);
             Linebase* current = first;
             useEdge(current);
             for (;;) {
@@ -762,7 +876,7 @@ void Polygon::searchMonotones() {
             if (m_debug) {
                 trace() << "\nloop closed!\n\n";
             }
-            m_mpolys.push_back(std::move(piece));
+            m_mpolys.emplace_back(piece.begin(), piece.end());
         }
     }
 }
@@ -780,8 +894,8 @@ void Polygon::addTriangle(unsigned a, unsigned b, unsigned c) {
 }
 
 void Polygon::triangulateMonotone(const Monopoly& piece) {
-    std::vector<Pointbase*> loop;
-    loop.reserve(piece.size());
+    std::vector<Pointbase*>& loop = m_loopScratch;
+    loop.clear();
     for (unsigned id : piece) {
         loop.push_back(point(id));
     }
@@ -809,8 +923,8 @@ void Polygon::triangulateMonotone(const Monopoly& piece) {
     std::sort(loop.begin(), loop.end(),
               [](const Pointbase* a, const Pointbase* b) { return *a > *b; });
 
-    std::vector<Pointbase*> stack;
-    stack.reserve(count);
+    std::vector<Pointbase*>& stack = m_stackScratch;
+    stack.clear();
     stack.push_back(loop[0]);
     stack.push_back(loop[1]);
     for (std::size_t j = 2; j + 1 < count; ++j) {

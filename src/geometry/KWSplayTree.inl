@@ -10,15 +10,25 @@ namespace kwPolygonTriangulation {
 
 template <class T, class KeyType>
 SplayTree<T, KeyType>::SplayTree()
-    : m_pRoot(0), m_size(0), m_pSpare(0), m_bRefresh(false), m_refreshAt() {}
+    : m_pRoot(0),
+      m_size(0),
+      m_pSpare(0),
+      m_blockUsed(0),
+      m_blockSize(0),
+      m_bRefresh(false),
+      m_refreshAt() {}
 
 template <class T, class KeyType>
 SplayTree<T, KeyType>::SplayTree(const SplayTree& other)
-    : m_pRoot(clone(other.m_pRoot)),
+    : m_pRoot(0),
       m_size(other.m_size),
       m_pSpare(0),
+      m_blockUsed(0),
+      m_blockSize(0),
       m_bRefresh(other.m_bRefresh),
-      m_refreshAt(other.m_refreshAt) {}
+      m_refreshAt(other.m_refreshAt) {
+    m_pRoot = clone(other.m_pRoot);
+}
 
 template <class T, class KeyType>
 SplayTree<T, KeyType>& SplayTree<T, KeyType>::operator=(const SplayTree& other) {
@@ -33,25 +43,40 @@ SplayTree<T, KeyType>& SplayTree<T, KeyType>::operator=(const SplayTree& other) 
     return *this;
 }
 
+// Every node lives in a block: they go with the blocks.
 template <class T, class KeyType>
-SplayTree<T, KeyType>::~SplayTree() {
-    MakeEmpty();
-    while (m_pSpare != 0) {
-        Node* next = m_pSpare->m_pRight;
-        delete m_pSpare;
-        m_pSpare = next;
-    }
-}
+SplayTree<T, KeyType>::~SplayTree() {}
 
 template <class T, class KeyType>
 typename SplayTree<T, KeyType>::Node* SplayTree<T, KeyType>::newNode(const T& x) {
-    if (m_pSpare == 0) {
-        return new Node(x, 0, 0);
-    }
     Node* node = m_pSpare;
-    m_pSpare = node->m_pRight;
+    if (node != 0) {
+        m_pSpare = node->m_pRight;
+    } else {
+        if (m_blockUsed == m_blockSize) {
+            m_blockSize = m_blockSize == 0 ? 64 : 2 * m_blockSize;
+            m_blocks.emplace_back(new Node[m_blockSize]);
+            m_blockUsed = 0;
+        }
+        node = &m_blocks.back()[m_blockUsed++];
+    }
     *node = Node(x, 0, 0);
     return node;
+}
+
+template <class T, class KeyType>
+void SplayTree<T, KeyType>::recycle(Node* node) {
+    node->m_pLeft = 0;
+    node->m_pRight = m_pSpare;
+    m_pSpare = node;
+}
+
+template <class T, class KeyType>
+typename SplayTree<T, KeyType>::Node* SplayTree<T, KeyType>::handOver(Node* node) {
+    Node* copy = new Node(node->m_data, 0, 0);
+    copy->m_bVisited = node->m_bVisited;
+    recycle(node);
+    return copy;
 }
 
 template <class T, class KeyType>
@@ -95,15 +120,22 @@ void SplayTree<T, KeyType>::Insert(const T& x) {
 template <class T, class KeyType>
 void SplayTree<T, KeyType>::Delete(const KeyType& key) {
     Node* removed = 0;
-    Delete(key, removed);
+    detach(key, removed);
     if (removed != 0) {
-        removed->m_pRight = m_pSpare;
-        m_pSpare = removed;
+        recycle(removed);
     }
 }
 
 template <class T, class KeyType>
 void SplayTree<T, KeyType>::Delete(const KeyType& key, Node*& removed) {
+    detach(key, removed);
+    if (removed != 0) {
+        removed = handOver(removed);
+    }
+}
+
+template <class T, class KeyType>
+void SplayTree<T, KeyType>::detach(const KeyType& key, Node*& removed) {
     removed = 0;
     if (m_pRoot == 0) {
         return;
@@ -130,8 +162,8 @@ void SplayTree<T, KeyType>::DeleteMin(Node*& removed) {
     removed = FindMin();
     if (removed != 0) {
         m_pRoot = removed->m_pRight;
-        removed->m_pRight = 0;
         --m_size;
+        removed = handOver(removed);
     }
 }
 
@@ -140,8 +172,8 @@ void SplayTree<T, KeyType>::DeleteMax(Node*& removed) {
     removed = FindMax();
     if (removed != 0) {
         m_pRoot = removed->m_pLeft;
-        removed->m_pLeft = 0;
         --m_size;
+        removed = handOver(removed);
     }
 }
 
@@ -369,24 +401,25 @@ typename SplayTree<T, KeyType>::Node* SplayTree<T, KeyType>::clone(const Node* t
     if (t == 0) {
         return 0;
     }
-    Node* copy = new Node(t->m_data, 0, 0);
+    Node* copy = newNode(t->m_data);
     std::vector<std::pair<const Node*, Node*> > pending(1, std::make_pair(t, copy));
     while (!pending.empty()) {
         const std::pair<const Node*, Node*> top = pending.back();
         pending.pop_back();
         top.second->m_bVisited = top.first->m_bVisited;
         if (top.first->m_pLeft != 0) {
-            top.second->m_pLeft = new Node(top.first->m_pLeft->m_data, 0, 0);
+            top.second->m_pLeft = newNode(top.first->m_pLeft->m_data);
             pending.push_back(std::make_pair(top.first->m_pLeft, top.second->m_pLeft));
         }
         if (top.first->m_pRight != 0) {
-            top.second->m_pRight = new Node(top.first->m_pRight->m_data, 0, 0);
+            top.second->m_pRight = newNode(top.first->m_pRight->m_data);
             pending.push_back(std::make_pair(top.first->m_pRight, top.second->m_pRight));
         }
     }
     return copy;
 }
 
+// Puts every node of the subtree on the spare list.
 template <class T, class KeyType>
 void SplayTree<T, KeyType>::reclaimMemory(Node* t) {
     std::vector<Node*> pending;
@@ -402,7 +435,7 @@ void SplayTree<T, KeyType>::reclaimMemory(Node* t) {
         if (node->m_pRight != 0) {
             pending.push_back(node->m_pRight);
         }
-        delete node;
+        recycle(node);
     }
 }
 

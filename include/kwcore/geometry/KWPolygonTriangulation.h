@@ -199,9 +199,11 @@ public:
 
     bool is_exist(double x, double y) const;
 
-    PointbaseMap& points() { return m_points; }
-    LineMap& edges() { return m_edges; }
-    const LineMap& diagonals() const { return m_diagonals; }
+    // Maps by id, made on demand from the polygon's own arrays (the sweep does
+    // not use them); edits made through them do not reach the polygon.
+    PointbaseMap& points();
+    LineMap& edges();
+    const LineMap& diagonals() const;
     const Monopolys& monotonePieces() const { return m_mpolys; }
     // Each triangle is three vertex ids, counter-clockwise, in the order made.
     const Triangles& triangles() const { return m_triangles; }
@@ -222,12 +224,22 @@ private:
     void initializate();
     unsigned prev(unsigned id) const;
     unsigned next(unsigned id) const;
-    void handleStartVertex(unsigned id);
-    void handleEndVertex(unsigned id);
-    void handleSplitVertex(unsigned id);
-    void handleMergeVertex(unsigned id);
-    void handleRegularVertexUp(unsigned id);
-    void handleRegularVertexDown(unsigned id);
+    // A vertex as the sweep meets it, with what its handler reads: the
+    // handlers then need no lookups by id for the vertex itself.
+    struct SEvent {
+        double y, x;
+        Linebase* leaving;   // the contour edge starting at the vertex
+        Linebase* entering;  // the contour edge ending at it
+        Pointbase* vertex;
+        unsigned id;
+        Type type;
+    };
+    void handleStartVertex(const SEvent& v);
+    void handleEndVertex(const SEvent& v);
+    void handleSplitVertex(const SEvent& v);
+    void handleMergeVertex(const SEvent& v);
+    void handleRegularVertexUp(const SEvent& v);
+    void handleRegularVertexDown(const SEvent& v);
     void addDiagonal(unsigned i, unsigned j);
     Linebase* selectNextEdge(Linebase* edge);
     double angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const;
@@ -236,78 +248,97 @@ private:
     Pointbase* point(unsigned id) const;
     Linebase* edge(unsigned id) const;
     bool isMergeVertex(unsigned id) const;
-    void insertEdge(Linebase* edge, unsigned helper);
+    void insertEdge(Linebase* edge, unsigned helper, double y);
     void removeEdge(Linebase* edge, double y);
     void setHelper(Linebase* edge, unsigned helper);
     void useEdge(Linebase* edge);
     bool isUsedFrom(const Linebase* edge, unsigned startId) const;
-    Linebase* findLeftEdge(unsigned id);
-    Linebase* closeEnteringEdge(unsigned id);
-    void endEdge(unsigned id);
+    Linebase* findLeftEdge(const SEvent& v);
+    Linebase* closeEnteringEdge(const SEvent& v);
+    void endEdge(const SEvent& v);
     void addTriangle(unsigned a, unsigned b, unsigned c);
     std::ostream& trace();
     bool consistent() const;
 
     struct SCoordinateIndex;
 
-    // Storage that keeps addresses: blocks that double in size.
+    // Storage that keeps addresses: blocks that are never reallocated, each
+    // at least twice the one before (or as large as reserved). Memory is
+    // touched only as it is used.
     template <class T>
     class BlockStore {
     public:
         T* add(const T& value) {
-            if (m_used == m_capacity) {
-                m_capacity = m_blocks.empty() ? 64 : 2 * m_capacity;
-                m_blocks.emplace_back(new T[m_capacity]);
-                m_used = 0;
+            if (m_blocks.empty() || m_blocks.back().size() == m_blocks.back().capacity()) {
+                addBlock(m_blocks.empty() ? 64 : 2 * m_blocks.back().capacity());
             }
-            T* slot = &m_blocks.back()[m_used++];
-            *slot = value;
-            return slot;
+            m_blocks.back().push_back(value);
+            return &m_blocks.back().back();
+        }
+        // Room for count more in one block.
+        void reserve(std::size_t count) {
+            if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < count) {
+                addBlock(count);
+            }
         }
 
     private:
-        std::vector<std::unique_ptr<T[]> > m_blocks;
-        std::size_t m_used = 0;
-        std::size_t m_capacity = 0;
+        void addBlock(std::size_t capacity) {
+            m_blocks.emplace_back();
+            m_blocks.back().reserve(capacity);
+        }
+        std::vector<std::vector<T> > m_blocks;
     };
 
-    // The edge ids at one vertex, ascending: a few in place, more on the heap.
+    // The edge ids at one vertex, ascending: a few in place, more on the
+    // heap. Half a cache line: the sweep reaches them in random order.
     class IncidentEdges {
     public:
-        const unsigned* begin() const { return m_bSpilled ? m_more.data() : m_ids; }
+        const unsigned* begin() const { return m_pMore ? m_pMore->data() : m_ids; }
         const unsigned* end() const { return begin() + size(); }
-        std::size_t size() const { return m_bSpilled ? m_more.size() : m_count; }
+        std::size_t size() const { return m_pMore ? m_pMore->size() : m_count; }
         void push_back(unsigned id);
         void sort();
         void erase(unsigned id);
 
     private:
-        unsigned m_ids[6];
+        unsigned m_ids[5];
         unsigned m_count = 0;
-        bool m_bSpilled = false;
-        std::vector<unsigned> m_more;
+        std::unique_ptr<std::vector<unsigned> > m_pMore;
     };
 
     std::pmr::monotonic_buffer_resource m_pool;  // before the maps that use it
+    // Made by points(), edges() and diagonals() when out of date.
     PointbaseMap m_points;
     LineMap m_edges;
+    mutable LineMap m_diagonals;
+    bool m_bPointsStale, m_bEdgesStale;
+    mutable bool m_bDiagonalsStale;
     unsigned m_ncontours;
     std::vector<unsigned> m_nVertices;
     double m_xmin, m_xmax, m_ymin, m_ymax;
     unsigned m_l_id;
-    PQueue m_qpoints;
+    // The vertices in sweep order (top first), sorted once, and the next one
+    // to handle: a heap would jump across the whole array at every pop.
+    std::vector<SEvent> m_events;
+    std::size_t m_nextEvent;
     EdgeBST m_edgebst;
     std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
-    LineMap m_diagonals;
     Monopolys m_mpolys;
+    // Buffers reused from piece to piece by the loop walk and the last phase.
+    Monopoly m_pieceScratch;
+    std::vector<Pointbase*> m_loopScratch, m_stackScratch;
     Triangles m_triangles;
     bool m_debug;
     std::unique_ptr<std::ostringstream> m_pTrace;  // made when tracing is first asked for
 
-    // Fast paths beside the maps: vertices and edges by id, each vertex's
-    // contour neighbours, each edge's original start, and which directions of
-    // each edge the loop walk has used.
+    // Vertices and edges by id (null where none), each vertex's contour
+    // neighbours, each edge's original start, and which directions of each
+    // edge the loop walk has used.
+    unsigned m_pointCount;  // ids held
+    unsigned m_maxPointId;
     std::vector<Pointbase*> m_pointById;
+    std::vector<unsigned char> m_bMerge;  // by vertex id: a MERGE vertex
     std::vector<Linebase*> m_edgeById;
     std::vector<unsigned> m_prevId, m_nextId;
     std::vector<unsigned> m_edgeStart;
@@ -317,7 +348,7 @@ private:
     bool m_bFinished;
     bool m_bInitialized;
     std::unique_ptr<SCoordinateIndex> m_pCoordinates;
-    // The vertices and edges themselves; the maps point into these.
+    // The vertices and edges themselves; everything else points into these.
     BlockStore<Pointbase> m_pointStore;
     BlockStore<Linebase> m_lineStore;
 };

@@ -18,7 +18,10 @@
 // Explicitly instantiated for <Linebase*, double> only.
 #pragma once
 
+#include <cstddef>
+#include <memory>
 #include <ostream>
+#include <vector>
 
 namespace kwPolygonTriangulation {
 
@@ -67,7 +70,7 @@ public:
     // Removes the node with this key, if any.
     void Delete(const KeyType& key);
     // Removes the node with this key and hands it to the caller, who deletes
-    // it; null when there is none.
+    // it (a node of its own, allocated with new); null when there is none.
     void Delete(const KeyType& key, Node*& removed);
     // Remove the smallest (largest) node and hand it to the caller.
     void DeleteMin(Node*& removed);
@@ -105,17 +108,27 @@ private:
     void splay(const KeyType& key, Node*& t);
     static void rotateWithLeftChild(Node*& k2);
     static void rotateWithRightChild(Node*& k1);
-    static Node* clone(const Node* t);
-    static void reclaimMemory(Node* t);
+    Node* clone(const Node* t);
+    void reclaimMemory(Node* t);
     template <class Visit>
     void inOrderWalk(Visit visit) const;
 
     Node* newNode(const T& x);
+    void recycle(Node* node);
+    // Takes the node with this key out of the tree, without handing it over.
+    void detach(const KeyType& key, Node*& removed);
+    // A removed node handed to the caller: a heap copy, the pooled one reused.
+    Node* handOver(Node* node);
 
     Node* m_pRoot;
     long m_size;
-    // Nodes removed by Delete(key), reused by Insert.
+    // The tree's nodes come from blocks it owns, so that a large status is
+    // not spread over the heap and goes in a few frees. Removed nodes wait in
+    // a list (through their right links) to be reused.
     Node* m_pSpare;
+    std::vector<std::unique_ptr<Node[]> > m_blocks;
+    std::size_t m_blockUsed;
+    std::size_t m_blockSize;
     bool m_bRefresh;
     KeyType m_refreshAt;
 };

@@ -86,10 +86,18 @@ TEST(PolygonTriangulation, RefusesAContourThatRepeatsAPoint) {
     EXPECT_EQ(polygon.points().size(), 6u);  // the two points before the repeat stay
     EXPECT_TRUE(polygon.is_exist(2, 1));
     EXPECT_FALSE(polygon.is_exist(2, 2));
+    // A reversed contour renumbers from 1: the points it replaces are gone.
+    const Contour renumbering = {10, 10, 12, 10, 11, 12};
+    EXPECT_TRUE(polygon.AddContour(renumbering.data(), 3, true, false));
+    EXPECT_FALSE(polygon.is_exist(0, 0));
+    EXPECT_FALSE(polygon.is_exist(4, 4));
+    EXPECT_TRUE(polygon.is_exist(0, 4));
+    EXPECT_TRUE(polygon.is_exist(12, 10));
+    EXPECT_EQ(polygon.points()[1]->x, 11.0);
     polygon.Finish();
     const Contour late = {1, 1, 2, 1, 2, 2};
     EXPECT_FALSE(polygon.AddContour(late.data(), 3, false, false));
-    EXPECT_EQ(polygon.contourCount(), 1u);
+    EXPECT_EQ(polygon.contourCount(), 2u);
 }
 
 TEST(PolygonTriangulation, CollinearRunsAndHorizontalEdges) {
@@ -148,6 +156,30 @@ TEST(PolygonTriangulation, TracesEveryPhaseWhenAsked) {
     EXPECT_TRUE(quiet.traceText().empty());
 }
 
+TEST(PolygonTriangulation, MapsFollowTheContoursAndTheSweep) {
+    // The maps by id are views made when asked for: each call sees what was
+    // added since the last one.
+    Polygon polygon;
+    ASSERT_TRUE(polygon.AddContour(kSquare.data(), kSquare.size() / 2, false, false));
+    EXPECT_EQ(polygon.points().size(), 4u);
+    ASSERT_TRUE(polygon.AddContour(kSquareHole.data(), kSquareHole.size() / 2, false, false));
+    ASSERT_EQ(polygon.points().size(), 8u);
+    EXPECT_EQ(polygon.points().rbegin()->second->x, 3.0);
+    EXPECT_TRUE(polygon.is_exist(-0.0, 0.0));
+    EXPECT_FALSE(polygon.is_exist(2.0, 2.0));
+    polygon.Finish();
+    EXPECT_EQ(polygon.edges().size(), 8u);
+    EXPECT_TRUE(polygon.diagonals().empty());
+    polygon.partition2Monotone();
+    const std::size_t diagonals = polygon.diagonals().size();
+    EXPECT_GT(diagonals, 0u);
+    EXPECT_EQ(polygon.edges().size(), 8u + diagonals);
+    for (const auto& entry : polygon.diagonals()) {
+        EXPECT_EQ(polygon.edges()[entry.first], entry.second);
+        EXPECT_EQ(entry.second->type(), INSERT);
+    }
+}
+
 TEST(PolygonTriangulationDeathTest, FatalMessagesGoToStandardOutput) {
     // Death tests match standard error; reroute standard output there.
     const auto run = [](const std::vector<Contour>& contours) {
@@ -163,4 +195,10 @@ TEST(PolygonTriangulationDeathTest, FatalMessagesGoToStandardOutput) {
     // A repeated point left behind by a refused contour keeps type 1.
     EXPECT_EXIT(run({kSquare, {5, 5, 6, 5, 0, 0}}), testing::ExitedWithCode(1),
                 "Please check your input polygon");
+    // Coordinates that cannot be ordered stop the sweep before it orders them.
+    Contour star = kwtest::Flatten(MakeStarPolygon(300, 4))[0];
+    for (std::size_t i = 1; i < star.size(); i += 7) {
+        star[i] = std::nan("");
+    }
+    EXPECT_EXIT(run({star}), testing::ExitedWithCode(1), "Please check your input polygon");
 }

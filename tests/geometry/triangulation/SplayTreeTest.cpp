@@ -163,3 +163,41 @@ TEST(SplayTree, TraversalsCopiesAndRefreshedKeys) {
     sweep.FindMaxSmallerThan(4.0, left);
     EXPECT_EQ(left, nullptr);
 }
+
+TEST(SplayTree, ReusesItsNodesThroughRemovalsCopiesAndEmptying) {
+    // Nodes come from the tree's own blocks; those handed to the caller are
+    // the caller's to delete, and copies draw from the copy's blocks.
+    EdgeSet edges;
+    std::vector<Linebase*> lines;
+    for (int i = 0; i < 300; ++i) {
+        lines.push_back(edges.Vertical(i));
+    }
+    EdgeBST tree;
+    for (int round = 0; round < 3; ++round) {
+        for (Linebase* line : lines) {
+            tree.Insert(line);
+        }
+        ASSERT_EQ(tree.Size(), 300);
+        for (int i = 0; i < 300; i += 2) {
+            tree.Delete(static_cast<double>(i));
+        }
+        EdgeBST::Node* removed = nullptr;
+        tree.Delete(1.0, removed);
+        ASSERT_NE(removed, nullptr);
+        EXPECT_EQ(removed->data(), lines[1]);
+        EXPECT_EQ(removed->left(), nullptr);
+        delete removed;
+        EdgeBST copy(tree);
+        tree.MakeEmpty();
+        EXPECT_TRUE(tree.IsEmpty());
+        ASSERT_EQ(copy.Size(), 149);
+        EXPECT_EQ(Keys(copy).front(), 3.0);
+        copy.DeleteMax(removed);
+        EXPECT_EQ(removed->keyValue(), 299.0);
+        delete removed;
+        EdgeBST assigned;
+        assigned.Insert(lines[0]);
+        assigned = copy;
+        EXPECT_EQ(Keys(assigned), Keys(copy));
+    }
+}
