@@ -35,6 +35,10 @@ inline void TwoProduct(double a, double b, double& product, double& error) {
     error = aLow * bLow - (((product - aHigh * bHigh) - aLow * bHigh) - aHigh * bLow);
 }
 
+inline int SignOf(double value) {
+    return (value > 0) - (value < 0);
+}
+
 // The exact sign of (p - v0) x (v1 - v0) when the coordinate differences are
 // exact in double and no product leaves the safe range: the two products
 // become two-term expansions and their difference is summed exactly. Returns
@@ -58,12 +62,31 @@ inline bool ExactLineSign(double px, double py, double x0, double y0, double x1,
     if (error != 0) {
         return false;
     }
+    // When one product is zero or the two differ in sign, the signs of the
+    // factors decide: points on axis-parallel lines never multiply.
+    const int first = SignOf(d[0]) * SignOf(d[3]);
+    const int second = SignOf(d[1]) * SignOf(d[2]);
+    if (first == 0 || second == 0 || first != second) {
+        sign = first != 0 ? first : -second;
+        return true;
+    }
     // Products of magnitudes within [2^-400, 2^400] keep Dekker's split exact.
     for (double value : d) {
         const double magnitude = std::fabs(value);
         if (!(magnitude < 0x1p400) || (magnitude != 0 && magnitude < 0x1p-400)) {
             return false;
         }
+    }
+    // The rounded determinant, when it is further from zero than its
+    // rounding error can reach (the classic bound (3 + 16e)e of the
+    // orientation test, e = 2^-53).
+    const double left = d[0] * d[3];
+    const double right = d[1] * d[2];
+    const double determinant = left - right;
+    const double bound = (3.0 + 16.0 * 0x1p-53) * 0x1p-53 * (std::fabs(left) + std::fabs(right));
+    if (determinant > bound || -determinant > bound) {
+        sign = determinant > 0 ? 1 : -1;
+        return true;
     }
     double term[4];
     TwoProduct(d[0], d[3], term[2], term[0]);

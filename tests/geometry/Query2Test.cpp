@@ -215,6 +215,30 @@ TYPED_TEST(Query2Test, FilteredIsExactOnWideIntegers) {
     EXPECT_GT(zeros, 0);
 }
 
+TYPED_TEST(Query2Test, FilteredMatchesRationalAroundAxisParallelLines) {
+    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::Real Real;
+    // Lines 0-1 (horizontal), 0-2 (vertical) and 0-3 (diagonal), and a grid
+    // of points on, beside and across them, with signs of every mix.
+    std::vector<V> v = {V(1, 1), V(5, 1), V(1, -7), V(-3, -3)};
+    for (int x = -4; x <= 4; ++x) {
+        for (int y = -4; y <= 4; ++y) {
+            v.push_back(V(Real(1 + x * 0.5), Real(1 + y * 0.25)));
+        }
+    }
+    const auto queries = TypeParam::All(v);
+    for (int k = 4; k < static_cast<int>(v.size()); ++k) {
+        for (int end = 1; end <= 3; ++end) {
+            ASSERT_EQ(queries[Query::QT_FILTERED]->ToLine(k, 0, end),
+                      queries[Query::QT_RATIONAL]->ToLine(k, 0, end))
+                << k << " " << end;
+            ASSERT_EQ(queries[Query::QT_FILTERED]->ToLine(k, end, 0),
+                      queries[Query::QT_RATIONAL]->ToLine(k, end, 0))
+                << k << " " << end;
+        }
+    }
+}
+
 TYPED_TEST(Query2Test, NonFiniteCoordinatesCountAsZero) {
     typedef typename TypeParam::Vector2 V;
     typedef typename TypeParam::Real Real;
