@@ -3,29 +3,17 @@
 #include "kwcore/framework/CKWGraphEdge.h"
 #include "kwcore/framework/CKWGraphNode.h"
 
+#include "platform/Prefetch.h"
+
 KW_IMPLEMENT_TYPE(CKWDFSVisitor, "{797F206F-C5AD-4521-AD2F-64064A981555}",
                   "{4D788BB9-51E7-44CC-8A34-62698C2C3D43}")
-
-namespace {
-
-// Prefetching hides part of the cost of chasing the scattered node and edge
-// objects of a large graph; it never changes what the walk does.
-inline void Prefetch(const void* address) {
-#if defined(__GNUC__)
-    __builtin_prefetch(address);
-#else
-    (void)address;
-#endif
-}
-
-}  // namespace
 
 // Starts fetching what a walk reads of a node: its mark and its edge list.
 inline void CKWDFSVisitor::PrefetchNode(const CKWGraphNode* node) {
     const char* line = reinterpret_cast<const char*>(&node->m_iVisitedSession);
     const char* end = reinterpret_cast<const char*>(&node->m_EdgeList + 1);
     for (; line < end; line += kCacheLine) {
-        Prefetch(line);
+        kwPlatform::Prefetch(line);
     }
 }
 
@@ -103,7 +91,7 @@ void CKWDFSVisitor::Enter(CKWGraphNode* node) {
     m_pWalk->emplace_back(node, first, end);
     int ahead = 0;
     for (auto edge = first; edge != end && ahead < kEdgesAhead; ++edge, ++ahead) {
-        Prefetch(*edge);
+        kwPlatform::Prefetch(*edge);
     }
     m_pFreshNode = node;
     OnFirstVisit(node);

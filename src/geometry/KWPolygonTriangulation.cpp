@@ -10,6 +10,8 @@
 #include <limits>
 #include <utility>
 
+#include "platform/Prefetch.h"
+
 namespace kwPolygonTriangulation {
 namespace {
 
@@ -39,14 +41,6 @@ double Orient(const Pointbase& a, const Pointbase& b, const Pointbase& c) {
 
 // How many events ahead the sweep fetches edges.
 const std::size_t kPrefetchDistance = 8;
-
-inline void Prefetch(const void* address) {
-#if defined(__GNUC__)
-    __builtin_prefetch(address);
-#else
-    (void)address;
-#endif
-}
 
 // Bits of Polygon::m_edgeUsed: the edge walked from its original start, or
 // towards it.
@@ -568,10 +562,10 @@ void Polygon::partition2Monotone() {
         const std::size_t ahead = m_nextEvent + kPrefetchDistance;
         if (ahead < m_events.size()) {
             const SEvent& next = m_events[ahead];
-            Prefetch(next.leaving);
-            Prefetch(next.entering);
-            Prefetch(next.vertex);
-            Prefetch(&m_startAdjEdgeMap[next.id]);
+            kwPlatform::Prefetch(next.leaving);
+            kwPlatform::Prefetch(next.entering);
+            kwPlatform::Prefetch(next.vertex);
+            kwPlatform::Prefetch(&m_startAdjEdgeMap[next.id]);
         }
         const SEvent& v = m_events[m_nextEvent++];
         m_edgebst.SetKeyRefresh(v.y);
