@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "PolygonGenerators.h"
-#include "kwcore/geometry/CKWTriangulateEarClipping.h"
+#include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <Eigen/Geometry>
 #include <vector>
 
-#include "kwcore/geometry/CKWMatrix3T.h"
-#include "kwcore/geometry/CKWMatrix4T.h"
-#include "kwcore/geometry/CKWQuaternionT.h"
-#include "kwcore/geometry/CKWVector3T.h"
-#include "kwcore/geometry/CKWVector4T.h"
+#include "kwcore/geometry/linear/CKWMatrix3T.h"
+#include "kwcore/geometry/linear/CKWMatrix4T.h"
+#include "kwcore/geometry/linear/CKWQuaternionT.h"
+#include "kwcore/geometry/linear/CKWVector3T.h"
+#include "kwcore/geometry/linear/CKWVector4T.h"
 
 namespace {
 

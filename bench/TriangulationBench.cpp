@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "PolygonGenerators.h"
-#include "kwcore/geometry/KWPolygonTriangulation.h"
+#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 
 namespace {
 

@@ -59,57 +59,6 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/KWSerialTypeMacros.h"
 
-// Application framework: graphs and visitors, preferences.
-#include "kwcore/framework/CKWDFSVisitor.h"
-#include "kwcore/framework/CKWFilteredDFSVisitor.h"
-#include "kwcore/framework/CKWGraphEdge.h"
-#include "kwcore/framework/CKWGraphNode.h"
-#include "kwcore/framework/CKWGraphNodeVisitorImpl.h"
-#include "kwcore/framework/CKWPreferenceSection.h"
-#include "kwcore/framework/CKWPreferences.h"
-#include "kwcore/framework/CKWReleaseVisitor.h"
-#include "kwcore/framework/IKWGraphNodeVisitor.h"
-
-// Framework: observers, models and views; tools and tool events.
-#include "kwcore/framework/CKWFocusEvent.h"
-#include "kwcore/framework/CKWMDIChildWnd.h"
-#include "kwcore/framework/CKWModel.h"
-#include "kwcore/framework/CKWModelVoid.h"
-#include "kwcore/framework/CKWObservable.h"
-#include "kwcore/framework/CKWObservation.h"
-#include "kwcore/framework/CKWObserver.h"
-#include "kwcore/framework/CKWObserverAdapter.h"
-#include "kwcore/framework/CKWTool.h"
-#include "kwcore/framework/CKWToolEvent.h"
-#include "kwcore/framework/CKWToolEventRouter.h"
-#include "kwcore/framework/CKWView.h"
-#include "kwcore/framework/IKWObservationListener.h"
-
-// Geometry kernel: scalar math, vectors, points and bounds.
-#include "kwcore/geometry/CKWBound2T.h"
-#include "kwcore/geometry/CKWMathT.h"
-#include "kwcore/geometry/CKWPoint2T.h"
-#include "kwcore/geometry/CKWPoint3T.h"
-#include "kwcore/geometry/CKWPoint4T.h"
-#include "kwcore/geometry/CKWPointT.h"
-#include "kwcore/geometry/CKWVector2T.h"
-#include "kwcore/geometry/CKWVector3T.h"
-#include "kwcore/geometry/CKWVector4T.h"
-#include "kwcore/geometry/CKWVectorT.h"
-
-// Geometry kernel: matrices and quaternions.
-#include "kwcore/geometry/CKWMatrix2T.h"
-#include "kwcore/geometry/CKWMatrix3T.h"
-#include "kwcore/geometry/CKWMatrix4T.h"
-#include "kwcore/geometry/CKWMatrixT.h"
-#include "kwcore/geometry/CKWQuaternionT.h"
-
-// Geometry: exact arithmetic and ear clipping.
-#include "kwcore/geometry/CKWTriangulateEarClipping.h"
-#include "kwcore/geometry/Query2.h"
-#include "kwcore/geometry/TInteger.h"
-#include "kwcore/geometry/TRational.h"
-
 // XML archive: the file back-end of the serialization, where Xerces-C is available.
 #if __has_include(<xercesc/util/XercesDefs.hpp>)
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
@@ -119,7 +68,52 @@
 #include "kwcore/serial/xml/KWXercesForward.h"
 #endif
 
-// Polygon triangulation: the monotone sweep and its orientation predicate.
-#include "kwcore/geometry/KWOrient2D.h"
-#include "kwcore/geometry/KWPolygonTriangulation.h"
-#include "kwcore/geometry/KWSplayTree.h"
+// Application framework: graphs and visitors, preferences, observers, models
+// and views, tools and tool events.
+#include "kwcore/framework/CKWDFSVisitor.h"
+#include "kwcore/framework/CKWFilteredDFSVisitor.h"
+#include "kwcore/framework/CKWFocusEvent.h"
+#include "kwcore/framework/CKWGraphEdge.h"
+#include "kwcore/framework/CKWGraphNode.h"
+#include "kwcore/framework/CKWGraphNodeVisitorImpl.h"
+#include "kwcore/framework/CKWMDIChildWnd.h"
+#include "kwcore/framework/CKWModel.h"
+#include "kwcore/framework/CKWModelVoid.h"
+#include "kwcore/framework/CKWObservable.h"
+#include "kwcore/framework/CKWObservation.h"
+#include "kwcore/framework/CKWObserver.h"
+#include "kwcore/framework/CKWObserverAdapter.h"
+#include "kwcore/framework/CKWPreferenceSection.h"
+#include "kwcore/framework/CKWPreferences.h"
+#include "kwcore/framework/CKWReleaseVisitor.h"
+#include "kwcore/framework/CKWTool.h"
+#include "kwcore/framework/CKWToolEvent.h"
+#include "kwcore/framework/CKWToolEventRouter.h"
+#include "kwcore/framework/CKWView.h"
+#include "kwcore/framework/IKWGraphNodeVisitor.h"
+#include "kwcore/framework/IKWObservationListener.h"
+
+// Geometry: linear algebra (scalar math, vectors, points, bounds, matrices,
+// quaternions), exact arithmetic and predicates, and the two triangulations.
+#include "kwcore/geometry/linear/CKWBound2T.h"
+#include "kwcore/geometry/linear/CKWMathT.h"
+#include "kwcore/geometry/linear/CKWMatrix2T.h"
+#include "kwcore/geometry/linear/CKWMatrix3T.h"
+#include "kwcore/geometry/linear/CKWMatrix4T.h"
+#include "kwcore/geometry/linear/CKWMatrixT.h"
+#include "kwcore/geometry/linear/CKWPoint2T.h"
+#include "kwcore/geometry/linear/CKWPoint3T.h"
+#include "kwcore/geometry/linear/CKWPoint4T.h"
+#include "kwcore/geometry/linear/CKWPointT.h"
+#include "kwcore/geometry/linear/CKWQuaternionT.h"
+#include "kwcore/geometry/linear/CKWVector2T.h"
+#include "kwcore/geometry/linear/CKWVector3T.h"
+#include "kwcore/geometry/linear/CKWVector4T.h"
+#include "kwcore/geometry/linear/CKWVectorT.h"
+#include "kwcore/geometry/exact/KWOrient2D.h"
+#include "kwcore/geometry/exact/Query2.h"
+#include "kwcore/geometry/exact/TInteger.h"
+#include "kwcore/geometry/exact/TRational.h"
+#include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
+#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
+#include "kwcore/geometry/triangulation/KWSplayTree.h"

@@ -12,10 +12,10 @@
 #include <vector>
 
 #include "Commands.h"
-#include "kwcore/geometry/CKWMatrix2T.h"
-#include "kwcore/geometry/CKWMatrix3T.h"
-#include "kwcore/geometry/CKWMatrix4T.h"
-#include "kwcore/geometry/CKWQuaternionT.h"
+#include "kwcore/geometry/linear/CKWMatrix2T.h"
+#include "kwcore/geometry/linear/CKWMatrix3T.h"
+#include "kwcore/geometry/linear/CKWMatrix4T.h"
+#include "kwcore/geometry/linear/CKWQuaternionT.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 
 #include "Commands.h"
 #include "PolygonText.h"
-#include "kwcore/geometry/CKWTriangulateEarClipping.h"
-#include "kwcore/geometry/KWPolygonTriangulation.h"
+#include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
+#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 
 namespace {
 

@@ -20,8 +20,8 @@
 #include "kwcore/framework/CKWObserverAdapter.h"
 #include "kwcore/framework/CKWToolEvent.h"
 #include "kwcore/framework/IKWObservationListener.h"
-#include "kwcore/geometry/CKWBound2T.h"
-#include "kwcore/geometry/CKWPoint4T.h"
+#include "kwcore/geometry/linear/CKWBound2T.h"
+#include "kwcore/geometry/linear/CKWPoint4T.h"
 #include "kwcore/platform/CRect.h"
 #include "kwcore/serial/CKWSerialObject.h"
 

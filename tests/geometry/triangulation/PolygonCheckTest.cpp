@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "TriangulationTestSupport.h"
-#include "kwcore/geometry/KWPolygonTriangulation.h"
+#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 
 using namespace kwPolygonTriangulation;
 using kwtest::Build;

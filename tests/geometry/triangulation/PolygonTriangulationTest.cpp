@@ -11,7 +11,7 @@
 #include <string>
 
 #include "TriangulationTestSupport.h"
-#include "kwcore/geometry/KWPolygonTriangulation.h"
+#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 
 using namespace kwPolygonTriangulation;
 using kwtest::Build;

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <vector>
 
-#include "kwcore/geometry/KWPolygonTriangulation.h"
+#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 
 using namespace kwPolygonTriangulation;
 

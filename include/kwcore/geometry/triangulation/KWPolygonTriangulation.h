@@ -1,0 +1,356 @@
+// Triangulation of a polygon with holes by monotone decomposition.
+//
+// A Polygon takes one or more closed contours of double-precision points (the
+// outer boundary counter-clockwise, holes clockwise), then triangulates in
+// three phases: a top-to-bottom sweep adds diagonals until every piece is
+// monotone (partition2Monotone), a walk over the edges and diagonals extracts
+// the pieces as closed loops (searchMonotones), and a stack walk down each
+// piece cuts it into triangles. Vertices are numbered from 1 in the order
+// they are added; a triangle is three vertex numbers, counter-clockwise.
+//
+// triangulation() ends the process (exit status 1, after a message on
+// standard output) when the input is not a valid polygon: callers that cannot
+// afford that call Check() first, which names every such problem.
+//
+//   kwPolygonTriangulation::Polygon polygon;
+//   std::vector<CKWPoint2T<double, float> > outer = ..., hole = ...;
+//   polygon.AddContour(outer, false, false);
+//   polygon.AddContour(hole, false, false);
+//   polygon.Finish();
+//   if (polygon.Check() == kwPolygonTriangulation::CHECK_OK) {
+//       polygon.triangulation();   // prints "Total number of triangles:<n>"
+//       for (const kwPolygonTriangulation::Triangle& t : polygon.triangles()) { ... }
+//   }
+//
+// The Polygon owns its vertices and edges; one Polygon triangulates once.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <map>
+#include <memory>
+#include <memory_resource>
+#include <queue>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "kwcore/geometry/linear/CKWPoint2T.h"
+#include "kwcore/geometry/exact/KWOrient2D.h"
+#include "kwcore/geometry/triangulation/KWSplayTree.h"
+#include "kwcore/platform/Export.h"
+
+namespace kwPolygonTriangulation {
+
+// Vertex and edge kinds; the values are fixed.
+enum Type {
+    INPUT = 1,   // every vertex as added, every contour edge
+    INSERT = 2,  // a diagonal
+    START = 3,
+    END = 4,
+    MERGE = 5,
+    SPLIT = 6,
+    REGULAR_UP = 7,
+    REGULAR_DOWN = 8
+};
+
+// "START", "END", ... for the vertex classes; empty for INPUT and INSERT.
+KWCORE_API const char* TypeName(Type type);
+
+// A vertex. Ordered by the sweep: p is above q when p.y > q.y, or p.y == q.y
+// and p.x < q.x (p > q).
+class KWCORE_API Pointbase {
+public:
+    Pointbase();
+    Pointbase(double x, double y);
+    Pointbase(unsigned id, double x, double y);
+    Pointbase(double x, double y, Type type);
+    Pointbase(unsigned id, double x, double y, Type type);
+    Pointbase(const Pointbase& other) = default;
+    Pointbase& operator=(const Pointbase& other) = default;
+
+    unsigned id;
+    double x, y;
+    Type type;
+    bool left;  // on the left chain of the monotone piece being triangulated
+};
+
+// Same coordinates.
+inline bool operator==(const Pointbase& a, const Pointbase& b) {
+    return a.x == b.x && a.y == b.y;
+}
+inline bool operator!=(const Pointbase& a, const Pointbase& b) {
+    return !(a == b);
+}
+// Sweep order: a is above b.
+inline bool operator>(const Pointbase& a, const Pointbase& b) {
+    return a.y > b.y || (a.y == b.y && a.x < b.x);
+}
+// Sweep order: a is below b.
+inline bool operator<(const Pointbase& a, const Pointbase& b) {
+    return a.y < b.y || (a.y == b.y && a.x > b.x);
+}
+
+// An edge or a diagonal between two vertices the Polygon owns.
+class KWCORE_API Linebase {
+public:
+    Linebase();
+    Linebase(Pointbase* start, Pointbase* end, Type type, unsigned id);
+
+    unsigned id() const { return m_id; }
+    Pointbase* endPoint(int i) const { return m_endPoints[i]; }
+    Type type() const { return m_type; }
+    double keyValue() const { return m_keyValue; }
+    unsigned helper() const { return m_helper; }
+
+    // The key at sweep height y: the x where the edge crosses the line y;
+    // for a horizontal edge, its smaller x.
+    void setKeyValue(double y) {
+        m_keyValue = m_bHorizontal ? m_slope : m_x0 + (y - m_y0) * m_slope;
+    }
+    // Raises the key by delta (at least to the next double).
+    void increaseKeyValue(double delta);
+    void setHelper(unsigned vertexId) { m_helper = vertexId; }
+    // Swaps the end points.
+    void reverse();
+
+private:
+    // What the sweep reads on every step comes first, and an edge fills one
+    // cache line: keys are recomputed many times per step. For a horizontal
+    // edge m_slope holds its smaller x, the key at every height.
+    alignas(64) double m_keyValue;
+    double m_x0, m_y0;
+    double m_slope;
+    Pointbase* m_endPoints[2];
+    unsigned m_id;
+    unsigned m_helper;
+    Type m_type;
+    bool m_bHorizontal;
+};
+
+extern template class KWCORE_API SplayTree<Linebase*, double>;
+
+// What Check() finds. Every code but CHECK_OK makes triangulation() end the
+// process, except an empty polygon, which triangulates into nothing.
+enum CheckCode {
+    CHECK_OK = 0,
+    CHECK_TOO_FEW_POINTS,     // no contour, or a contour of fewer than 3 points
+    CHECK_NOT_FINITE,         // a coordinate is NaN or infinite
+    CHECK_DUPLICATED_POINT,   // two vertices at the same place (or a refused contour)
+    CHECK_BAD_NUMBERING,      // a reversed contour added after another one
+    CHECK_SELF_INTERSECTION,  // edges cross, touch or overlap, within or across contours
+    CHECK_WRONG_ORIENTATION,  // outer contour clockwise, or a hole counter-clockwise
+    CHECK_HOLE_OUTSIDE        // a hole not inside the outer contour, or inside another hole
+};
+
+// The first problem Check() found: its code, the contours (0 is the outer
+// one; -1 when not applicable), a place near it, and a sentence for people.
+struct KWCORE_API CheckResult {
+    CheckCode code = CHECK_OK;
+    int contour = -1;
+    int otherContour = -1;
+    double x = 0.0;
+    double y = 0.0;
+    std::string message;
+};
+
+// The maps draw their nodes from their Polygon's own memory pool.
+typedef std::pmr::map<unsigned, Pointbase*> PointbaseMap;
+typedef std::pmr::map<unsigned, Linebase*> LineMap;
+typedef std::priority_queue<Pointbase> PQueue;
+typedef SplayTree<Linebase*, double> EdgeBST;
+// A monotone piece: its vertex ids in loop order (counter-clockwise).
+typedef std::vector<unsigned> Monopoly;
+typedef std::vector<Monopoly> Monopolys;
+typedef std::array<unsigned, 3> Triangle;
+typedef std::vector<Triangle> Triangles;
+
+class KWCORE_API Polygon {
+public:
+    Polygon();
+    ~Polygon();
+    Polygon(const Polygon&) = delete;
+    Polygon& operator=(const Polygon&) = delete;
+
+    // Appends a contour. With `closed` the last point repeats the first and
+    // is skipped. A reversed contour is read backwards and numbers its
+    // vertices from 1 (so it must be the first one). False, leaving the points
+    // read so far in place, when a point repeats one already held; false,
+    // changing nothing, after Finish().
+    bool AddContour(std::vector<CKWPoint2T<double, float> >& contour, bool reverse, bool closed);
+    // The same for `count` points given as x, y pairs.
+    bool AddContour(const double* xy, std::size_t count, bool reverse, bool closed);
+    // Makes the contour edges; call once, after the last AddContour.
+    void Finish();
+
+    // Every problem that would make triangulation() end the process, in
+    // O(n log n); the first one found, or CHECK_OK. Exact: a vertex a hair
+    // off an edge passes, although the sweep, which places vertices by
+    // rounded keys, may then still fail on it.
+    CheckCode Check(CheckResult* result = 0) const;
+
+    // The three phases, then "Total number of triangles:<n>" on standard
+    // output.
+    void triangulation();
+    void partition2Monotone();
+    void searchMonotones();
+    // The last phase alone: triangulates each extracted piece, quietly.
+    void triangulateMonotones();
+
+    bool is_exist(double x, double y) const;
+
+    // Maps by id, made on demand from the polygon's own arrays (the sweep does
+    // not use them); edits made through them do not reach the polygon.
+    PointbaseMap& points();
+    LineMap& edges();
+    const LineMap& diagonals() const;
+    const Monopolys& monotonePieces() const { return m_mpolys; }
+    // Each triangle is three vertex ids, counter-clockwise, in the order made.
+    const Triangles& triangles() const { return m_triangles; }
+    unsigned triangleCount() const { return static_cast<unsigned>(m_triangles.size()); }
+    unsigned contourCount() const { return m_ncontours; }
+    const std::vector<unsigned>& contourSizes() const { return m_nVertices; }
+    double xmin() const { return m_xmin; }
+    double xmax() const { return m_xmax; }
+    double ymin() const { return m_ymin; }
+    double ymax() const { return m_ymax; }
+
+    // Tracing of the sweep, the loop extraction and the triangulation, into
+    // the polygon's own stream.
+    void setDebugOption(bool on);
+    std::string traceText() const { return m_pTrace ? m_pTrace->str() : std::string(); }
+
+private:
+    void initializate();
+    unsigned prev(unsigned id) const;
+    unsigned next(unsigned id) const;
+    // A vertex as the sweep meets it, with what its handler reads: the
+    // handlers then need no lookups by id for the vertex itself.
+    struct SEvent {
+        double y, x;
+        Linebase* leaving;   // the contour edge starting at the vertex
+        Linebase* entering;  // the contour edge ending at it
+        Pointbase* vertex;
+        unsigned id;
+        Type type;
+    };
+    void handleStartVertex(const SEvent& v);
+    void handleEndVertex(const SEvent& v);
+    void handleSplitVertex(const SEvent& v);
+    void handleMergeVertex(const SEvent& v);
+    void handleRegularVertexUp(const SEvent& v);
+    void handleRegularVertexDown(const SEvent& v);
+    void addDiagonal(unsigned i, unsigned j);
+    Linebase* selectNextEdge(Linebase* edge);
+    double angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const;
+    void triangulateMonotone(const Monopoly& piece);
+
+    Pointbase* point(unsigned id) const;
+    Linebase* edge(unsigned id) const;
+    bool isMergeVertex(unsigned id) const;
+    void insertEdge(Linebase* edge, unsigned helper, double y);
+    void removeEdge(Linebase* edge, double y);
+    void setHelper(Linebase* edge, unsigned helper);
+    void useEdge(Linebase* edge);
+    bool isUsedFrom(const Linebase* edge, unsigned startId) const;
+    Linebase* findLeftEdge(const SEvent& v);
+    Linebase* closeEnteringEdge(const SEvent& v);
+    void endEdge(const SEvent& v);
+    void addTriangle(unsigned a, unsigned b, unsigned c);
+    std::ostream& trace();
+    bool consistent() const;
+
+    struct SCoordinateIndex;
+
+    // Storage that keeps addresses: blocks that are never reallocated, each
+    // at least twice the one before (or as large as reserved). Memory is
+    // touched only as it is used.
+    template <class T>
+    class BlockStore {
+    public:
+        T* add(const T& value) {
+            if (m_blocks.empty() || m_blocks.back().size() == m_blocks.back().capacity()) {
+                addBlock(m_blocks.empty() ? 64 : 2 * m_blocks.back().capacity());
+            }
+            m_blocks.back().push_back(value);
+            return &m_blocks.back().back();
+        }
+        // Room for count more in one block.
+        void reserve(std::size_t count) {
+            if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < count) {
+                addBlock(count);
+            }
+        }
+
+    private:
+        void addBlock(std::size_t capacity) {
+            m_blocks.emplace_back();
+            m_blocks.back().reserve(capacity);
+        }
+        std::vector<std::vector<T> > m_blocks;
+    };
+
+    // The edge ids at one vertex, ascending: a few in place, more on the
+    // heap. Half a cache line: the sweep reaches them in random order.
+    class IncidentEdges {
+    public:
+        const unsigned* begin() const { return m_pMore ? m_pMore->data() : m_ids; }
+        const unsigned* end() const { return begin() + size(); }
+        std::size_t size() const { return m_pMore ? m_pMore->size() : m_count; }
+        void push_back(unsigned id);
+        void sort();
+        void erase(unsigned id);
+
+    private:
+        unsigned m_ids[5];
+        unsigned m_count = 0;
+        std::unique_ptr<std::vector<unsigned> > m_pMore;
+    };
+
+    std::pmr::monotonic_buffer_resource m_pool;  // before the maps that use it
+    // Made by points(), edges() and diagonals() when out of date.
+    PointbaseMap m_points;
+    LineMap m_edges;
+    mutable LineMap m_diagonals;
+    bool m_bPointsStale, m_bEdgesStale;
+    mutable bool m_bDiagonalsStale;
+    unsigned m_ncontours;
+    std::vector<unsigned> m_nVertices;
+    double m_xmin, m_xmax, m_ymin, m_ymax;
+    unsigned m_l_id;
+    // The vertices in sweep order (top first), sorted once, and the next one
+    // to handle: a heap would jump across the whole array at every pop.
+    std::vector<SEvent> m_events;
+    std::size_t m_nextEvent;
+    EdgeBST m_edgebst;
+    std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
+    Monopolys m_mpolys;
+    // Buffers reused from piece to piece by the loop walk and the last phase.
+    Monopoly m_pieceScratch;
+    std::vector<Pointbase*> m_loopScratch, m_stackScratch;
+    Triangles m_triangles;
+    bool m_debug;
+    std::unique_ptr<std::ostringstream> m_pTrace;  // made when tracing is first asked for
+
+    // Vertices and edges by id (null where none), each vertex's contour
+    // neighbours, each edge's original start, and which directions of each
+    // edge the loop walk has used.
+    unsigned m_pointCount;  // ids held
+    unsigned m_maxPointId;
+    std::vector<Pointbase*> m_pointById;
+    std::vector<unsigned char> m_bMerge;  // by vertex id: a MERGE vertex
+    std::vector<Linebase*> m_edgeById;
+    std::vector<unsigned> m_prevId, m_nextId;
+    std::vector<unsigned> m_edgeStart;
+    std::vector<unsigned char> m_edgeUsed;
+    bool m_bRefused;
+    bool m_bRenumbered;
+    bool m_bFinished;
+    bool m_bInitialized;
+    std::unique_ptr<SCoordinateIndex> m_pCoordinates;
+    // The vertices and edges themselves; everything else points into these.
+    BlockStore<Pointbase> m_pointStore;
+    BlockStore<Linebase> m_lineStore;
+};
+
+}  // namespace kwPolygonTriangulation

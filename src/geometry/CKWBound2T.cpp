@@ -1,6 +1,0 @@
-// The exported bound instantiations (exported through their declarations in
-// the header).
-#include "kwcore/geometry/CKWBound2T.h"
-
-template class CKWBound2T<float, double>;
-template class CKWBound2T<double, float>;

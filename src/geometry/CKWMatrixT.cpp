@@ -1,9 +1,0 @@
-// The matrices of both scalar pairs, instantiated once for every host.
-#include "kwcore/geometry/CKWMatrixT.h"
-
-template class CKWMatrixT<2, float, double>;
-template class CKWMatrixT<3, float, double>;
-template class CKWMatrixT<4, float, double>;
-template class CKWMatrixT<2, double, float>;
-template class CKWMatrixT<3, double, float>;
-template class CKWMatrixT<4, double, float>;

@@ -1,0 +1,394 @@
+// Polygon::Check: the problems that would end the triangulation, found
+// without ending anything.
+//
+// Edges are tested for crossings and contacts by a sweep in the
+// triangulation's own order (top to bottom, left to right at equal height)
+// that only tests edges adjacent in the sweep status (Shamos and Hoey), with
+// every decision taken by the exact orientation predicate. The same sweep
+// finds, at the topmost vertex of each contour, the edge directly to its left,
+// which tells whether the contour lies inside the polygon's area.
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <iterator>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
+
+namespace kwPolygonTriangulation {
+namespace {
+
+std::string Format(const char* format, double a = 0, double b = 0, double c = 0, double d = 0) {
+    char text[256];
+    std::snprintf(text, sizeof text, format, a, b, c, d);
+    return text;
+}
+
+// The contours as flat arrays; vertex i of the whole polygon is id i + 1.
+struct SContours {
+    std::vector<double> x, y;
+    std::vector<int> contour;           // by vertex
+    std::vector<unsigned> prev, next;   // by vertex, within its contour
+    std::vector<unsigned> first, size;  // by contour
+};
+
+class CSweepCheck {
+public:
+    explicit CSweepCheck(const SContours& contours) : m_c(contours) {}
+
+    CheckCode Run(CheckResult& result);
+
+private:
+    struct SOrder {
+        const CSweepCheck* check;
+        bool operator()(unsigned a, unsigned b) const { return check->Less(a, b); }
+    };
+    typedef std::set<unsigned, SOrder> Status;
+
+    // Sweep order: a comes before (above) b.
+    bool Above(unsigned a, unsigned b) const {
+        return m_c.y[a] > m_c.y[b] || (m_c.y[a] == m_c.y[b] && m_c.x[a] < m_c.x[b]);
+    }
+    double Orient(unsigned a, unsigned b, unsigned c) const {
+        return orient2d(m_c.x[a], m_c.y[a], m_c.x[b], m_c.y[b], m_c.x[c], m_c.y[c]);
+    }
+    // Edge s runs from vertex s to its successor; Upper is the end met first.
+    unsigned Upper(unsigned s) const { return Above(s, m_c.next[s]) ? s : m_c.next[s]; }
+    unsigned Lower(unsigned s) const { return Above(s, m_c.next[s]) ? m_c.next[s] : s; }
+    bool Less(unsigned a, unsigned b) const;
+    int CompareInserted(unsigned t, unsigned s) const;
+    bool Intersect(unsigned s, unsigned t) const;
+    bool OnSegment(unsigned a, unsigned b, unsigned p) const;
+    void Meeting(unsigned s, unsigned t, unsigned near, double& x, double& y) const;
+    CheckCode Crossing(unsigned s, unsigned t, unsigned near, CheckResult& result) const;
+    bool TestNeighbours(Status::iterator it, unsigned near, CheckResult& result) const;
+
+    const SContours& m_c;
+    const Status* m_status = nullptr;
+    unsigned m_inserting = 0;
+    mutable bool m_bContact = false;
+    mutable unsigned m_contactWith = 0;
+};
+
+// Only the edge being inserted is ever compared: it starts at the current
+// event, and the stored edges are ordered where they cross the sweep line.
+bool CSweepCheck::Less(unsigned a, unsigned b) const {
+    if (a == b) {
+        return false;
+    }
+    if (a == m_inserting) {
+        return CompareInserted(a, b) < 0;
+    }
+    if (b == m_inserting) {
+        return CompareInserted(b, a) > 0;
+    }
+    return a < b;
+}
+
+// Where the new edge t lies against the stored edge s: -1 left, +1 right.
+// Its upper end on s is a contact, flagged for the caller.
+int CSweepCheck::CompareInserted(unsigned t, unsigned s) const {
+    const unsigned q = Upper(t);
+    // Going down s, its left side is the larger x.
+    double side = Orient(Upper(s), Lower(s), q);
+    if (side == 0) {
+        if (Upper(s) == q) {
+            // The other edge of the same vertex: order by direction.
+            side = Orient(Upper(s), Lower(s), Lower(t));
+        }
+        if (side == 0) {
+            m_bContact = true;
+            m_contactWith = s;
+            return -1;
+        }
+    }
+    return side > 0 ? 1 : -1;
+}
+
+bool CSweepCheck::OnSegment(unsigned a, unsigned b, unsigned p) const {
+    return std::min(m_c.x[a], m_c.x[b]) <= m_c.x[p] && m_c.x[p] <= std::max(m_c.x[a], m_c.x[b]) &&
+           std::min(m_c.y[a], m_c.y[b]) <= m_c.y[p] && m_c.y[p] <= std::max(m_c.y[a], m_c.y[b]);
+}
+
+// Closed segments meet; neighbours in a contour meet only at their shared
+// vertex, which does not count (their overlap is tested apart).
+bool CSweepCheck::Intersect(unsigned s, unsigned t) const {
+    const unsigned a = s, b = m_c.next[s], c = t, d = m_c.next[t];
+    if (a == d || b == c) {
+        return false;
+    }
+    const double d1 = Orient(c, d, a), d2 = Orient(c, d, b);
+    const double d3 = Orient(a, b, c), d4 = Orient(a, b, d);
+    if (((d1 > 0 && d2 < 0) || (d1 < 0 && d2 > 0)) && ((d3 > 0 && d4 < 0) || (d3 < 0 && d4 > 0))) {
+        return true;
+    }
+    return (d1 == 0 && OnSegment(c, d, a)) || (d2 == 0 && OnSegment(c, d, b)) ||
+           (d3 == 0 && OnSegment(a, b, c)) || (d4 == 0 && OnSegment(a, b, d));
+}
+
+// Where two meeting edges meet (rounded): an end of one on the other, or the
+// crossing of their lines.
+void CSweepCheck::Meeting(unsigned s, unsigned t, unsigned near, double& x, double& y) const {
+    const unsigned ends[4][3] = {{s, t, m_c.next[t]},
+                                 {m_c.next[s], t, m_c.next[t]},
+                                 {t, s, m_c.next[s]},
+                                 {m_c.next[t], s, m_c.next[s]}};
+    for (const unsigned(&e)[3] : ends) {
+        if (Orient(e[1], e[2], e[0]) == 0 && OnSegment(e[1], e[2], e[0])) {
+            x = m_c.x[e[0]];
+            y = m_c.y[e[0]];
+            return;
+        }
+    }
+    const double ax = m_c.x[s], ay = m_c.y[s];
+    const double rx = m_c.x[m_c.next[s]] - ax, ry = m_c.y[m_c.next[s]] - ay;
+    const double qx = m_c.x[t] - ax, qy = m_c.y[t] - ay;
+    const double sx = m_c.x[m_c.next[t]] - m_c.x[t], sy = m_c.y[m_c.next[t]] - m_c.y[t];
+    const double denominator = rx * sy - ry * sx;
+    if (denominator == 0.0) {
+        x = m_c.x[near];
+        y = m_c.y[near];
+        return;
+    }
+    const double along = (qx * sy - qy * sx) / denominator;
+    x = ax + along * rx;
+    y = ay + along * ry;
+}
+
+CheckCode CSweepCheck::Crossing(unsigned s, unsigned t, unsigned near, CheckResult& result) const {
+    result.code = CHECK_SELF_INTERSECTION;
+    result.contour = m_c.contour[s];
+    result.otherContour = m_c.contour[t];
+    Meeting(s, t, near, result.x, result.y);
+    if (result.contour == result.otherContour) {
+        result.message = Format("contour %g crosses or touches itself near (%g, %g)",
+                                result.contour + 1, result.x, result.y);
+    } else {
+        result.message =
+            Format("contours %g and %g cross or touch near (%g, %g)",
+                   std::min(result.contour, result.otherContour) + 1,
+                   std::max(result.contour, result.otherContour) + 1, result.x, result.y);
+    }
+    return result.code;
+}
+
+bool CSweepCheck::TestNeighbours(Status::iterator it, unsigned near, CheckResult& result) const {
+    if (it != m_status->begin()) {
+        const unsigned left = *std::prev(it);
+        if (Intersect(left, *it)) {
+            Crossing(left, *it, near, result);
+            return true;
+        }
+    }
+    const Status::iterator right = std::next(it);
+    if (right != m_status->end() && Intersect(*it, *right)) {
+        Crossing(*it, *right, near, result);
+        return true;
+    }
+    return false;
+}
+
+CheckCode CSweepCheck::Run(CheckResult& result) {
+    const unsigned n = static_cast<unsigned>(m_c.x.size());
+    std::vector<unsigned> order(n);
+    for (unsigned i = 0; i < n; ++i) {
+        order[i] = i;
+    }
+    std::sort(order.begin(), order.end(), [this](unsigned a, unsigned b) { return Above(a, b); });
+
+    for (unsigned k = 1; k < n; ++k) {
+        const unsigned a = order[k - 1], b = order[k];
+        if (m_c.x[a] == m_c.x[b] && m_c.y[a] == m_c.y[b]) {
+            result.code = CHECK_DUPLICATED_POINT;
+            result.contour = std::min(m_c.contour[a], m_c.contour[b]);
+            result.otherContour = std::max(m_c.contour[a], m_c.contour[b]);
+            result.x = m_c.x[a];
+            result.y = m_c.y[a];
+            result.message =
+                Format("the point (%g, %g) occurs twice (contours %g and %g)", result.x, result.y,
+                       result.contour + 1, result.otherContour + 1);
+            return result.code;
+        }
+    }
+    // Neighbouring edges overlap when a contour turns straight back.
+    for (unsigned v = 0; v < n; ++v) {
+        const unsigned p = m_c.prev[v], q = m_c.next[v];
+        if (Orient(p, v, q) != 0) {
+            continue;
+        }
+        const bool sameSide = m_c.x[p] != m_c.x[v] ? (m_c.x[p] < m_c.x[v]) == (m_c.x[q] < m_c.x[v])
+                                                   : (m_c.y[p] < m_c.y[v]) == (m_c.y[q] < m_c.y[v]);
+        if (sameSide) {
+            return Crossing(p, v, v, result);
+        }
+    }
+
+    Status status(SOrder{this});
+    m_status = &status;
+    std::vector<Status::iterator> handle(n, status.end());
+    std::vector<bool> contourSeen(m_c.size.size(), false);
+    CheckResult orientation, containment;
+    for (unsigned v : order) {
+        const unsigned edges[2] = {m_c.prev[v], v};  // entering and leaving v
+        for (unsigned s : edges) {
+            if (Lower(s) != v) {
+                continue;
+            }
+            const Status::iterator it = handle[s];
+            const bool hasLeft = it != status.begin();
+            const Status::iterator left = hasLeft ? std::prev(it) : status.end();
+            const Status::iterator right = status.erase(it);
+            if (hasLeft && right != status.end() && Intersect(*left, *right)) {
+                return Crossing(*left, *right, v, result);
+            }
+        }
+        Status::iterator inserted[2] = {status.end(), status.end()};
+        int insertedCount = 0;
+        for (unsigned s : edges) {
+            if (Upper(s) != v) {
+                continue;
+            }
+            m_inserting = s;
+            m_bContact = false;
+            const Status::iterator it = status.insert(s).first;
+            handle[s] = it;
+            if (m_bContact) {
+                return Crossing(m_contactWith, s, v, result);
+            }
+            if (TestNeighbours(it, v, result)) {
+                return result.code;
+            }
+            inserted[insertedCount++] = it;
+        }
+        const int c = m_c.contour[v];
+        if (contourSeen[c]) {
+            continue;
+        }
+        // v is the topmost vertex of its contour: both its edges start here.
+        contourSeen[c] = true;
+        const bool counterClockwise = Orient(m_c.prev[v], v, m_c.next[v]) > 0;
+        if (counterClockwise != (c == 0) && orientation.code == CHECK_OK) {
+            orientation.code = CHECK_WRONG_ORIENTATION;
+            orientation.contour = c;
+            orientation.x = m_c.x[v];
+            orientation.y = m_c.y[v];
+            orientation.message =
+                c == 0 ? std::string(
+                             "the outer contour runs clockwise; it must run "
+                             "counter-clockwise")
+                       : Format(
+                             "contour %g (a hole) runs counter-clockwise; holes must run "
+                             "clockwise",
+                             c + 1);
+        }
+        // The edge directly left of v decides whether v lies in the area
+        // bounded by the contours seen so far: it does when that edge runs
+        // downwards (the area is on the left of every edge).
+        Status::iterator leftmost = inserted[0];
+        if (insertedCount == 2 && std::next(inserted[1]) == inserted[0]) {
+            leftmost = inserted[1];
+        }
+        bool inside = false;
+        int outerContour = -1;
+        if (leftmost != status.begin()) {
+            const unsigned left = *std::prev(leftmost);
+            inside = Upper(left) == left;
+            outerContour = m_c.contour[left];
+        }
+        if (inside != (c != 0) && containment.code == CHECK_OK) {
+            containment.code = CHECK_HOLE_OUTSIDE;
+            containment.contour = c;
+            containment.otherContour = outerContour;
+            containment.x = m_c.x[v];
+            containment.y = m_c.y[v];
+            containment.message =
+                c == 0 ? std::string("the outer contour lies inside a hole")
+                       : Format(
+                             "contour %g (a hole) is not inside the outer contour, or lies "
+                             "inside another hole",
+                             c + 1);
+        }
+    }
+    if (orientation.code != CHECK_OK) {
+        result = orientation;
+    } else if (containment.code != CHECK_OK) {
+        result = containment;
+    }
+    return result.code;
+}
+
+}  // namespace
+
+CheckCode Polygon::Check(CheckResult* out) const {
+    CheckResult local;
+    CheckResult& result = out != 0 ? *out : local;
+    result = CheckResult();
+    // A refused contour explains what follows from it (a missing outer contour).
+    if (m_bRefused) {
+        result.code = CHECK_DUPLICATED_POINT;
+        result.message = "a contour was refused: one of its points repeats a point already held";
+        return result.code;
+    }
+    if (m_nVertices.empty()) {
+        result.code = CHECK_TOO_FEW_POINTS;
+        result.message = "the polygon has no contour";
+        return result.code;
+    }
+    std::size_t total = 0;
+    for (std::size_t c = 0; c < m_nVertices.size(); ++c) {
+        if (m_nVertices[c] < 3) {
+            result.code = CHECK_TOO_FEW_POINTS;
+            result.contour = static_cast<int>(c);
+            result.message = Format("contour %g has %g points; a contour needs at least 3",
+                                    static_cast<double>(c + 1), m_nVertices[c]);
+            return result.code;
+        }
+        total += m_nVertices[c];
+    }
+    // total ids, the largest total: exactly 1..total.
+    if (m_bRenumbered || m_pointCount != total || m_maxPointId != total) {
+        result.code = CHECK_BAD_NUMBERING;
+        result.message =
+            "a reversed contour numbers its vertices from 1, so only the first contour may be "
+            "reversed";
+        return result.code;
+    }
+
+    SContours contours;
+    contours.x.reserve(total);
+    contours.y.reserve(total);
+    for (std::size_t id = 1; id <= total; ++id) {
+        contours.x.push_back(m_pointById[id]->x);
+        contours.y.push_back(m_pointById[id]->y);
+    }
+    contours.contour.resize(total);
+    contours.prev.resize(total);
+    contours.next.resize(total);
+    unsigned offset = 0;
+    for (std::size_t c = 0; c < m_nVertices.size(); ++c) {
+        const unsigned count = m_nVertices[c];
+        contours.first.push_back(offset);
+        contours.size.push_back(count);
+        for (unsigned k = 0; k < count; ++k) {
+            const unsigned v = offset + k;
+            contours.contour[v] = static_cast<int>(c);
+            contours.next[v] = offset + (k + 1) % count;
+            contours.prev[v] = offset + (k + count - 1) % count;
+            if (!std::isfinite(contours.x[v]) || !std::isfinite(contours.y[v])) {
+                result.code = CHECK_NOT_FINITE;
+                result.contour = static_cast<int>(c);
+                result.message = Format(
+                    "vertex %g of contour %g has a coordinate that is not a "
+                    "finite number",
+                    k + 1.0, static_cast<double>(c + 1));
+                return result.code;
+            }
+        }
+        offset += count;
+    }
+    return CSweepCheck(contours).Run(result);
+}
+
+}  // namespace kwPolygonTriangulation
