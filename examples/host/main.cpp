@@ -8,11 +8,6 @@
 #include "CExamplePart.h"
 #include "CExampleShape.h"
 
-// <kwcore/kwcore.h> declares the XML archive where Xerces-C's headers are.
-#if __has_include(<xercesc/util/XercesDefs.hpp>)
-#define EXAMPLE_HAS_XML_ARCHIVE 1
-#endif
-
 namespace {
 
 void UseShapes(IKWObjectType* type) {
@@ -34,7 +29,7 @@ void UseShapes(IKWObjectType* type) {
     shapes.RemoveAll(true);  // releases both, lowest instance ID first
 }
 
-#ifdef EXAMPLE_HAS_XML_ARCHIVE
+#if KWCORE_HAS_XML
 
 CExamplePart* NewPart(const char* name, int quantity, CExamplePart* parent) {
     auto* part =
@@ -125,7 +120,7 @@ int main() {
     UseShapes(type);
 
     bool partsOk = true;
-#ifdef EXAMPLE_HAS_XML_ARCHIVE
+#if KWCORE_HAS_XML
     const std::filesystem::path folder =
         std::filesystem::temp_directory_path() /
         ("kwcore-example-" + CKWGuid::CreateNewGUID().GetCStringXML64().GetStdString());

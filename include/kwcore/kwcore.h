@@ -1,6 +1,8 @@
 // kwcore: the whole public interface of the library in one header.
 #pragma once
 
+#include "kwcore/Config.h"
+
 // Platform: the Win32 and framework types the interface is written in.
 #include "kwcore/platform/Arrays.h"
 #include "kwcore/platform/BString.h"
@@ -60,7 +62,7 @@
 #include "kwcore/serial/KWSerialTypeMacros.h"
 
 // XML archive: the file back-end of the serialization, where Xerces-C is available.
-#if __has_include(<xercesc/util/XercesDefs.hpp>)
+#if KWCORE_HAS_XML
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
 #include "kwcore/serial/xml/CKWXMLFileDocument.h"
 #include "kwcore/serial/xml/CKWXMLFileFieldStream.h"

@@ -10,12 +10,13 @@
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 
-#if __has_include(<xercesc/util/XercesDefs.hpp>)
+#include "kwcore/Config.h"
+
+#if KWCORE_HAS_XML
 #include <cstdio>
 
 #include "kwcore/serial/CKWDocument.h"
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
-#define FRAMEWORK_TESTS_HAVE_XML_ARCHIVE 1
 #endif
 
 namespace {
@@ -114,7 +115,7 @@ TEST_F(ModelTest, IsSerializableThroughItsAdaptor) {
     EXPECT_EQ(m_pModel->GetInterface(CKWGuid::CreateNewGUID()), nullptr);
 }
 
-#ifdef FRAMEWORK_TESTS_HAVE_XML_ARCHIVE
+#if KWCORE_HAS_XML
 TEST_F(ModelTest, SavesToAnArchiveAndLoadsBackUnderItsID) {
     const std::string file = ::testing::TempDir() + "framework-model.xml";
     auto* archive = static_cast<CKWXMLFileArchive*>(

@@ -2,6 +2,7 @@
 #include <cstdio>
 
 #include "Commands.h"
+#include "kwcore/Config.h"
 #include "kwcore/object/CKWTypeSystem.h"
 
 namespace {
@@ -16,7 +17,7 @@ const Command kCommands[] = {
     {"types", "list the registered types as a tree by parent", RunTypesCommand},
     {"geom", "check transforms: rotations, Euler angles, quaternions, inverses", RunGeomCommand},
     {"triangulate", "triangulate a polygon with holes, and draw it", RunTriangulateCommand},
-#if KWCORE_TOOL_XML
+#if KWCORE_HAS_XML
     {"xml", "inspect XML archive files, and save and load a sample model", RunXmlCommand},
     {"graph", "save a sample graph to an XML archive, load it back and walk it", RunGraphCommand},
 #endif
