@@ -97,6 +97,10 @@
 
 // Geometry: linear algebra (scalar math, vectors, points, bounds, matrices,
 // quaternions), exact arithmetic and predicates, and the two triangulations.
+#include "kwcore/geometry/exact/KWOrient2D.h"
+#include "kwcore/geometry/exact/Query2.h"
+#include "kwcore/geometry/exact/TInteger.h"
+#include "kwcore/geometry/exact/TRational.h"
 #include "kwcore/geometry/linear/CKWBound2T.h"
 #include "kwcore/geometry/linear/CKWMathT.h"
 #include "kwcore/geometry/linear/CKWMatrix2T.h"
@@ -112,10 +116,6 @@
 #include "kwcore/geometry/linear/CKWVector3T.h"
 #include "kwcore/geometry/linear/CKWVector4T.h"
 #include "kwcore/geometry/linear/CKWVectorT.h"
-#include "kwcore/geometry/exact/KWOrient2D.h"
-#include "kwcore/geometry/exact/Query2.h"
-#include "kwcore/geometry/exact/TInteger.h"
-#include "kwcore/geometry/exact/TRational.h"
 #include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
 #include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 #include "kwcore/geometry/triangulation/KWSplayTree.h"
