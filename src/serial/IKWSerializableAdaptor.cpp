@@ -1,7 +1,7 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 
-#include "KWSerialRoad.h"
-#include "KWSerialRoads.h"
+#include "KWGraphSerialization.h"
+#include "KWStoredHierarchy.h"
 #include "kwcore/serial/CKWObjFieldT.h"
 #include "kwcore/serial/CKWSerialObjectTypeImpl.h"
 #include "kwcore/serial/IKWField.h"
@@ -20,7 +20,7 @@ int KWSaveLinkedObject(IKWFieldStream* stream, IKWObject* object) {
     if (!object) {
         return 1;
     }
-    return stream ? KWSerialRoad::SaveLinked(stream, object) : 0;
+    return stream ? kwGraphSerialization::SaveLinkedObject(stream, object) : 0;
 }
 
 int IKWSerializableAdaptor::AddFieldData(IKWFieldData* fieldData) {
@@ -52,9 +52,9 @@ void IKWSerializableAdaptor::ReleaseFieldData() {
 }
 
 // Saves the object and, through its links, the graph behind it; the links
-// are followed from a work list, not by recursion (KWSerialRoad.h).
+// are followed from a work list, not by recursion (KWGraphSerialization.h).
 int IKWSerializableAdaptor::SerializeTo(CKWDocument* document) {
-    return KWSerialRoad::Save(document, this);
+    return kwGraphSerialization::SaveGraph(document, this);
 }
 
 int IKWSerializableAdaptor::SerializeFrom(CKWDocument* document, CKWTypeManifest* manifest,
@@ -65,20 +65,15 @@ int IKWSerializableAdaptor::SerializeFrom(CKWDocument* document, CKWTypeManifest
         return 0;
     }
     if (!manifest) {
-        manifest = KWFindManifest(document, type->GetID());
+        manifest = kwStoredHierarchy::FindTypeManifest(document, type->GetID());
     }
     if (!stream && manifest) {
-        stream = KWFindStream(manifest, object->GetInstanceID());
+        stream = kwStoredHierarchy::FindFieldStream(manifest, object->GetInstanceID());
     }
     if (!manifest || !stream) {
         return 0;
     }
-    return ReadFrom(document, manifest, stream);
-}
-
-int IKWSerializableAdaptor::ReadFrom(CKWDocument* document, CKWTypeManifest* manifest,
-                                     IKWFieldStream* stream) {
-    return KWSerialRoad::Load(document, this, manifest, stream);
+    return kwGraphSerialization::LoadGraph(document, this, manifest, stream);
 }
 
 void IKWSerializableAdaptor::SetParentField(IKWFieldData* parent) {
