@@ -14,7 +14,9 @@
 #include "kwcore/object/IKWObject.h"
 #include "kwcore/object/IKWObjectType.h"
 
-class CKWInstanceTable;
+namespace kwInstanceTracking {
+class InstanceTable;
+}  // namespace kwInstanceTracking
 
 class KWCORE_API CKWObjectTypeImpl : public IKWObjectType {
 public:
@@ -75,7 +77,7 @@ private:
     CString m_name;
     CString m_className;
     // Keyed by instance ID; listed and released in ascending ID order.
-    std::unique_ptr<CKWInstanceTable> m_pTrackedInstances;
+    std::unique_ptr<kwInstanceTracking::InstanceTable> m_pTrackedInstances;
     IKWObjectType* m_pParentType = nullptr;
     std::map<CKWGuid, IKWObjectType*> m_derivedTypes;
 };
