@@ -13,7 +13,7 @@ inline void CKWDFSVisitor::PrefetchNode(const CKWGraphNode* node) {
     const char* line = reinterpret_cast<const char*>(&node->m_iVisitedSession);
     const char* end = reinterpret_cast<const char*>(&node->m_EdgeList + 1);
     for (; line < end; line += kCacheLine) {
-        kwPlatform::Prefetch(line);
+        kwMemory::Prefetch(line);
     }
 }
 
@@ -91,7 +91,7 @@ void CKWDFSVisitor::Enter(CKWGraphNode* node) {
     m_pWalk->emplace_back(node, first, end);
     int ahead = 0;
     for (auto edge = first; edge != end && ahead < kEdgesAhead; ++edge, ++ahead) {
-        kwPlatform::Prefetch(*edge);
+        kwMemory::Prefetch(*edge);
     }
     m_pFreshNode = node;
     OnFirstVisit(node);
