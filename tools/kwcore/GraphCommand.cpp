@@ -11,7 +11,6 @@
 #include "kwcore/framework/CKWGraphEdge.h"
 #include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
-#include "kwcore/serial/CKWDocument.h"
 
 // A station: a graph node with a name.
 class CDemoStation : public CKWGraphNode {
@@ -51,6 +50,7 @@ KW_IMPLEMENT_SERIAL_TYPE(CDemoOneWayLine, "{7E2B9A3C-5DB4-4F80-AC63-B04F9E8D7B52
 KW_BEGIN_FIELDS(CDemoOneWayLine)
 KW_END_FIELDS()
 
+namespace kwCommands {
 namespace {
 
 const char kDemoHelp[] =
@@ -126,29 +126,10 @@ CDemoStation* MakeGraph() {
     return joined ? stations[0] : nullptr;
 }
 
-bool SaveGraph(const std::string& file, CDemoStation* from) {
-    KWXmlArchivePtr archive = NewXmlArchive(file);
-    if (!archive || !archive->Open(CKWArchive::modeWrite)) {
-        return false;
-    }
-    CKWDocument* document = archive->CreateNewDocument(CKWGuid(kDemoDocumentID), nullptr);
-    const bool saved = document && from->SerializeTo(document);
-    return archive->Close() && saved;
-}
-
 // The loaded objects belong to the caller.
 CDemoStation* LoadGraph(const std::string& file, const CKWGuid& stationID) {
-    KWXmlArchivePtr archive = NewXmlArchive(file);
-    if (!archive || !archive->Open(CKWArchive::modeRead)) {
-        return nullptr;
-    }
-    auto* document =
-        static_cast<CKWDocument*>(archive->GetDocumentCollection()->Find(CKWGuid(kDemoDocumentID)));
-    IKWObject* loaded =
-        document ? document->GetObjectA(CDemoStation::GetCDemoStationType()->GetID(), stationID)
-                 : nullptr;
-    archive->Close();
-    return dynamic_cast<CDemoStation*>(loaded);
+    return dynamic_cast<CDemoStation*>(kwXmlArchives::Load(
+        file, CKWGuid(kDemoDocumentID), CDemoStation::GetCDemoStationType()->GetID(), stationID));
 }
 
 // The stations reachable from start, depth first.
@@ -214,7 +195,7 @@ int RunDemo(const Arguments& args) {
         whole ? dynamic_cast<CDemoStation*>(CDemoStation::GetCDemoStationType()->FindInstance(
                     CKWGuid(kStationIDs[kStationCount - 1])))
               : nullptr;
-    const bool written = airport && SaveGraph(file, airport);
+    const bool written = airport && kwXmlArchives::Save(file, CKWGuid(kDemoDocumentID), airport);
     ReleaseAll();
     CDemoStation* loaded = written ? LoadGraph(file, CKWGuid(kStationIDs[0])) : nullptr;
     const int loadedCount = LiveObjects();
@@ -256,3 +237,5 @@ const Command kGraphCommands[] = {
 int RunGraphCommand(const Arguments& args) {
     return RunCommandFrom("kwcore graph", kGraphCommands, args);
 }
+
+}  // namespace kwCommands
