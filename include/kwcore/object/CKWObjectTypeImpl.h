@@ -6,6 +6,11 @@
 //
 // Creation: CTOR, then the instance ID, then OnInitialize, then tracking.
 // Release: OnBeforeRelease may refuse; otherwise untrack, then DTOR.
+//
+//   CKWObjectTypeImpl* type = CMyShape::GetCMyShapeType();
+//   IKWObject* shape = type->CreateInstance(CKWGuid());
+//   int alive = type->GetInstanceCount();   // 1
+//   shape->Release();                        // handed back to its type
 #pragma once
 
 #include <map>
