@@ -1,20 +1,12 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 
+#include "KWFieldFlags.h"
 #include "KWGraphSerialization.h"
 #include "KWStoredHierarchy.h"
 #include "kwcore/serial/CKWObjFieldT.h"
 #include "kwcore/serial/CKWSerialObjectTypeImpl.h"
 #include "kwcore/serial/IKWField.h"
 #include "kwcore/serial/IKWFieldData.h"
-
-namespace {
-
-int FieldFlags(IKWFieldData* data) {
-    IKWField* field = data->GetField();
-    return field ? field->GetFlags() : 0;
-}
-
-}  // namespace
 
 int KWSaveLinkedObject(IKWFieldStream* stream, IKWObject* object) {
     if (!object) {
@@ -95,7 +87,7 @@ int IKWSerializableAdaptor::InitFieldData() {
 
 int IKWSerializableAdaptor::SerializeFieldDataFrom(IKWFieldStream* stream) {
     for (IKWFieldData* data : m_fieldData) {
-        if ((FieldFlags(data) & KW_FIELD_LOAD) && !data->SerializeFrom(stream)) {
+        if (kwFieldFlags::ReadOnLoad(data) && !data->SerializeFrom(stream)) {
             return 0;
         }
     }
@@ -104,7 +96,7 @@ int IKWSerializableAdaptor::SerializeFieldDataFrom(IKWFieldStream* stream) {
 
 int IKWSerializableAdaptor::SerializeFieldDataTo(IKWFieldStream* stream) {
     for (IKWFieldData* data : m_fieldData) {
-        if ((FieldFlags(data) & KW_FIELD_SAVE) && !data->SerializeTo(stream)) {
+        if (kwFieldFlags::WrittenOnSave(data) && !data->SerializeTo(stream)) {
             return 0;
         }
     }

@@ -4,9 +4,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "KWFieldFlags.h"
 #include "KWStoredHierarchy.h"
 #include "kwcore/object/CKWTypeSystem.h"
-#include "kwcore/serial/IKWField.h"
 #include "kwcore/serial/IKWFieldData.h"
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 
@@ -76,11 +76,6 @@ struct DocumentWork {
 };
 
 namespace {
-
-int FieldFlags(IKWFieldData* data) {
-    IKWField* field = data ? data->GetField() : nullptr;
-    return field ? field->GetFlags() : 0;
-}
 
 IKWSerializableAdaptor* AdaptorOf(IKWObject* object) {
     return object ? static_cast<IKWSerializableAdaptor*>(
@@ -170,7 +165,7 @@ int RunSave(CKWDocument* document, SaveWork& work, std::size_t base) {
         const std::vector<IKWFieldData*>& fields = top.adaptor->GetFieldDataList();
         if (top.field < fields.size()) {
             IKWFieldData* data = fields[top.field++];
-            if ((FieldFlags(data) & KW_FIELD_SAVE) && !WriteField(data, top.stream, work)) {
+            if (kwFieldFlags::WrittenOnSave(data) && !WriteField(data, top.stream, work)) {
                 return FailSave(work, base);
             }
             continue;
@@ -272,7 +267,7 @@ bool RunLoad(CKWDocument* document, LoadWork& work, std::size_t base) {
             continue;
         }
         IKWFieldData* data = fields[top.field];
-        if (!(FieldFlags(data) & KW_FIELD_LOAD)) {
+        if (!kwFieldFlags::ReadOnLoad(data)) {
             ++top.field;
             continue;
         }
