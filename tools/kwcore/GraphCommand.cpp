@@ -12,6 +12,9 @@
 #include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
 
+namespace kwCommands {
+namespace {
+
 // A station: a graph node with a name.
 class CDemoStation : public CKWGraphNode {
     KW_DECLARE_SERIAL_TYPE(CDemoStation)
@@ -49,9 +52,6 @@ KW_IMPLEMENT_SERIAL_TYPE(CDemoOneWayLine, "{7E2B9A3C-5DB4-4F80-AC63-B04F9E8D7B52
                          "{48F087FA-103C-4BB3-8197-06B52EEA4757}")
 KW_BEGIN_FIELDS(CDemoOneWayLine)
 KW_END_FIELDS()
-
-namespace kwCommands {
-namespace {
 
 const char kDemoHelp[] =
     "usage: kwcore graph demo [--from STATION] FILE\n"
