@@ -8,12 +8,20 @@
 KW_IMPLEMENT_TYPE(CKWDFSVisitor, "{797F206F-C5AD-4521-AD2F-64064A981555}",
                   "{4D788BB9-51E7-44CC-8A34-62698C2C3D43}")
 
+namespace {
+// Edges fetched ahead when a node is entered; a walk stack up to this size
+// is kept for the next walk.
+constexpr int kEdgesAhead = 4;
+constexpr std::size_t kKeptFrames = 1 << 16;
+constexpr int kCacheLine = 64;
+}  // namespace
+
 // Starts fetching what a walk reads of a node: its mark and its edge list.
 inline void CKWDFSVisitor::PrefetchNode(const CKWGraphNode* node) {
     const char* line = reinterpret_cast<const char*>(&node->m_iVisitedSession);
     const char* end = reinterpret_cast<const char*>(&node->m_EdgeList + 1);
     for (; line < end; line += kCacheLine) {
-        kwPlatform::Prefetch(line);
+        kwMemory::Prefetch(line);
     }
 }
 
@@ -91,7 +99,7 @@ void CKWDFSVisitor::Enter(CKWGraphNode* node) {
     m_pWalk->emplace_back(node, first, end);
     int ahead = 0;
     for (auto edge = first; edge != end && ahead < kEdgesAhead; ++edge, ++ahead) {
-        kwPlatform::Prefetch(*edge);
+        kwMemory::Prefetch(*edge);
     }
     m_pFreshNode = node;
     OnFirstVisit(node);

@@ -3,6 +3,8 @@
 #include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/IKWGraphNodeVisitor.h"
 
+#include "framework/KWGraphLoading.h"
+
 KW_IMPLEMENT_SERIAL_TYPE(CKWGraphEdge, "{48F087FA-103C-4BB3-8197-06B52EEA4757}",
                          "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}")
 KW_BEGIN_FIELDS(CKWGraphEdge)
@@ -122,23 +124,13 @@ int CKWGraphEdge::OnBeforeLoad(CKWDocument* document, CKWTypeManifest* manifest,
     return CKWSerialObject::OnBeforeLoad(document, manifest, stream);
 }
 
-// The edge and its nodes finish loading in any order; whichever of a pair
-// finishes last matches the two, so the result is that of the complete data.
 void CKWGraphEdge::OnAfterLoad(CKWDocument* document) {
     CKWSerialObject::OnAfterLoad(document);
     m_bLoading = false;
-    for (CKWGraphNode* node : {m_pPrimaryNode, m_pSecondaryNode}) {
-        if (node && node->m_bLoading) {
-            node->m_waitingEdges.push_back(this);
-        } else if (node) {
-            MatchLoaded(node);
-        }
-    }
-    std::vector<CKWGraphNode*> waiting;
-    waiting.swap(m_waitingNodes);
-    for (CKWGraphNode* node : waiting) {
-        MatchLoaded(node);
-    }
+    kwGraphLoading::MatchOnceBothLoaded(
+        this, std::vector<CKWGraphNode*>{m_pPrimaryNode, m_pSecondaryNode}, m_waitingNodes,
+        [](CKWGraphNode* node) { return node->m_bLoading ? &node->m_waitingEdges : nullptr; },
+        [this](CKWGraphNode* node) { MatchLoaded(node); });
 }
 
 void CKWGraphEdge::MatchLoaded(CKWGraphNode* node) {

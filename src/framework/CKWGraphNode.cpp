@@ -3,6 +3,8 @@
 #include "kwcore/framework/CKWGraphEdge.h"
 #include "kwcore/framework/IKWGraphNodeVisitor.h"
 
+#include "framework/KWGraphLoading.h"
+
 KW_IMPLEMENT_SERIAL_TYPE(CKWGraphNode, "{4E82A8F0-B483-47FE-BE4A-2C72C1A39F63}",
                          "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}")
 KW_BEGIN_FIELDS(CKWGraphNode)
@@ -83,17 +85,8 @@ int CKWGraphNode::OnBeforeLoad(CKWDocument* document, CKWTypeManifest* manifest,
 void CKWGraphNode::OnAfterLoad(CKWDocument* document) {
     CKWSerialObject::OnAfterLoad(document);
     m_bLoading = false;
-    const std::vector<CKWGraphEdge*> held(m_EdgeList.begin(), m_EdgeList.end());
-    for (CKWGraphEdge* edge : held) {
-        if (edge->m_bLoading) {
-            edge->m_waitingNodes.push_back(this);
-        } else {
-            edge->MatchLoaded(this);
-        }
-    }
-    std::vector<CKWGraphEdge*> waiting;
-    waiting.swap(m_waitingEdges);
-    for (CKWGraphEdge* edge : waiting) {
-        edge->MatchLoaded(this);
-    }
+    kwGraphLoading::MatchOnceBothLoaded(
+        this, std::vector<CKWGraphEdge*>(m_EdgeList.begin(), m_EdgeList.end()), m_waitingEdges,
+        [](CKWGraphEdge* edge) { return edge->m_bLoading ? &edge->m_waitingNodes : nullptr; },
+        [this](CKWGraphEdge* edge) { edge->MatchLoaded(this); });
 }

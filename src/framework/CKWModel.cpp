@@ -1,5 +1,7 @@
 #include "kwcore/framework/CKWModel.h"
 
+#include "serial/KWSerializableSide.h"
+
 // Abstract: CKWModelVoid and the applications' models make the instances.
 KW_IMPLEMENT_ABSTRACT_TYPE(CKWModel, "{A0220F9B-B946-4ACF-B582-B9BE858A07D6}",
                            "{D265DD01-767A-4ACB-BCF6-02720CB234E1}")
@@ -27,27 +29,14 @@ int CKWModel::RemoveView(const CKWGuid& instanceID) {
 }
 
 void* CKWModel::GetInterface(const CKWGuid& interfaceID) {
-    if (void* answer = CKWObservable::GetInterface(interfaceID)) {
-        return answer;
-    }
-    if (interfaceID.IsValid() && interfaceID == CKWGuid(IID_IKWSerializableAdaptor)) {
-        return static_cast<IKWSerializableAdaptor*>(this);
-    }
-    return nullptr;
+    return kwSerializableSide::AnswerInterface(CKWObservable::GetInterface(interfaceID),
+                                               interfaceID, this);
 }
 
 int CKWModel::OnInitialize() {
-    if (!CKWObservable::OnInitialize()) {
-        return 0;
-    }
-    InitFieldData();
-    return 1;
+    return kwSerializableSide::AfterInitialize(CKWObservable::OnInitialize(), *this);
 }
 
 int CKWModel::OnBeforeRelease() {
-    if (!CKWObservable::OnBeforeRelease()) {
-        return 0;
-    }
-    ReleaseFieldData();
-    return 1;
+    return kwSerializableSide::BeforeRelease(CKWObservable::OnBeforeRelease(), *this);
 }

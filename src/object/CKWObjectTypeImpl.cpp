@@ -1,10 +1,11 @@
 #include "kwcore/object/CKWObjectTypeImpl.h"
 
-#include "CKWInstanceTable.h"
+#include "KWInstanceTable.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/platform/CKWTrace.h"
 
-CKWObjectTypeImpl::CKWObjectTypeImpl() : m_pTrackedInstances(new CKWInstanceTable) {}
+CKWObjectTypeImpl::CKWObjectTypeImpl()
+    : m_pTrackedInstances(new kwInstanceTracking::InstanceTable) {}
 
 CKWObjectTypeImpl::~CKWObjectTypeImpl() {
     CKWTypeSystem::ForgetType(this);

@@ -3,7 +3,7 @@
 // misses; it never changes what they compute.
 #pragma once
 
-namespace kwPlatform {
+namespace kwMemory {
 
 inline void Prefetch(const void* address) {
 #if defined(__GNUC__)
@@ -13,4 +13,7 @@ inline void Prefetch(const void* address) {
 #endif
 }
 
-}  // namespace kwPlatform
+}  // namespace kwMemory
+
+// The name the triangulation sweep still uses; it goes once the sweep says kwMemory.
+namespace kwPlatform = kwMemory;

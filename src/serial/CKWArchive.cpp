@@ -1,6 +1,6 @@
 #include "kwcore/serial/CKWArchive.h"
 
-#include "KWChildMap.h"
+#include "KWStoredHierarchy.h"
 #include "kwcore/serial/CKWDocument.h"
 
 KW_IMPLEMENT_TYPE(CKWArchive, "{5493CC7D-6A62-4A33-B7D1-1DDBD2FB7EA4}",
@@ -24,11 +24,11 @@ CKWBOOL CKWArchive::Close() {
 }
 
 CKWDocument* CKWArchive::CreateNewDocument(const CKWGuid& documentID, IKWObjectType*) {
-    return KWCreateChild(GetDocumentType(), documentID, true, m_documents);
+    return kwStoredHierarchy::CreateChild(GetDocumentType(), documentID, true, m_documents);
 }
 
 CKWBOOL CKWArchive::DeleteDocument(const CKWGuid& documentID) {
-    return CKWBOOL(KWDeleteChild(documentID, m_documents) != 0);
+    return CKWBOOL(kwStoredHierarchy::DeleteChild(documentID, m_documents) != 0);
 }
 
 CKWBOOL CKWArchive::DeleteAllDocuments() {

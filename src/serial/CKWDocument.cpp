@@ -1,25 +1,19 @@
 #include "kwcore/serial/CKWDocument.h"
 
-#include "KWChildMap.h"
-#include "KWSerialRoad.h"
-#include "KWSerialRoads.h"
-#include "kwcore/object/CKWTypeSystem.h"
-#include "kwcore/serial/IKWSerializableAdaptor.h"
+#include "KWGraphSerialization.h"
+#include "KWStoredHierarchy.h"
+#include "kwcore/serial/CKWTypeManifest.h"
 
 KW_IMPLEMENT_TYPE(CKWDocument, "{4F87AD20-AE52-43A7-882C-599156B30828}",
                   "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
 
 IKWObject* CKWDocument::GetObjectA(const CKWGuid& typeID, const CKWGuid& instanceID) {
-    return KWSerialRoad::GetObject(this, typeID, instanceID);
-}
-
-CKWTypeManifest* CKWDocument::FindOrCreateManifest(const CKWGuid& typeID) {
-    CKWTypeManifest* manifest = KWFindManifest(this, typeID);
-    return manifest ? manifest : CreateTypeManifest(typeID, CKWTypeSystem::FindType(typeID));
+    return kwGraphSerialization::GetStoredObject(this, typeID, instanceID);
 }
 
 CKWTypeManifest* CKWDocument::CreateTypeManifest(const CKWGuid& typeID, IKWObjectType*) {
-    CKWTypeManifest* manifest = KWCreateChild(GetTypeManifestType(), typeID, false, m_manifests);
+    CKWTypeManifest* manifest =
+        kwStoredHierarchy::CreateChild(GetTypeManifestType(), typeID, false, m_manifests);
     if (manifest) {
         manifest->SetDocument(this);
         manifest->SetStoredTypeID(typeID);
@@ -28,7 +22,7 @@ CKWTypeManifest* CKWDocument::CreateTypeManifest(const CKWGuid& typeID, IKWObjec
 }
 
 int CKWDocument::DeleteTypeManifest(const CKWGuid& typeID) {
-    return KWDeleteChild(typeID, m_manifests);
+    return kwStoredHierarchy::DeleteChild(typeID, m_manifests);
 }
 
 void CKWDocument::AdvanceSerialSessionID() {

@@ -1,5 +1,6 @@
 #include "kwcore/serial/CKWSerialObject.h"
 
+#include "KWSerializableSide.h"
 #include "kwcore/object/CKWTypeSystem.h"
 
 KW_IMPLEMENT_SERIAL_TYPE(CKWSerialObject, "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}",
@@ -22,27 +23,14 @@ SerialRootTypeRegistration s_serialRootTypeRegistration KW_TYPE_OBJECT_STORAGE;
 }  // namespace
 
 void* CKWSerialObject::GetInterface(const CKWGuid& interfaceID) {
-    if (void* answer = CKWObjectImpl::GetInterface(interfaceID)) {
-        return answer;
-    }
-    if (interfaceID.IsValid() && interfaceID == CKWGuid(IID_IKWSerializableAdaptor)) {
-        return static_cast<IKWSerializableAdaptor*>(this);
-    }
-    return nullptr;
+    return kwSerializableSide::AnswerInterface(CKWObjectImpl::GetInterface(interfaceID),
+                                               interfaceID, this);
 }
 
 int CKWSerialObject::OnInitialize() {
-    if (!CKWObjectImpl::OnInitialize()) {
-        return 0;
-    }
-    InitFieldData();
-    return 1;
+    return kwSerializableSide::AfterInitialize(CKWObjectImpl::OnInitialize(), *this);
 }
 
 int CKWSerialObject::OnBeforeRelease() {
-    if (!CKWObjectImpl::OnBeforeRelease()) {
-        return 0;
-    }
-    ReleaseFieldData();
-    return 1;
+    return kwSerializableSide::BeforeRelease(CKWObjectImpl::OnBeforeRelease(), *this);
 }

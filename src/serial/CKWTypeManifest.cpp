@@ -1,6 +1,6 @@
 #include "kwcore/serial/CKWTypeManifest.h"
 
-#include "KWChildMap.h"
+#include "KWStoredHierarchy.h"
 #include "kwcore/serial/CKWFieldStream.h"
 
 KW_IMPLEMENT_TYPE(CKWTypeManifest, "{D13AE1B6-424A-436C-91C7-982A72F0B631}",
@@ -15,7 +15,8 @@ int CKWTypeManifest::WriteTypeHeader(IKWObjectType* type) {
 }
 
 CKWFieldStream* CKWTypeManifest::CreateFieldStream(const CKWGuid& instanceID, IKWObjectType*) {
-    CKWFieldStream* stream = KWCreateChild(GetFieldStreamType(), instanceID, false, m_streams);
+    CKWFieldStream* stream =
+        kwStoredHierarchy::CreateChild(GetFieldStreamType(), instanceID, false, m_streams);
     if (stream) {
         stream->SetDocument(m_pDocument);
         stream->SetStoredInstanceID(instanceID);
@@ -24,7 +25,7 @@ CKWFieldStream* CKWTypeManifest::CreateFieldStream(const CKWGuid& instanceID, IK
 }
 
 int CKWTypeManifest::DeleteFieldStream(const CKWGuid& instanceID) {
-    return KWDeleteChild(instanceID, m_streams);
+    return kwStoredHierarchy::DeleteChild(instanceID, m_streams);
 }
 
 int CKWTypeManifest::DeleteAllFieldStreams() {

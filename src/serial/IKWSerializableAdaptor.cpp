@@ -1,26 +1,18 @@
 #include "kwcore/serial/IKWSerializableAdaptor.h"
 
-#include "KWSerialRoad.h"
-#include "KWSerialRoads.h"
+#include "KWFieldFlags.h"
+#include "KWGraphSerialization.h"
+#include "KWStoredHierarchy.h"
 #include "kwcore/serial/CKWObjFieldT.h"
 #include "kwcore/serial/CKWSerialObjectTypeImpl.h"
 #include "kwcore/serial/IKWField.h"
 #include "kwcore/serial/IKWFieldData.h"
 
-namespace {
-
-int FieldFlags(IKWFieldData* data) {
-    IKWField* field = data->GetField();
-    return field ? field->GetFlags() : 0;
-}
-
-}  // namespace
-
 int KWSaveLinkedObject(IKWFieldStream* stream, IKWObject* object) {
     if (!object) {
         return 1;
     }
-    return stream ? KWSerialRoad::SaveLinked(stream, object) : 0;
+    return stream ? kwGraphSerialization::SaveLinkedObject(stream, object) : 0;
 }
 
 int IKWSerializableAdaptor::AddFieldData(IKWFieldData* fieldData) {
@@ -52,9 +44,9 @@ void IKWSerializableAdaptor::ReleaseFieldData() {
 }
 
 // Saves the object and, through its links, the graph behind it; the links
-// are followed from a work list, not by recursion (KWSerialRoad.h).
+// are followed from a work list, not by recursion (KWGraphSerialization.h).
 int IKWSerializableAdaptor::SerializeTo(CKWDocument* document) {
-    return KWSerialRoad::Save(document, this);
+    return kwGraphSerialization::SaveGraph(document, this);
 }
 
 int IKWSerializableAdaptor::SerializeFrom(CKWDocument* document, CKWTypeManifest* manifest,
@@ -65,20 +57,15 @@ int IKWSerializableAdaptor::SerializeFrom(CKWDocument* document, CKWTypeManifest
         return 0;
     }
     if (!manifest) {
-        manifest = KWFindManifest(document, type->GetID());
+        manifest = kwStoredHierarchy::FindTypeManifest(document, type->GetID());
     }
     if (!stream && manifest) {
-        stream = KWFindStream(manifest, object->GetInstanceID());
+        stream = kwStoredHierarchy::FindFieldStream(manifest, object->GetInstanceID());
     }
     if (!manifest || !stream) {
         return 0;
     }
-    return ReadFrom(document, manifest, stream);
-}
-
-int IKWSerializableAdaptor::ReadFrom(CKWDocument* document, CKWTypeManifest* manifest,
-                                     IKWFieldStream* stream) {
-    return KWSerialRoad::Load(document, this, manifest, stream);
+    return kwGraphSerialization::LoadGraph(document, this, manifest, stream);
 }
 
 void IKWSerializableAdaptor::SetParentField(IKWFieldData* parent) {
@@ -100,7 +87,7 @@ int IKWSerializableAdaptor::InitFieldData() {
 
 int IKWSerializableAdaptor::SerializeFieldDataFrom(IKWFieldStream* stream) {
     for (IKWFieldData* data : m_fieldData) {
-        if ((FieldFlags(data) & KW_FIELD_LOAD) && !data->SerializeFrom(stream)) {
+        if (kwFieldFlags::ReadOnLoad(data) && !data->SerializeFrom(stream)) {
             return 0;
         }
     }
@@ -109,7 +96,7 @@ int IKWSerializableAdaptor::SerializeFieldDataFrom(IKWFieldStream* stream) {
 
 int IKWSerializableAdaptor::SerializeFieldDataTo(IKWFieldStream* stream) {
     for (IKWFieldData* data : m_fieldData) {
-        if ((FieldFlags(data) & KW_FIELD_SAVE) && !data->SerializeTo(stream)) {
+        if (kwFieldFlags::WrittenOnSave(data) && !data->SerializeTo(stream)) {
             return 0;
         }
     }

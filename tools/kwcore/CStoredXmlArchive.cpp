@@ -7,6 +7,7 @@
 #include <xercesc/dom/DOM.hpp>
 #include <xercesc/util/TransService.hpp>
 
+#include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/xml/CKWXMLFileDocument.h"
 #include "kwcore/serial/xml/CKWXMLFileFieldStream.h"
 #include "kwcore/serial/xml/CKWXMLFileTypeManifest.h"
@@ -134,14 +135,40 @@ std::string WhyUnreadable(const std::string& path) {
 }
 }  // namespace
 
-KWXmlArchivePtr NewXmlArchive(const std::string& path) {
-    KWXmlArchivePtr archive(dynamic_cast<CKWXMLFileArchive*>(
+namespace kwXmlArchives {
+
+Ptr New(const std::string& path) {
+    Ptr archive(dynamic_cast<CKWXMLFileArchive*>(
         CKWXMLFileArchive::GetCKWXMLFileArchiveType()->CreateInstance(CKWGuid())));
     if (archive) {
         archive->SetFile(path.c_str());
     }
     return archive;
 }
+
+bool Save(const std::string& path, const CKWGuid& documentID, IKWSerializableAdaptor* root) {
+    Ptr archive = New(path);
+    if (!archive || !archive->Open(CKWArchive::modeWrite)) {
+        return false;
+    }
+    CKWDocument* document = archive->CreateNewDocument(documentID, nullptr);
+    const bool saved = document && root->SerializeTo(document);
+    return archive->Close() && saved;
+}
+
+IKWObject* Load(const std::string& path, const CKWGuid& documentID, const CKWGuid& typeID,
+                const CKWGuid& instanceID) {
+    Ptr archive = New(path);
+    if (!archive || !archive->Open(CKWArchive::modeRead)) {
+        return nullptr;
+    }
+    auto* document = static_cast<CKWDocument*>(archive->GetDocumentCollection()->Find(documentID));
+    IKWObject* loaded = document ? document->GetObjectA(typeID, instanceID) : nullptr;
+    archive->Close();
+    return loaded;
+}
+
+}  // namespace kwXmlArchives
 
 CStoredXmlArchive::~CStoredXmlArchive() {
     if (m_pArchive) {
@@ -155,7 +182,7 @@ bool CStoredXmlArchive::Open(const std::string& path, std::string& error) {
         error = "cannot read '" + path + "': " + unreadable;
         return false;
     }
-    m_pArchive = NewXmlArchive(path);
+    m_pArchive = kwXmlArchives::New(path);
     if (!m_pArchive || !m_pArchive->Open(CKWArchive::modeRead)) {
         error = "'" + path + "' is not an XML archive: it is empty, truncated or not XML";
         return false;

@@ -7,7 +7,8 @@
 // GUID, or named after one already taken, are left out as the loader leaves
 // them out); the fields are read from each object's element. The archive
 // stays open while the CStoredXmlArchive lives, so its documents can still
-// load the stored objects (SStoredDocument::document).
+// load the stored objects (SStoredDocument::document). kwXmlArchives saves
+// and loads whole archive files for the commands' demos.
 //
 //   CStoredXmlArchive stored;
 //   std::string error;
@@ -25,6 +26,7 @@
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
 
 class CKWDocument;
+class IKWSerializableAdaptor;
 
 // A link as stored: the "T" and "I" attributes, read as GUIDs.
 struct SStoredLink {
@@ -72,14 +74,29 @@ struct SStoredDocument {
     }
 };
 
-struct SReleaseObject {
+// XML archive files as the tool's commands save and load them.
+namespace kwXmlArchives {
+
+struct ReleaseObject {
     void operator()(IKWObject* object) const { object->Release(); }
 };
-using KWXmlArchivePtr = std::unique_ptr<CKWXMLFileArchive, SReleaseObject>;
+using Ptr = std::unique_ptr<CKWXMLFileArchive, ReleaseObject>;
 
 // A new XML file archive on path, released with the pointer; null when it
 // cannot be made.
-KWXmlArchivePtr NewXmlArchive(const std::string& path);
+Ptr New(const std::string& path);
+// Saves root and everything it links to into the document documentID of a
+// new archive file at path. The archive's Close succeeds even when the file
+// could not be written (the failure goes to the trace only), so a save is
+// known to work once it loads.
+bool Save(const std::string& path, const CKWGuid& documentID, IKWSerializableAdaptor* root);
+// The object (typeID, instanceID) of the document documentID in the archive
+// file at path, loaded with everything it links to; null when it is not
+// there or cannot be read. The loaded objects belong to the caller.
+IKWObject* Load(const std::string& path, const CKWGuid& documentID, const CKWGuid& typeID,
+                const CKWGuid& instanceID);
+
+}  // namespace kwXmlArchives
 
 class CStoredXmlArchive {
 public:
@@ -96,6 +113,6 @@ public:
 private:
     void ReadDocuments();
 
-    KWXmlArchivePtr m_pArchive;
+    kwXmlArchives::Ptr m_pArchive;
     std::vector<SStoredDocument> m_documents;
 };

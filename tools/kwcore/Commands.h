@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace kwCommands {
+
 using Arguments = std::vector<std::string>;
 
 struct Command {
@@ -34,3 +36,5 @@ template <std::size_t N>
 int RunCommandFrom(const char* program, const Command (&commands)[N], const Arguments& args) {
     return RunCommandFrom(program, commands, N, args);
 }
+
+}  // namespace kwCommands

@@ -17,7 +17,7 @@ const char kSteel[] = "{5627A971-5FF8-47AB-AA1C-D1248202D122}";
 const char kRubber[] = "{AD8FBA3E-94B6-4E60-8770-A95E240E64AF}";
 
 template <class T>
-T* Make(IKWObjectType* type, const char* instanceID) {
+T* MakeObject(IKWObjectType* type, const char* instanceID) {
     return dynamic_cast<T*>(type->CreateInstance(CKWGuid(instanceID)));
 }
 
@@ -48,12 +48,12 @@ KW_BEGIN_FIELDS(CDemoPart)
 KW_FIELD(m_Name, "{935A4C1D-A514-4E0E-8531-2E1C82A6EEC5}", kTextTypeID, KW_FIELD_LOAD_SAVE)
 KW_FIELD(m_iQuantity, "{F962E70A-BC0C-4926-9248-315309E57F5C}", kIntTypeID, KW_FIELD_LOAD_SAVE)
 KW_FIELD(m_Material, "{A677D66F-2D79-4C8B-9FB7-DB70FE4D9A45}", kGuidTypeID, KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_pAssembly, "{79081AB4-FEE3-4706-9629-A39580E5920A}", kDemoAssemblyTypeID,
+KW_FIELD(m_pAssembly, "{79081AB4-FEE3-4706-9629-A39580E5920A}", kwDemoModel::kAssemblyTypeID,
          KW_FIELD_LOAD_SAVE)
 KW_FIELD(m_Connected, "{AA0F8E69-A86B-4984-9019-694BE52A6720}", kDemoPartTypeID, KW_FIELD_LOAD_SAVE)
 KW_END_FIELDS()
 
-KW_IMPLEMENT_SERIAL_TYPE(CDemoAssembly, kDemoAssemblyTypeID, kSerialObjectTypeID)
+KW_IMPLEMENT_SERIAL_TYPE(CDemoAssembly, kwDemoModel::kAssemblyTypeID, kSerialObjectTypeID)
 KW_BEGIN_FIELDS(CDemoAssembly)
 KW_FIELD(m_Name, "{D6D9BA3D-E8A8-4A2B-83BA-7134F37BB880}", kTextTypeID, KW_FIELD_LOAD_SAVE)
 KW_FIELD(m_iRevision, "{7B1824CC-ED4E-41D4-997F-47D8B7CC9E9A}", kIntTypeID, KW_FIELD_LOAD_SAVE)
@@ -61,14 +61,17 @@ KW_FIELD(m_pMainPart, "{6B05B87B-46CB-4C2A-9896-AF3C927E6CE5}", kDemoPartTypeID,
 KW_FIELD(m_Parts, "{0CB6DD2A-2E0F-4488-BE52-C4675606B930}", kDemoPartTypeID, KW_FIELD_LOAD_SAVE)
 KW_END_FIELDS()
 
-CDemoAssembly* MakeDemoModel() {
-    auto* bicycle = Make<CDemoAssembly>(CDemoAssembly::GetCDemoAssemblyType(), kDemoAssemblyID);
+namespace kwDemoModel {
+
+CDemoAssembly* Make() {
+    auto* bicycle =
+        MakeObject<CDemoAssembly>(CDemoAssembly::GetCDemoAssemblyType(), kwDemoModel::kAssemblyID);
     IKWObjectType* partType = CDemoPart::GetCDemoPartType();
-    auto* frame = Make<CDemoPart>(partType, "{2BF21107-9A94-445C-9B33-B3B082AAA752}");
-    auto* wheel = Make<CDemoPart>(partType, "{7EBABE6D-3AE0-4915-82E8-4E413F83412C}");
-    auto* chain = Make<CDemoPart>(partType, "{68C0528D-EED8-4225-AF99-82C2A44B186E}");
+    auto* frame = MakeObject<CDemoPart>(partType, "{2BF21107-9A94-445C-9B33-B3B082AAA752}");
+    auto* wheel = MakeObject<CDemoPart>(partType, "{7EBABE6D-3AE0-4915-82E8-4E413F83412C}");
+    auto* chain = MakeObject<CDemoPart>(partType, "{68C0528D-EED8-4225-AF99-82C2A44B186E}");
     if (!bicycle || !frame || !wheel || !chain) {
-        ReleaseDemoObjects();
+        ReleaseObjects();
         return nullptr;
     }
     bicycle->m_Name = "Roadster \"28\"";
@@ -94,7 +97,7 @@ CDemoAssembly* MakeDemoModel() {
     return bicycle;
 }
 
-std::string DescribeDemoModel(const CDemoAssembly* assembly) {
+std::string Describe(const CDemoAssembly* assembly) {
     if (!assembly) {
         return "no assembly\n";
     }
@@ -108,12 +111,14 @@ std::string DescribeDemoModel(const CDemoAssembly* assembly) {
     return text;
 }
 
-int CountDemoObjects() {
+int CountObjects() {
     return CDemoAssembly::GetCDemoAssemblyType()->GetInstanceCount() +
            CDemoPart::GetCDemoPartType()->GetInstanceCount();
 }
 
-void ReleaseDemoObjects() {
+void ReleaseObjects() {
     CDemoAssembly::GetCDemoAssemblyType()->ReleaseInstances();
     CDemoPart::GetCDemoPartType()->ReleaseInstances();
 }
+
+}  // namespace kwDemoModel

@@ -4,11 +4,11 @@
 // assembly).
 //
 // The model's objects belong to whoever made or loaded them; nothing here
-// owns another object. ReleaseDemoObjects releases every one alive.
+// owns another object. kwDemoModel::ReleaseObjects releases every one alive.
 //
-//   CDemoAssembly* bicycle = MakeDemoModel();
-//   std::string saved = DescribeDemoModel(bicycle);
-//   ReleaseDemoObjects();
+//   CDemoAssembly* bicycle = kwDemoModel::Make();
+//   std::string saved = kwDemoModel::Describe(bicycle);
+//   kwDemoModel::ReleaseObjects();
 #pragma once
 
 #include <string>
@@ -45,16 +45,20 @@ protected:
     CDemoAssembly() = default;
 };
 
-inline constexpr const char* kDemoAssemblyTypeID = "{8BE50C56-54C0-439F-AF55-32B8C9F68EE3}";
+namespace kwDemoModel {
+
+inline constexpr const char* kAssemblyTypeID = "{8BE50C56-54C0-439F-AF55-32B8C9F68EE3}";
 // {314A5A67-DD1B-4FD1-852F-740978BA6808}: the sample assembly's instance ID.
-inline constexpr const char* kDemoAssemblyID = "{314A5A67-DD1B-4FD1-852F-740978BA6808}";
+inline constexpr const char* kAssemblyID = "{314A5A67-DD1B-4FD1-852F-740978BA6808}";
 
 // A bicycle of three parts, under fixed instance IDs so every run saves the
 // same file. Null when an object cannot be made.
-CDemoAssembly* MakeDemoModel();
+CDemoAssembly* Make();
 // Every field of the assembly and of its parts, one object a line, links as
 // instance IDs: two models are equal when their descriptions are.
-std::string DescribeDemoModel(const CDemoAssembly* assembly);
+std::string Describe(const CDemoAssembly* assembly);
 // The number of demo objects alive.
-int CountDemoObjects();
-void ReleaseDemoObjects();
+int CountObjects();
+void ReleaseObjects();
+
+}  // namespace kwDemoModel

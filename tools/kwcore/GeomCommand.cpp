@@ -17,6 +17,7 @@
 #include "kwcore/geometry/linear/CKWMatrix4T.h"
 #include "kwcore/geometry/linear/CKWQuaternionT.h"
 
+namespace kwCommands {
 namespace {
 
 typedef CKWVector3T<double, float> Vector3;
@@ -364,3 +365,5 @@ const Command kGeomCommands[] = {
 int RunGeomCommand(const Arguments& args) {
     return RunCommandFrom("kwcore geom", kGeomCommands, args);
 }
+
+}  // namespace kwCommands

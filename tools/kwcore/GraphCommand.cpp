@@ -11,7 +11,9 @@
 #include "kwcore/framework/CKWGraphEdge.h"
 #include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
-#include "kwcore/serial/CKWDocument.h"
+
+namespace kwCommands {
+namespace {
 
 // A station: a graph node with a name.
 class CDemoStation : public CKWGraphNode {
@@ -50,8 +52,6 @@ KW_IMPLEMENT_SERIAL_TYPE(CDemoOneWayLine, "{7E2B9A3C-5DB4-4F80-AC63-B04F9E8D7B52
                          "{48F087FA-103C-4BB3-8197-06B52EEA4757}")
 KW_BEGIN_FIELDS(CDemoOneWayLine)
 KW_END_FIELDS()
-
-namespace {
 
 const char kDemoHelp[] =
     "usage: kwcore graph demo [--from STATION] FILE\n"
@@ -126,29 +126,10 @@ CDemoStation* MakeGraph() {
     return joined ? stations[0] : nullptr;
 }
 
-bool SaveGraph(const std::string& file, CDemoStation* from) {
-    KWXmlArchivePtr archive = NewXmlArchive(file);
-    if (!archive || !archive->Open(CKWArchive::modeWrite)) {
-        return false;
-    }
-    CKWDocument* document = archive->CreateNewDocument(CKWGuid(kDemoDocumentID), nullptr);
-    const bool saved = document && from->SerializeTo(document);
-    return archive->Close() && saved;
-}
-
 // The loaded objects belong to the caller.
 CDemoStation* LoadGraph(const std::string& file, const CKWGuid& stationID) {
-    KWXmlArchivePtr archive = NewXmlArchive(file);
-    if (!archive || !archive->Open(CKWArchive::modeRead)) {
-        return nullptr;
-    }
-    auto* document =
-        static_cast<CKWDocument*>(archive->GetDocumentCollection()->Find(CKWGuid(kDemoDocumentID)));
-    IKWObject* loaded =
-        document ? document->GetObjectA(CDemoStation::GetCDemoStationType()->GetID(), stationID)
-                 : nullptr;
-    archive->Close();
-    return dynamic_cast<CDemoStation*>(loaded);
+    return dynamic_cast<CDemoStation*>(kwXmlArchives::Load(
+        file, CKWGuid(kDemoDocumentID), CDemoStation::GetCDemoStationType()->GetID(), stationID));
 }
 
 // The stations reachable from start, depth first.
@@ -196,6 +177,43 @@ int ParseDemoArguments(const Arguments& args, std::string& from, std::string& fi
     return 2;
 }
 
+// Builds the sample graph and saves it from its last station (Airport);
+// false when it cannot be built or saved. The graph stays alive.
+bool BuildAndSave(const std::string& file) {
+    CDemoStation* built = MakeGraph();
+    const bool whole = built && LiveObjects() == kStationCount + kLineCount;
+    CDemoStation* airport =
+        whole ? dynamic_cast<CDemoStation*>(CDemoStation::GetCDemoStationType()->FindInstance(
+                    CKWGuid(kStationIDs[kStationCount - 1])))
+              : nullptr;
+    return airport && kwXmlArchives::Save(file, CKWGuid(kDemoDocumentID), airport);
+}
+
+// Prints the stations in depth-first order from the one named from.
+void PrintWalk(CDemoStation* loaded, const std::string& from) {
+    CDemoStation* start = nullptr;
+    for (CDemoStation* station : WalkFrom(loaded)) {
+        if (station->m_Name == from.c_str()) {
+            start = station;
+        }
+    }
+    std::printf("depth first from %s:", from.c_str());
+    for (CDemoStation* station : WalkFrom(start)) {
+        std::printf(" %s", static_cast<const char*>(station->m_Name));
+    }
+    std::printf("\n");
+}
+
+// Releases the graph from loaded with a release visitor; true when nothing
+// was left behind.
+bool ReleaseFrom(CDemoStation* loaded) {
+    auto* releaser = dynamic_cast<CKWReleaseVisitor*>(
+        CKWReleaseVisitor::GetCKWReleaseVisitorType()->CreateInstance(CKWGuid()));
+    const bool released = releaser && releaser->Start(loaded) && LiveObjects() == 0;
+    ReleaseAll();
+    return released;
+}
+
 // The graph is saved from its last station and loaded from its first, so
 // the file and the links carry everything between them.
 int RunDemo(const Arguments& args) {
@@ -208,13 +226,7 @@ int RunDemo(const Arguments& args) {
     if (const int status = ParseDemoArguments(args, from, file)) {
         return status;
     }
-    CDemoStation* built = MakeGraph();
-    const bool whole = built && LiveObjects() == kStationCount + kLineCount;
-    CDemoStation* airport =
-        whole ? dynamic_cast<CDemoStation*>(CDemoStation::GetCDemoStationType()->FindInstance(
-                    CKWGuid(kStationIDs[kStationCount - 1])))
-              : nullptr;
-    const bool written = airport && SaveGraph(file, airport);
+    const bool written = BuildAndSave(file);
     ReleaseAll();
     CDemoStation* loaded = written ? LoadGraph(file, CKWGuid(kStationIDs[0])) : nullptr;
     const int loadedCount = LiveObjects();
@@ -227,22 +239,8 @@ int RunDemo(const Arguments& args) {
     std::printf("saved the sample graph to %s from Airport: %d stations, %d lines (one one-way)\n",
                 file.c_str(), kStationCount, kLineCount);
     std::printf("loaded it back from Harbour: %d objects\n", loadedCount);
-    const std::vector<CDemoStation*> everything = WalkFrom(loaded);
-    CDemoStation* start = nullptr;
-    for (CDemoStation* station : everything) {
-        if (station->m_Name == from.c_str()) {
-            start = station;
-        }
-    }
-    std::printf("depth first from %s:", from.c_str());
-    for (CDemoStation* station : WalkFrom(start)) {
-        std::printf(" %s", static_cast<const char*>(station->m_Name));
-    }
-    std::printf("\n");
-    auto* releaser = dynamic_cast<CKWReleaseVisitor*>(
-        CKWReleaseVisitor::GetCKWReleaseVisitorType()->CreateInstance(CKWGuid()));
-    const bool released = releaser && releaser->Start(loaded) && LiveObjects() == 0;
-    ReleaseAll();
+    PrintWalk(loaded, from);
+    const bool released = ReleaseFrom(loaded);
     std::printf("released from Harbour: %s\n", released ? "nothing left" : "objects left behind");
     return released ? 0 : 1;
 }
@@ -256,3 +254,5 @@ const Command kGraphCommands[] = {
 int RunGraphCommand(const Arguments& args) {
     return RunCommandFrom("kwcore graph", kGraphCommands, args);
 }
+
+}  // namespace kwCommands

@@ -6,6 +6,7 @@
 #include "Commands.h"
 #include "kwcore/object/CKWGuid.h"
 
+namespace kwCommands {
 namespace {
 
 const char kHelp[] =
@@ -88,3 +89,5 @@ int RunGuidCommand(const Arguments& args) {
     PrintForms(guid);
     return 0;
 }
+
+}  // namespace kwCommands

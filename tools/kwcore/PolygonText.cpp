@@ -26,6 +26,7 @@ void SPolygonText::Vertex(std::size_t index, double& x, double& y) const {
     x = y = 0.0;
 }
 
+namespace kwPolygonText {
 namespace {
 
 bool IsBlank(const char* text) {
@@ -49,7 +50,7 @@ bool ReadNumber(const char*& text, double& value) {
 
 }  // namespace
 
-bool ReadPolygonText(std::FILE* in, SPolygonText& polygon, std::string& error) {
+bool Read(std::FILE* in, SPolygonText& polygon, std::string& error) {
     polygon.contours.clear();
     std::string line;
     std::size_t number = 0;
@@ -92,8 +93,8 @@ bool ReadPolygonText(std::FILE* in, SPolygonText& polygon, std::string& error) {
     return true;
 }
 
-bool WritePolygonSvg(const std::string& path, const SPolygonText& polygon,
-                     const std::vector<std::array<std::size_t, 3> >& triangles) {
+bool WriteSvg(const std::string& path, const SPolygonText& polygon,
+              const std::vector<std::array<std::size_t, 3> >& triangles) {
     double xmin = HUGE_VAL, xmax = -HUGE_VAL, ymin = HUGE_VAL, ymax = -HUGE_VAL;
     for (const std::vector<double>& contour : polygon.contours) {
         for (std::size_t i = 0; i + 1 < contour.size(); i += 2) {
@@ -160,3 +161,5 @@ bool WritePolygonSvg(const std::string& path, const SPolygonText& polygon,
     std::fprintf(out, "</g>\n</svg>\n");
     return std::fclose(out) == 0;
 }
+
+}  // namespace kwPolygonText

@@ -17,10 +17,14 @@ struct SPolygonText {
     void Vertex(std::size_t index, double& x, double& y) const;
 };
 
+namespace kwPolygonText {
+
 // Reads the text format; false with a message naming the line on bad text.
-bool ReadPolygonText(std::FILE* in, SPolygonText& polygon, std::string& error);
+bool Read(std::FILE* in, SPolygonText& polygon, std::string& error);
 
 // Writes the polygon (holes left empty) and the triangles (vertex indices as
 // above) as an SVG picture; false when the file cannot be written.
-bool WritePolygonSvg(const std::string& path, const SPolygonText& polygon,
-                     const std::vector<std::array<std::size_t, 3> >& triangles);
+bool WriteSvg(const std::string& path, const SPolygonText& polygon,
+              const std::vector<std::array<std::size_t, 3> >& triangles);
+
+}  // namespace kwPolygonText

@@ -16,6 +16,7 @@
 #include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
 #include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 
+namespace kwCommands {
 namespace {
 
 const char kHelp[] =
@@ -249,7 +250,7 @@ int RunTriangulateCommand(const Arguments& args) {
     }
     SPolygonText polygon;
     std::string error;
-    const bool read = ReadPolygonText(in, polygon, error);
+    const bool read = kwPolygonText::Read(in, polygon, error);
     if (!fromStdin) {
         std::fclose(in);
     }
@@ -275,7 +276,7 @@ int RunTriangulateCommand(const Arguments& args) {
                  polygon.VertexCount(), contours, contours == 1 ? "" : "s", triangles.size(),
                  method->name);
     if (!options.svg.empty()) {
-        if (!WritePolygonSvg(options.svg, polygon, triangles)) {
+        if (!kwPolygonText::WriteSvg(options.svg, polygon, triangles)) {
             std::fprintf(stderr, "kwcore triangulate: cannot write '%s'\n", options.svg.c_str());
             return 1;
         }
@@ -283,3 +284,5 @@ int RunTriangulateCommand(const Arguments& args) {
     }
     return 0;
 }
+
+}  // namespace kwCommands

@@ -9,6 +9,7 @@
 #include "Commands.h"
 #include "kwcore/object/CKWTypeSystem.h"
 
+namespace kwCommands {
 namespace {
 
 const char kHelp[] =
@@ -87,3 +88,5 @@ int RunTypesCommand(const Arguments& args) {
     }
     return 0;
 }
+
+}  // namespace kwCommands

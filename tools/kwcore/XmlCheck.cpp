@@ -13,6 +13,7 @@
 #include "kwcore/serial/CKWSerialObjectTypeImpl.h"
 #include "kwcore/serial/CKWTypeManifest.h"
 
+namespace kwXmlInspection {
 namespace {
 
 struct SCheckCounts {
@@ -130,3 +131,5 @@ bool CheckStoredObjects(const std::string& path, const CStoredXmlArchive& archiv
                 CountOf(counts.objects, "object", "objects").c_str(), verdict.c_str());
     return counts.unresolved == 0;
 }
+
+}  // namespace kwXmlInspection

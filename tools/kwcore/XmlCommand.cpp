@@ -8,8 +8,8 @@
 #include "Commands.h"
 #include "DemoModel.h"
 #include "XmlInspect.h"
-#include "kwcore/serial/CKWDocument.h"
 
+namespace kwCommands {
 namespace {
 
 const char kInspectHelp[] =
@@ -75,41 +75,21 @@ int RunInspect(const Arguments& args) {
         return 1;
     }
     if (check) {
-        return CheckStoredObjects(file, archive) ? 0 : 1;
+        return kwXmlInspection::CheckStoredObjects(file, archive) ? 0 : 1;
     }
-    PrintStoredTree(file, archive);
+    kwXmlInspection::PrintStoredTree(file, archive);
     return 0;
-}
-
-bool SaveDemoModel(const std::string& file, CDemoAssembly* model) {
-    KWXmlArchivePtr archive = NewXmlArchive(file);
-    if (!archive || !archive->Open(CKWArchive::modeWrite)) {
-        return false;
-    }
-    CKWDocument* document = archive->CreateNewDocument(CKWGuid(kDemoDocumentID), nullptr);
-    const bool saved = document && model->SerializeTo(document);
-    return archive->Close() && saved;
 }
 
 // The loaded objects belong to the caller.
 CDemoAssembly* LoadDemoModel(const std::string& file) {
-    KWXmlArchivePtr archive = NewXmlArchive(file);
-    if (!archive || !archive->Open(CKWArchive::modeRead)) {
-        return nullptr;
-    }
-    auto* document =
-        static_cast<CKWDocument*>(archive->GetDocumentCollection()->Find(CKWGuid(kDemoDocumentID)));
-    IKWObject* loaded =
-        document ? document->GetObjectA(CKWGuid(kDemoAssemblyTypeID), CKWGuid(kDemoAssemblyID))
-                 : nullptr;
-    archive->Close();
-    return dynamic_cast<CDemoAssembly*>(loaded);
+    return dynamic_cast<CDemoAssembly*>(kwXmlArchives::Load(file, CKWGuid(kDemoDocumentID),
+                                                            CKWGuid(kwDemoModel::kAssemblyTypeID),
+                                                            CKWGuid(kwDemoModel::kAssemblyID)));
 }
 
 // The model is released before it is loaded back, so the loaded objects
 // take the saved instance IDs and nothing but the file carries them over.
-// The archive's Close succeeds even when the file could not be written (the
-// failure goes to the trace only), so a save is known to work once it loads.
 int RunDemo(const Arguments& args) {
     if (WantsHelp(args)) {
         std::fputs(kDemoHelp, stdout);
@@ -120,19 +100,19 @@ int RunDemo(const Arguments& args) {
         return 2;
     }
     const std::string& file = args[0];
-    CDemoAssembly* model = MakeDemoModel();
+    CDemoAssembly* model = kwDemoModel::Make();
     if (!model) {
         std::fputs("kwcore xml demo: the sample model could not be made\n", stderr);
         return 1;
     }
-    const std::string saved = DescribeDemoModel(model);
-    const int savedCount = CountDemoObjects();
-    const bool written = SaveDemoModel(file, model);
-    ReleaseDemoObjects();
+    const std::string saved = kwDemoModel::Describe(model);
+    const int savedCount = kwDemoModel::CountObjects();
+    const bool written = kwXmlArchives::Save(file, CKWGuid(kDemoDocumentID), model);
+    kwDemoModel::ReleaseObjects();
     CDemoAssembly* loaded = written ? LoadDemoModel(file) : nullptr;
-    const std::string reloaded = DescribeDemoModel(loaded);
-    const int loadedCount = CountDemoObjects();
-    ReleaseDemoObjects();
+    const std::string reloaded = kwDemoModel::Describe(loaded);
+    const int loadedCount = kwDemoModel::CountObjects();
+    kwDemoModel::ReleaseObjects();
     if (!loaded) {
         std::fprintf(stderr, "kwcore xml demo: cannot save the model to '%s' and load it back\n",
                      file.c_str());
@@ -160,3 +140,5 @@ const Command kXmlCommands[] = {
 int RunXmlCommand(const Arguments& args) {
     return RunCommandFrom("kwcore xml", kXmlCommands, args);
 }
+
+}  // namespace kwCommands

@@ -6,6 +6,7 @@
 #include "kwcore/serial/CKWDocument.h"
 #include "kwcore/serial/CKWSerialObjectTypeImpl.h"
 
+namespace kwXmlInspection {
 namespace {
 
 // Values are shown between quotes on one line: quotes, backslashes and
@@ -130,3 +131,5 @@ void PrintStoredTree(const std::string& path, const CStoredXmlArchive& archive) 
         }
     }
 }
+
+}  // namespace kwXmlInspection

@@ -8,6 +8,8 @@
 
 #include "CStoredXmlArchive.h"
 
+namespace kwXmlInspection {
+
 // Prints the documents, type manifests, objects and fields of the archive at
 // path as an indented tree on standard output.
 void PrintStoredTree(const std::string& path, const CStoredXmlArchive& archive);
@@ -29,3 +31,5 @@ std::string TypeLabel(const CKWGuid& typeID);
 std::string FieldLabel(const CKWGuid& typeID, const CKWGuid& fieldID);
 // The type's label and the instance ID: "CDemoPart {...}".
 std::string ObjectLabel(const CKWGuid& typeID, const CKWGuid& instanceID);
+
+}  // namespace kwXmlInspection

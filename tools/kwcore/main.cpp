@@ -5,6 +5,7 @@
 #include "kwcore/Config.h"
 #include "kwcore/object/CKWTypeSystem.h"
 
+namespace kwCommands {
 namespace {
 
 // {2B6EEE3A-CD70-4FF5-9034-D1C599170765}: the repository of the tool's own
@@ -63,11 +64,14 @@ int RunCommandFrom(const char* program, const Command* commands, std::size_t cou
     return 2;
 }
 
+}  // namespace kwCommands
+
 int main(int argc, char** argv) {
     // The tool is a host: it collects its own types, and releases the type
     // system last.
-    CKWTypeSystem::Initialize(CKWGuid(kToolRepositoryID));
-    const int status = RunCommandFrom("kwcore", kCommands, Arguments(argv + 1, argv + argc));
+    CKWTypeSystem::Initialize(CKWGuid(kwCommands::kToolRepositoryID));
+    const int status = kwCommands::RunCommandFrom("kwcore", kwCommands::kCommands,
+                                                  kwCommands::Arguments(argv + 1, argv + argc));
     CKWTypeSystem::Release();
     return status;
 }

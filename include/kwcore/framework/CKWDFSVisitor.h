@@ -51,25 +51,15 @@ protected:
     CKWObjPtrList<CKWGraphNode> m_DFSNodeList;
 
 private:
-    struct Frame {
-        using Position = CKWObjPtrList<CKWGraphEdge>::List::const_iterator;
-        Frame(CKWGraphNode* n, Position first, Position last) : node(n), next(first), end(last) {}
-        CKWGraphNode* node;
-        CKWObjPtrList<CKWGraphEdge>::List::const_iterator next;
-        CKWObjPtrList<CKWGraphEdge>::List::const_iterator end;
-    };
-    static constexpr std::uint64_t kNoFreshChanges = std::numeric_limits<std::uint64_t>::max();
-    // Edges fetched ahead when a node is entered; a walk stack up to this
-    // size is kept for the next walk.
-    static constexpr int kEdgesAhead = 4;
-    static constexpr std::size_t kKeptFrames = 1 << 16;
-    static constexpr int kCacheLine = 64;
+    // A node whose edges the walk is crossing, and the next edge to cross.
+    struct Frame;
 
     void Enter(CKWGraphNode* node);
     void Walk(std::uint16_t session);
     static void PrefetchNode(const CKWGraphNode* node);
     static CKWGraphNode* Across(const CKWGraphEdge* edge, const CKWGraphNode* from);
 
+    static constexpr std::uint64_t kNoFreshChanges = std::numeric_limits<std::uint64_t>::max();
     // The walk under way, or null.
     std::vector<Frame>* m_pWalk = nullptr;
     std::vector<Frame> m_walk;
@@ -77,4 +67,12 @@ private:
     CKWGraphNode* m_pFreshNode = nullptr;
     // The list's change count while it holds only this walk's first visits.
     std::uint64_t m_iFreshChanges = kNoFreshChanges;
+};
+
+struct CKWDFSVisitor::Frame {
+    using Position = CKWObjPtrList<CKWGraphEdge>::List::const_iterator;
+    Frame(CKWGraphNode* n, Position first, Position last) : node(n), next(first), end(last) {}
+    CKWGraphNode* node;
+    Position next;
+    Position end;
 };

@@ -158,30 +158,38 @@ protected:
     static char* Decode64(const char* text, int* length);
 
 private:
-    bool Equals(const GUID& guid) const noexcept {
-        return std::memcmp(&m_guid, &guid, sizeof m_guid) == 0;
-    }
+    bool Equals(const GUID& guid) const noexcept;
     // The order as two unsigned numbers: Data1, Data2, Data3 in the high one,
     // the Data4 bytes (first byte most significant) in the low one.
-    std::uint64_t HighKey() const noexcept {
-        return static_cast<std::uint64_t>(m_guid.Data1) << 32 |
-               static_cast<std::uint64_t>(m_guid.Data2) << 16 | m_guid.Data3;
-    }
-    std::uint64_t LowKey() const noexcept {
-        std::uint64_t key = 0;
-        for (BYTE byte : m_guid.Data4) {
-            key = key << 8 | byte;
-        }
-        return key;
-    }
-    bool IsBefore(const CKWGuid& other) const noexcept {
-        const std::uint64_t high = HighKey();
-        const std::uint64_t otherHigh = other.HighKey();
-        return high != otherHigh ? high < otherHigh : LowKey() < other.LowKey();
-    }
+    std::uint64_t HighKey() const noexcept;
+    std::uint64_t LowKey() const noexcept;
+    bool IsBefore(const CKWGuid& other) const noexcept;
 
     GUID m_guid;
 };
+
+inline bool CKWGuid::Equals(const GUID& guid) const noexcept {
+    return std::memcmp(&m_guid, &guid, sizeof m_guid) == 0;
+}
+
+inline std::uint64_t CKWGuid::HighKey() const noexcept {
+    return static_cast<std::uint64_t>(m_guid.Data1) << 32 |
+           static_cast<std::uint64_t>(m_guid.Data2) << 16 | m_guid.Data3;
+}
+
+inline std::uint64_t CKWGuid::LowKey() const noexcept {
+    std::uint64_t key = 0;
+    for (BYTE byte : m_guid.Data4) {
+        key = key << 8 | byte;
+    }
+    return key;
+}
+
+inline bool CKWGuid::IsBefore(const CKWGuid& other) const noexcept {
+    const std::uint64_t high = HighKey();
+    const std::uint64_t otherHigh = other.HighKey();
+    return high != otherHigh ? high < otherHigh : LowKey() < other.LowKey();
+}
 
 namespace std {
 template <>

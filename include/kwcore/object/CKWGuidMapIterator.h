@@ -2,6 +2,9 @@
 //
 // Serves the object maps (CKWObjGuidPtrMap) and the type system's maps of
 // types. A default-constructed iterator is detached and yields nothing.
+//
+//   auto it = CKWTypeSystem::GetGlobalIterator();
+//   for (IKWObjectType* type = it.GetNext(1); type; type = it.GetNext(0)) { ... }
 #pragma once
 
 #include <map>

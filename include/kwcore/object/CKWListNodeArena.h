@@ -12,15 +12,15 @@
 //   std::list<int*, CKWListNodeAllocator<int*>> list{CKWListNodeAllocator<int*>(&arena)};
 #pragma once
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <new>
 #include <type_traits>
 
-class CKWListNodeArena {
+#include "kwcore/platform/Export.h"
+
+class KWCORE_API CKWListNodeArena {
 public:
     // A node of a std::list of pointers: two links and the value.
     static constexpr std::size_t kSlotSize = 3 * sizeof(void*);
@@ -30,15 +30,12 @@ public:
     // Slots belong to the lists of one owner: copies start empty.
     CKWListNodeArena(const CKWListNodeArena&) {}
     CKWListNodeArena& operator=(const CKWListNodeArena&) { return *this; }
-    ~CKWListNodeArena() { delete m_pBlocks; }
+    ~CKWListNodeArena() { ReleaseBlocks(); }
 
     // A free slot: inside the arena while there is room, then from a block.
     void* Take() {
         if (m_iFree == 0) {
-            if (!m_pBlocks) {
-                m_pBlocks = new CKWListNodeBlocks;
-            }
-            return m_pBlocks->Take();
+            return TakeFromBlocks();
         }
         const unsigned slot = LowestSet(m_iFree);
         m_iFree &= static_cast<std::uint8_t>(m_iFree - 1);
@@ -50,7 +47,7 @@ public:
         const std::less<const void*> before;
         const auto* bytes = static_cast<const unsigned char*>(memory);
         if (before(bytes, m_slots) || !before(bytes, m_slots + sizeof(m_slots))) {
-            m_pBlocks->Give(memory);
+            GiveToBlocks(memory);
             return;
         }
         m_iFree |= static_cast<std::uint8_t>(1u << ((bytes - m_slots) / kSlotSize));
@@ -58,67 +55,18 @@ public:
 
     // Frees the blocks; only when no slot of them is in use.
     void ReleaseBlocks() {
-        delete m_pBlocks;
-        m_pBlocks = nullptr;
+        if (m_pBlocks) {
+            FreeBlocks();
+        }
     }
 
 private:
     // Slots handed out from blocks of growing size, reused once given back.
-    class CKWListNodeBlocks {
-    public:
-        CKWListNodeBlocks() = default;
-        CKWListNodeBlocks(const CKWListNodeBlocks&) = delete;
-        CKWListNodeBlocks& operator=(const CKWListNodeBlocks&) = delete;
-        ~CKWListNodeBlocks() {
-            while (m_pBlock) {
-                Block* next = m_pBlock->next;
-                ::operator delete(m_pBlock);
-                m_pBlock = next;
-            }
-        }
+    class CKWListNodeBlocks;
 
-        void* Take() {
-            if (m_pFreeSlot) {
-                FreeSlot* slot = m_pFreeSlot;
-                m_pFreeSlot = slot->next;
-                return slot;
-            }
-            if (m_pUnused == m_pUnusedEnd) {
-                AddBlock();
-            }
-            void* slot = m_pUnused;
-            m_pUnused += kSlotSize;
-            return slot;
-        }
-
-        void Give(void* memory) { m_pFreeSlot = new (memory) FreeSlot{m_pFreeSlot}; }
-
-    private:
-        struct FreeSlot {
-            FreeSlot* next;
-        };
-        struct Block {
-            Block* next;
-        };
-        static constexpr std::size_t kFirstBlockSlots = 4;
-        static constexpr std::size_t kLargestBlockSlots = 4096;
-        static constexpr std::size_t kHeader =
-            (sizeof(Block) + alignof(void*) - 1) / alignof(void*) * alignof(void*);
-
-        void AddBlock() {
-            void* memory = ::operator new(kHeader + m_iBlockSlots * kSlotSize);
-            m_pBlock = new (memory) Block{m_pBlock};
-            m_pUnused = static_cast<unsigned char*>(memory) + kHeader;
-            m_pUnusedEnd = m_pUnused + m_iBlockSlots * kSlotSize;
-            m_iBlockSlots = std::min(2 * m_iBlockSlots, kLargestBlockSlots);
-        }
-
-        Block* m_pBlock = nullptr;
-        FreeSlot* m_pFreeSlot = nullptr;
-        unsigned char* m_pUnused = nullptr;
-        unsigned char* m_pUnusedEnd = nullptr;
-        std::size_t m_iBlockSlots = kFirstBlockSlots;
-    };
+    void* TakeFromBlocks();
+    void GiveToBlocks(void* memory);
+    void FreeBlocks();
 
     static unsigned LowestSet(std::uint8_t bits) {
         unsigned index = 0;

@@ -174,56 +174,16 @@ public:
     typename List::const_iterator end() const { return m_list.end(); }
 
 private:
+    using Index = std::unordered_map<T*, typename List::const_iterator>;
     static constexpr std::size_t kIndexThreshold = 16;
 
-    typename List::const_iterator Locate(const T* element) const {
-        if (!element) {
-            return m_list.end();
-        }
-        UpdateIndex();
-        if (m_pIndex) {
-            auto found = m_pIndex->find(const_cast<T*>(element));
-            return found == m_pIndex->end() ? m_list.end() : found->second;
-        }
-        return std::find(m_list.begin(), m_list.end(), element);
-    }
-
-    // The index holds the first m_iIndexed elements; this adds the rest, and
-    // makes the index once the list has grown past the threshold.
-    void UpdateIndex() const {
-        if (!m_pIndex) {
-            if (m_list.size() <= kIndexThreshold) {
-                return;
-            }
-            m_pIndex = std::make_unique<Index>();
-            m_pIndex->reserve(m_list.size());
-        }
-        auto position =
-            std::prev(m_list.end(), static_cast<std::ptrdiff_t>(m_list.size() - m_iIndexed));
-        for (; position != m_list.end(); ++position) {
-            m_pIndex->emplace(*position, position);
-        }
-        m_iIndexed = m_list.size();
-    }
-
+    typename List::const_iterator Locate(const T* element) const;
+    void UpdateIndex() const;
     void DropIndex() {
         m_pIndex.reset();
         m_iIndexed = 0;
     }
-
-    // The elements move one by one into this list's own nodes, so the index
-    // (which points at nodes) is made again when next needed.
-    void TakeFrom(CKWObjPtrList& other) {
-        m_list = std::move(other.m_list);
-        DropIndex();
-        other.m_list.clear();
-        other.m_arena.ReleaseBlocks();
-        other.DropIndex();
-        ++other.m_iChanges;
-    }
-
-    using Index = std::unordered_map<T*, typename List::const_iterator>;
-
+    void TakeFrom(CKWObjPtrList& other);
     typename List::allocator_type OwnAllocator() { return typename List::allocator_type(&m_arena); }
 
     // Before the list, which may take nodes from it as it is made.
@@ -233,6 +193,51 @@ private:
     mutable std::size_t m_iIndexed = 0;
     std::uint64_t m_iChanges = 0;
 };
+
+template <class T>
+inline typename CKWObjPtrList<T>::List::const_iterator CKWObjPtrList<T>::Locate(
+    const T* element) const {
+    if (!element) {
+        return m_list.end();
+    }
+    UpdateIndex();
+    if (m_pIndex) {
+        auto found = m_pIndex->find(const_cast<T*>(element));
+        return found == m_pIndex->end() ? m_list.end() : found->second;
+    }
+    return std::find(m_list.begin(), m_list.end(), element);
+}
+
+// The index holds the first m_iIndexed elements; this adds the rest, and
+// makes the index once the list has grown past the threshold.
+template <class T>
+inline void CKWObjPtrList<T>::UpdateIndex() const {
+    if (!m_pIndex) {
+        if (m_list.size() <= kIndexThreshold) {
+            return;
+        }
+        m_pIndex = std::make_unique<Index>();
+        m_pIndex->reserve(m_list.size());
+    }
+    auto position =
+        std::prev(m_list.end(), static_cast<std::ptrdiff_t>(m_list.size() - m_iIndexed));
+    for (; position != m_list.end(); ++position) {
+        m_pIndex->emplace(*position, position);
+    }
+    m_iIndexed = m_list.size();
+}
+
+// The elements move one by one into this list's own nodes, so the index
+// (which points at nodes) is made again when next needed.
+template <class T>
+inline void CKWObjPtrList<T>::TakeFrom(CKWObjPtrList& other) {
+    m_list = std::move(other.m_list);
+    DropIndex();
+    other.m_list.clear();
+    other.m_arena.ReleaseBlocks();
+    other.DropIndex();
+    ++other.m_iChanges;
+}
 
 template <class T>
 template <class Position>

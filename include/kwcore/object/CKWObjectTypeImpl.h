@@ -6,6 +6,11 @@
 //
 // Creation: CTOR, then the instance ID, then OnInitialize, then tracking.
 // Release: OnBeforeRelease may refuse; otherwise untrack, then DTOR.
+//
+//   CKWObjectTypeImpl* type = CMyShape::GetCMyShapeType();
+//   IKWObject* shape = type->CreateInstance(CKWGuid());
+//   int alive = type->GetInstanceCount();   // 1
+//   shape->Release();                        // handed back to its type
 #pragma once
 
 #include <map>
@@ -14,7 +19,9 @@
 #include "kwcore/object/IKWObject.h"
 #include "kwcore/object/IKWObjectType.h"
 
-class CKWInstanceTable;
+namespace kwInstanceTracking {
+class InstanceTable;
+}  // namespace kwInstanceTracking
 
 class KWCORE_API CKWObjectTypeImpl : public IKWObjectType {
 public:
@@ -75,7 +82,7 @@ private:
     CString m_name;
     CString m_className;
     // Keyed by instance ID; listed and released in ascending ID order.
-    std::unique_ptr<CKWInstanceTable> m_pTrackedInstances;
+    std::unique_ptr<kwInstanceTracking::InstanceTable> m_pTrackedInstances;
     IKWObjectType* m_pParentType = nullptr;
     std::map<CKWGuid, IKWObjectType*> m_derivedTypes;
 };

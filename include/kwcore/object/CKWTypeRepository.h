@@ -1,6 +1,10 @@
 // CKWTypeRepository: the types one module (the library, a host, a plug-in)
 // contributed, keyed by type ID. Owned by the type system; the types in it
 // are not owned.
+//
+//   CKWTypeRepository repository(repositoryID);
+//   repository.AddType(CMyShape::GetCMyShapeType());
+//   IKWObjectType* type = repository.FindType(typeID);
 #pragma once
 
 #include <map>

@@ -1,6 +1,9 @@
 // IKWReadOnlyCollection and IKWCollection<T>: how framework objects expose
 // the objects they hold. The containers behind them never own their
 // elements; only RemoveAll(true) releases them.
+//
+//   IKWReadOnlyCollection* edges = node->GetEdgeCollection();
+//   auto* edge = static_cast<CKWGraphEdge*>(edges->Find(edgeID));
 #pragma once
 
 #include "kwcore/object/CKWGuid.h"

@@ -4,6 +4,9 @@
 // parent and derived types, makes and frees instances and tracks the ones it
 // made. Type objects are owned by their classes (static storage), never by
 // the type system that files them.
+//
+//   IKWObjectType* type = CKWTypeSystem::FindType(typeID);
+//   if (type && type->IsTypeOf(CKWObjectImpl::GetCKWObjectImplType()->GetID())) { ... }
 #pragma once
 
 #include <list>

@@ -3,6 +3,8 @@
 // GetInterface answers an interface GUID with the sub-object implementing it,
 // or null. There is no reference count and no virtual destructor: objects are
 // destroyed only by their type object (see IKWObject::Release).
+//
+//   auto* object = static_cast<IKWObject*>(unknown->GetInterface(IID_IKWObject));
 #pragma once
 
 #include "kwcore/object/CKWGuid.h"

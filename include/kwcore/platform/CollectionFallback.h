@@ -3,6 +3,9 @@
 // MFC asserts on an invalid index or position; these collections instead
 // hand out a freshly defaulted stand-in element, so bad arguments read a
 // defined value and writes through it land nowhere.
+//
+//   CStringArray names;
+//   CString& name = names[5];   // out of range: a defaulted stand-in, ""
 #pragma once
 
 namespace kwCollection {

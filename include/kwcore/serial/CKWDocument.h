@@ -17,8 +17,12 @@
 class CKWTypeManifest;
 class IKWFieldStream;
 class IKWSerializableAdaptor;
-struct KWLoadWork;
-struct KWSaveWork;
+
+namespace kwGraphSerialization {
+struct DocumentWork;
+struct LoadWork;
+struct SaveWork;
+}  // namespace kwGraphSerialization
 
 class KWCORE_API CKWDocument : public CKWObjectImpl {
     KW_DECLARE_TYPE(CKWDocument, CKWObjectTypeImpl)
@@ -54,14 +58,12 @@ protected:
     int OnBeforeRelease() override;
 
 private:
-    friend struct KWSerialRoad;
-
-    CKWTypeManifest* FindOrCreateManifest(const CKWGuid& typeID);
+    friend struct kwGraphSerialization::DocumentWork;
 
     CKWObjGuidPtrMap<CKWTypeManifest> m_manifests;
     CKWGuid m_sessionID;
     // The save and the load under way on this document, if any: the objects
     // they still have to follow, kept off the call stack.
-    KWSaveWork* m_pSaveWork = nullptr;
-    KWLoadWork* m_pLoadWork = nullptr;
+    kwGraphSerialization::SaveWork* m_pSaveWork = nullptr;
+    kwGraphSerialization::LoadWork* m_pLoadWork = nullptr;
 };

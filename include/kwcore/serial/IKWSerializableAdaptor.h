@@ -2,9 +2,9 @@
 // common implementation.
 //
 // Holds the object's field data (owned, in field-table order) and its
-// instance name, follows the save and load roads through a document, and
-// offers the hooks a class overrides to take part (before/after save and
-// load, field changes, presentation). CKWSerialObject implements it beside
+// instance name, saves and loads the object with the graph it links to
+// through a document, and offers the hooks a class overrides to take part
+// (before/after save and load, field changes, presentation). CKWSerialObject implements it beside
 // CKWObjectImpl; GetInterface(IID_IKWSerializableAdaptor) reaches it.
 //
 //   auto* adaptor = static_cast<IKWSerializableAdaptor*>(
@@ -79,9 +79,6 @@ protected:
     ~IKWSerializableAdaptor() = default;
 
 private:
-    // The load road's steps after the stream was found.
-    int ReadFrom(CKWDocument* document, CKWTypeManifest* manifest, IKWFieldStream* stream);
-
     std::vector<IKWFieldData*> m_fieldData;
     CString m_instanceName;
 };

@@ -11,13 +11,13 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/SecurityManager.hpp>
 
-#include "CKWXMLDOMParser.h"
-#include "CKWXMLErrorHandler.h"
+#include "KWArchiveParser.h"
+#include "KWFileReplacement.h"
 #include "KWForEachAs.h"
 #include "KWLinkAttributeOrder.h"
-#include "KWReplaceFile.h"
+#include "KWWriterErrorHandler.h"
 #include "KWXMLGuidNames.h"
-#include "KWXMLText.h"
+#include "KWXercesGuard.h"
 #include "kwcore/platform/CKWTrace.h"
 #include "kwcore/serial/xml/CKWXMLFileDocument.h"
 
@@ -43,7 +43,7 @@ using XercesPtr = std::unique_ptr<T, ReleaseXerces>;
 // Entity references are expanded in place. The parser never reaches other
 // files or the network, and limits bound entity expansion.
 XercesDOMParser* NewParser(SecurityManager* limits) {
-    auto* parser = new CKWXMLDOMParser();
+    auto* parser = new kwXerces::ArchiveParser();
     parser->setValidationScheme(XercesDOMParser::Val_Auto);
     parser->setDoNamespaces(false);
     parser->setDoSchema(false);
@@ -135,7 +135,7 @@ bool CKWXMLFileArchive::handleError(const DOMError&) {
 }
 
 int CKWXMLFileArchive::CreateDOM() {
-    return KWXMLGuarded(0, [&] {
+    return kwXerces::Guarded(0, [&] {
         DOMImplementation* implementation =
             DOMImplementationRegistry::getDOMImplementation(kLoadSave);
         if (!implementation) {
@@ -155,7 +155,7 @@ int CKWXMLFileArchive::LoadDOMFromFile() {
         return 0;
     }
     SecurityManager limits;
-    const bool parsed = KWXMLGuarded(false, [&] {
+    const bool parsed = kwXerces::Guarded(false, [&] {
         m_pParser = NewParser(&limits);
         MemBufInputSource source(reinterpret_cast<const XMLByte*>(content.data()), content.size(),
                                  "archive");
@@ -165,7 +165,7 @@ int CKWXMLFileArchive::LoadDOMFromFile() {
     if (m_pParser) {
         m_pParser->setSecurityManager(nullptr);
     }
-    KWXMLGuarded(false, [&] {
+    kwXerces::Guarded(false, [&] {
         m_pDOMDocument = m_pParser ? m_pParser->adoptDocument() : nullptr;
         LoadDocuments();
         return true;
@@ -176,7 +176,7 @@ int CKWXMLFileArchive::LoadDOMFromFile() {
 // The root element's name is not checked: any root is taken as "KWXML".
 void CKWXMLFileArchive::LoadDocuments() {
     DOMElement* root = m_pDOMDocument ? m_pDOMDocument->getDocumentElement() : nullptr;
-    KWForEachGuidNamedChild(root, [&](const CKWGuid& documentID, DOMElement* element) {
+    kwXMLGuidNames::ForEachNamedChild(root, [&](const CKWGuid& documentID, DOMElement* element) {
         auto* document = dynamic_cast<CKWXMLFileDocument*>(CreateNewDocument(documentID, nullptr));
         if (document) {
             document->LoadTypeManifests(element);
@@ -193,16 +193,16 @@ int CKWXMLFileArchive::WriteDOMToFile() {
     std::string text;
     const bool written = WriteDOMToText(text);
     if (written) {
-        KWPutLinkTypeBeforeInstance(text);
+        kwLinkAttributeOrder::PutTypeBeforeInstance(text);
     }
-    if (!written || !KWReplaceFile(m_fileName.GetStdString(), text)) {
+    if (!written || !kwFileReplacement::Replace(m_fileName.GetStdString(), text)) {
         CKWTrace::Write("XML archive %s not written\n", static_cast<const char*>(m_fileName));
     }
     return 1;
 }
 
 bool CKWXMLFileArchive::WriteDOMToText(std::string& text) {
-    return KWXMLGuarded(false, [&] {
+    return kwXerces::Guarded(false, [&] {
         DOMImplementation* implementation =
             DOMImplementationRegistry::getDOMImplementation(kLoadSave);
         if (!implementation) {
@@ -210,7 +210,7 @@ bool CKWXMLFileArchive::WriteDOMToText(std::string& text) {
         }
         XercesPtr<DOMLSSerializer> writer(implementation->createLSSerializer());
         XercesPtr<DOMLSOutput> output(implementation->createLSOutput());
-        CKWXMLErrorHandler errors(this);
+        kwXerces::WriterErrorHandler errors(this);
         DOMConfiguration* config = writer->getDomConfig();
         config->setParameter(XMLUni::fgDOMErrorHandler, static_cast<DOMErrorHandler*>(&errors));
         if (config->canSetParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true)) {
@@ -245,7 +245,7 @@ int CKWXMLFileArchive::OnBeforeRelease() {
 }
 
 bool CKWXMLFileArchive::InitializePlatform() {
-    return KWXMLGuarded(false, [&] {
+    return kwXerces::Guarded(false, [&] {
         XMLPlatformUtils::Initialize();
         ++m_iPlatformInits;
         return true;
@@ -262,9 +262,9 @@ void CKWXMLFileArchive::TerminatePlatform() {
 // parser after a load, so the archive owns it in both modes) goes before the
 // parser, and both before the platform is terminated.
 void CKWXMLFileArchive::ReleaseDOM() {
-    KWForEachAs<CKWXMLFileDocument>(GetDocumentIterator(),
-                                    [](CKWXMLFileDocument* document) { document->DetachDOM(); });
-    KWXMLGuarded(false, [&] {
+    kwIteration::ForEachAs<CKWXMLFileDocument>(
+        GetDocumentIterator(), [](CKWXMLFileDocument* document) { document->DetachDOM(); });
+    kwXerces::Guarded(false, [&] {
         if (m_pDOMDocument) {
             m_pDOMDocument->release();
         }

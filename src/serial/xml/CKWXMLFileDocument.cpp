@@ -4,7 +4,7 @@
 
 #include "KWForEachAs.h"
 #include "KWXMLGuidNames.h"
-#include "KWXMLText.h"
+#include "KWXercesGuard.h"
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
 #include "kwcore/serial/xml/CKWXMLFileTypeManifest.h"
 
@@ -19,12 +19,9 @@ void CKWXMLFileDocument::SetArchive(CKWXMLFileArchive* archive) {
         return;
     }
     DOMDocument* dom = archive->GetDOMDocument();
-    m_pDocumentElement = KWXMLGuarded<DOMElement*>(nullptr, [&] {
-        DOMElement* element = KWCreateGuidElement(dom, GetInstanceID());
-        if (element) {
-            dom->getDocumentElement()->appendChild(element);
-        }
-        return element;
+    m_pDocumentElement = kwXerces::Guarded<DOMElement*>(nullptr, [&] {
+        DOMElement* root = dom ? dom->getDocumentElement() : nullptr;
+        return kwXMLGuidNames::AppendElement(dom, root, GetInstanceID());
     });
 }
 
@@ -40,7 +37,7 @@ CKWTypeManifest* CKWXMLFileDocument::CreateTypeManifest(const CKWGuid& typeID,
 
 int CKWXMLFileDocument::LoadTypeManifests(DOMElement* element) {
     m_pDocumentElement = element;
-    KWForEachGuidNamedChild(element, [&](const CKWGuid& typeID, DOMElement* child) {
+    kwXMLGuidNames::ForEachNamedChild(element, [&](const CKWGuid& typeID, DOMElement* child) {
         auto* manifest = dynamic_cast<CKWXMLFileTypeManifest*>(CreateTypeManifest(typeID, nullptr));
         if (manifest) {
             manifest->LoadFieldStreams(child);
@@ -51,7 +48,7 @@ int CKWXMLFileDocument::LoadTypeManifests(DOMElement* element) {
 
 void CKWXMLFileDocument::DetachDOM() {
     m_pDocumentElement = nullptr;
-    KWForEachAs<CKWXMLFileTypeManifest>(
+    kwIteration::ForEachAs<CKWXMLFileTypeManifest>(
         GetTypeManifestIterator(), [](CKWXMLFileTypeManifest* manifest) { manifest->DetachDOM(); });
 }
 

@@ -3,10 +3,11 @@
 #include <cstdint>
 #include <xercesc/dom/DOM.hpp>
 
-#include "KWXMLElements.h"
+#include "KWElementSearch.h"
 #include "KWXMLGuidNames.h"
 #include "KWXMLNamePool.h"
 #include "KWXMLText.h"
+#include "KWXercesGuard.h"
 #include "kwcore/object/CKWObjectTypeImpl.h"
 #include "kwcore/object/IKWObject.h"
 #include "kwcore/object/IKWObjectType.h"
@@ -34,20 +35,20 @@ int CKWXMLFileFieldStream::WriteObjectHeader(IKWObject* object) {
     if (m_pObjectElement || !object || !parent) {
         return 0;
     }
-    return KWXMLGuarded(0, [&] {
-        DOMElement* element = KWCreateGuidElement(m_pDOMDocument, object->GetInstanceID());
-        if (!element) {
+    return kwXerces::Guarded(0, [&] {
+        m_pObjectElement =
+            kwXMLGuidNames::AppendElement(m_pDOMDocument, parent, object->GetInstanceID());
+        if (!m_pObjectElement) {
             return 0;
         }
-        m_pObjectElement = element;
-        parent->appendChild(element);
-        KWFitNamePool(m_pDOMDocument, m_pManifest->GetInstanceFieldStreamCollection()->GetCount());
+        kwXMLNamePool::Fit(m_pDOMDocument,
+                           m_pManifest->GetInstanceFieldStreamCollection()->GetCount());
         return 1;
     });
 }
 
 int CKWXMLFileFieldStream::Write(IKWFieldData* fieldData) {
-    return KWXMLGuarded(0, [&] {
+    return kwXerces::Guarded(0, [&] {
         DOMElement* element = AppendFieldElement(fieldData);
         if (!element) {
             return 0;
@@ -55,8 +56,8 @@ int CKWXMLFileFieldStream::Write(IKWFieldData* fieldData) {
         if (!fieldData->GetField()->SupportsStringStorage()) {
             return 1;
         }
-        KWXMLString value;
-        if (!KWToXMLText(fieldData->GetStringValue(), value)) {
+        kwXMLText::DOMString value;
+        if (!kwXMLText::ToDOM(fieldData->GetStringValue(), value)) {
             return 0;
         }
         element->setAttribute(kValueAttribute, value.c_str());
@@ -69,7 +70,7 @@ int CKWXMLFileFieldStream::ReadObjectHeader(IKWObject* object) {
         return 0;
     }
     // The stored ID is given whether or not it is valid.
-    CKWObjectTypeImpl::ChangeInstanceID(object, KWGuidFromElementName(m_pObjectElement));
+    CKWObjectTypeImpl::ChangeInstanceID(object, kwXMLGuidNames::FromElementName(m_pObjectElement));
     return 1;
 }
 
@@ -81,10 +82,10 @@ int CKWXMLFileFieldStream::Read(IKWFieldData* fieldData) {
     if (!field->SupportsStringStorage()) {
         return 1;
     }
-    return KWXMLGuarded(0, [&] {
+    return kwXerces::Guarded(0, [&] {
         DOMElement* element = FindFieldElement(fieldData);
         CString value;
-        if (!element || !KWFromXMLText(element->getAttribute(kValueAttribute), value)) {
+        if (!element || !kwXMLText::FromDOM(element->getAttribute(kValueAttribute), value)) {
             return 0;
         }
         fieldData->SetValueFromString(value);
@@ -94,8 +95,8 @@ int CKWXMLFileFieldStream::Read(IKWFieldData* fieldData) {
 }
 
 IKWObject* CKWXMLFileFieldStream::ReadLink(IKWFieldData* fieldData) {
-    return KWXMLGuarded<IKWObject*>(nullptr,
-                                    [&] { return ResolveLink(FindFieldElement(fieldData)); });
+    return kwXerces::Guarded<IKWObject*>(nullptr,
+                                         [&] { return ResolveLink(FindFieldElement(fieldData)); });
 }
 
 // A field element that is missing or not single adds nothing and is no failure.
@@ -104,9 +105,9 @@ int CKWXMLFileFieldStream::ReadLinks(IKWFieldData* fieldData,
     if (!collection) {
         return 0;
     }
-    return KWXMLGuarded(0, [&] {
+    return kwXerces::Guarded(0, [&] {
         DOMElement* element = FindFieldElement(fieldData);
-        for (DOMElement* link : KWFindDescendants(element, kLinkElement, SIZE_MAX)) {
+        for (DOMElement* link : kwElementSearch::FindDescendants(element, kLinkElement, SIZE_MAX)) {
             collection->Add(ResolveLink(link));
         }
         return 1;
@@ -114,19 +115,19 @@ int CKWXMLFileFieldStream::ReadLinks(IKWFieldData* fieldData,
 }
 
 int CKWXMLFileFieldStream::WriteLink(IKWFieldData* fieldData, IKWObject* object) {
-    return KWXMLGuarded(0, [&] {
+    return kwXerces::Guarded(0, [&] {
         DOMElement* element = AppendFieldElement(fieldData);
         if (!element) {
             return 0;
         }
-        KWSetLinkAttributes(element, object);
+        kwXMLGuidNames::SetLinkAttributes(element, object);
         return 1;
     });
 }
 
 // An "L" that cannot be made ends the walk with 0; those appended stay.
 int CKWXMLFileFieldStream::WriteLinks(IKWFieldData* fieldData, IKWIterator<IKWObject>* iterator) {
-    return KWXMLGuarded(0, [&] {
+    return kwXerces::Guarded(0, [&] {
         DOMElement* element = AppendFieldElement(fieldData);
         if (!element || !iterator) {
             return 0;
@@ -136,7 +137,7 @@ int CKWXMLFileFieldStream::WriteLinks(IKWFieldData* fieldData, IKWIterator<IKWOb
             if (!link) {
                 return 0;
             }
-            KWSetLinkAttributes(link, object);
+            kwXMLGuidNames::SetLinkAttributes(link, object);
             element->appendChild(link);
         }
         return 1;
@@ -148,11 +149,7 @@ DOMElement* CKWXMLFileFieldStream::AppendFieldElement(IKWFieldData* fieldData) {
     if (!field || !m_pObjectElement) {
         return nullptr;
     }
-    DOMElement* element = KWCreateGuidElement(m_pDOMDocument, field->GetFieldID());
-    if (element) {
-        m_pObjectElement->appendChild(element);
-    }
-    return element;
+    return kwXMLGuidNames::AppendElement(m_pDOMDocument, m_pObjectElement, field->GetFieldID());
 }
 
 DOMElement* CKWXMLFileFieldStream::FindFieldElement(IKWFieldData* fieldData) const {
@@ -161,8 +158,8 @@ DOMElement* CKWXMLFileFieldStream::FindFieldElement(IKWFieldData* fieldData) con
         return nullptr;
     }
     XMLCh name[CKWGuid::XML_ELEMENT_TEXT_SIZE];
-    KWGuidElementName(field->GetFieldID(), name);
-    return KWFindSingleDescendant(m_pObjectElement, name);
+    kwXMLGuidNames::ElementName(field->GetFieldID(), name);
+    return kwElementSearch::FindSingleDescendant(m_pObjectElement, name);
 }
 
 IKWObject* CKWXMLFileFieldStream::ResolveLink(const DOMElement* element) {
@@ -170,5 +167,6 @@ IKWObject* CKWXMLFileFieldStream::ResolveLink(const DOMElement* element) {
     if (!element || !document) {
         return nullptr;
     }
-    return document->GetObjectA(KWLinkTypeID(element), KWLinkInstanceID(element));
+    return document->GetObjectA(kwXMLGuidNames::LinkTypeID(element),
+                                kwXMLGuidNames::LinkInstanceID(element));
 }

@@ -4,7 +4,7 @@
 
 #include "KWForEachAs.h"
 #include "KWXMLGuidNames.h"
-#include "KWXMLText.h"
+#include "KWXercesGuard.h"
 #include "kwcore/object/IKWObjectType.h"
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
 #include "kwcore/serial/xml/CKWXMLFileDocument.h"
@@ -30,12 +30,8 @@ DOMElement* CKWXMLFileTypeManifest::AppendTypeElement(IKWObjectType* type) {
     if (!type || !parent || !m_pArchive) {
         return nullptr;
     }
-    return KWXMLGuarded<DOMElement*>(nullptr, [&] {
-        DOMElement* element = KWCreateGuidElement(m_pArchive->GetDOMDocument(), type->GetID());
-        if (element) {
-            parent->appendChild(element);
-        }
-        return element;
+    return kwXerces::Guarded<DOMElement*>(nullptr, [&] {
+        return kwXMLGuidNames::AppendElement(m_pArchive->GetDOMDocument(), parent, type->GetID());
     });
 }
 
@@ -52,7 +48,7 @@ CKWFieldStream* CKWXMLFileTypeManifest::CreateFieldStream(const CKWGuid& instanc
 
 int CKWXMLFileTypeManifest::LoadFieldStreams(DOMElement* element) {
     m_pManifestElement = element;
-    KWForEachGuidNamedChild(element, [&](const CKWGuid& instanceID, DOMElement* child) {
+    kwXMLGuidNames::ForEachNamedChild(element, [&](const CKWGuid& instanceID, DOMElement* child) {
         auto* stream = dynamic_cast<CKWXMLFileFieldStream*>(CreateFieldStream(instanceID, nullptr));
         if (stream) {
             stream->SetObjectElement(child);
@@ -63,11 +59,11 @@ int CKWXMLFileTypeManifest::LoadFieldStreams(DOMElement* element) {
 
 void CKWXMLFileTypeManifest::DetachDOM() {
     m_pManifestElement = nullptr;
-    KWForEachAs<CKWXMLFileFieldStream>(GetInstanceFieldStreamIterator(),
-                                       [](CKWXMLFileFieldStream* stream) {
-                                           stream->SetObjectElement(nullptr);
-                                           stream->SetDOMDocument(nullptr);
-                                       });
+    kwIteration::ForEachAs<CKWXMLFileFieldStream>(GetInstanceFieldStreamIterator(),
+                                                  [](CKWXMLFileFieldStream* stream) {
+                                                      stream->SetObjectElement(nullptr);
+                                                      stream->SetDOMDocument(nullptr);
+                                                  });
 }
 
 IKWObjectType* CKWXMLFileTypeManifest::GetFieldStreamType() const {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+namespace kwLinkAttributeOrder {
 namespace {
 constexpr std::size_t kGuidLength = 22;
 // ` I="` + 22 characters + `"`, and the same for "T".
@@ -23,7 +24,7 @@ bool IsGuidAttribute(const std::string& xml, std::size_t at, char name) {
 }
 }  // namespace
 
-void KWPutLinkTypeBeforeInstance(std::string& xml) {
+void PutTypeBeforeInstance(std::string& xml) {
     if (xml.size() < 2 * kAttributeLength) {
         return;
     }
@@ -36,3 +37,5 @@ void KWPutLinkTypeBeforeInstance(std::string& xml) {
         }
     }
 }
+
+}  // namespace kwLinkAttributeOrder

@@ -8,6 +8,7 @@
 
 XERCES_CPP_NAMESPACE_USE
 
+namespace kwXMLGuidNames {
 namespace {
 const XMLCh kTypeAttribute[] = {u'T', 0};
 const XMLCh kInstanceAttribute[] = {u'I', 0};
@@ -53,22 +54,26 @@ CKWGuid GuidFromAttribute(const DOMElement* element, const XMLCh* name) {
 }
 }  // namespace
 
-void KWGuidElementName(const CKWGuid& guid, XMLCh (&name)[CKWGuid::XML_ELEMENT_TEXT_SIZE]) {
+void ElementName(const CKWGuid& guid, XMLCh (&name)[CKWGuid::XML_ELEMENT_TEXT_SIZE]) {
     char text[CKWGuid::XML_ELEMENT_TEXT_SIZE];
     guid.WriteCStringXMLElement(text);
     Widen(text, name);
 }
 
-DOMElement* KWCreateGuidElement(DOMDocument* document, const CKWGuid& guid) {
-    if (!document) {
+DOMElement* AppendElement(DOMDocument* document, DOMElement* parent, const CKWGuid& guid) {
+    if (!document || !parent) {
         return nullptr;
     }
     XMLCh name[CKWGuid::XML_ELEMENT_TEXT_SIZE];
-    KWGuidElementName(guid, name);
-    return document->createElement(name);
+    ElementName(guid, name);
+    DOMElement* element = document->createElement(name);
+    if (element) {
+        parent->appendChild(element);
+    }
+    return element;
 }
 
-CKWGuid KWGuidFromElementName(const DOMElement* element) {
+CKWGuid FromElementName(const DOMElement* element) {
     CKWGuid guid;
     if (element) {
         const XMLSize_t nameLength = CKWGuid::XML_ELEMENT_TEXT_SIZE - 1;
@@ -77,7 +82,7 @@ CKWGuid KWGuidFromElementName(const DOMElement* element) {
     return guid;
 }
 
-void KWSetLinkAttributes(DOMElement* element, IKWObject* object) {
+void SetLinkAttributes(DOMElement* element, IKWObject* object) {
     if (!element || !object || !object->GetType()) {
         return;
     }
@@ -85,10 +90,12 @@ void KWSetLinkAttributes(DOMElement* element, IKWObject* object) {
     SetGuidAttribute(element, kInstanceAttribute, object->GetInstanceID());
 }
 
-CKWGuid KWLinkTypeID(const DOMElement* element) {
+CKWGuid LinkTypeID(const DOMElement* element) {
     return GuidFromAttribute(element, kTypeAttribute);
 }
 
-CKWGuid KWLinkInstanceID(const DOMElement* element) {
+CKWGuid LinkInstanceID(const DOMElement* element) {
     return GuidFromAttribute(element, kInstanceAttribute);
 }
+
+}  // namespace kwXMLGuidNames

@@ -8,28 +8,34 @@
 
 class IKWObject;
 
+namespace kwXMLGuidNames {
+
 // The element name of guid, as the DOM's text.
-void KWGuidElementName(const CKWGuid& guid, XMLCh (&name)[CKWGuid::XML_ELEMENT_TEXT_SIZE]);
-// A new element named after guid; null when the DOM refuses it.
-XERCES_CPP_NAMESPACE::DOMElement* KWCreateGuidElement(XERCES_CPP_NAMESPACE::DOMDocument* document,
-                                                      const CKWGuid& guid);
+void ElementName(const CKWGuid& guid, XMLCh (&name)[CKWGuid::XML_ELEMENT_TEXT_SIZE]);
+// A new element named after guid, appended to parent; null without a
+// document or parent, or when the DOM refuses it.
+XERCES_CPP_NAMESPACE::DOMElement* AppendElement(XERCES_CPP_NAMESPACE::DOMDocument* document,
+                                                XERCES_CPP_NAMESPACE::DOMElement* parent,
+                                                const CKWGuid& guid);
 // The GUID an element's name gives; empty for any other name.
-CKWGuid KWGuidFromElementName(const XERCES_CPP_NAMESPACE::DOMElement* element);
+CKWGuid FromElementName(const XERCES_CPP_NAMESPACE::DOMElement* element);
 // Sets "T" to the object's type ID, then "I" to its instance ID.
-void KWSetLinkAttributes(XERCES_CPP_NAMESPACE::DOMElement* element, IKWObject* object);
+void SetLinkAttributes(XERCES_CPP_NAMESPACE::DOMElement* element, IKWObject* object);
 // The (type ID, instance ID) of a link element; empty where missing or bad.
-CKWGuid KWLinkTypeID(const XERCES_CPP_NAMESPACE::DOMElement* element);
-CKWGuid KWLinkInstanceID(const XERCES_CPP_NAMESPACE::DOMElement* element);
+CKWGuid LinkTypeID(const XERCES_CPP_NAMESPACE::DOMElement* element);
+CKWGuid LinkInstanceID(const XERCES_CPP_NAMESPACE::DOMElement* element);
 
 // Calls visit(guid, child) with each child element of parent named after a
 // GUID, in document order; other elements are skipped.
 template <class Visit>
-void KWForEachGuidNamedChild(XERCES_CPP_NAMESPACE::DOMElement* parent, Visit&& visit) {
+void ForEachNamedChild(XERCES_CPP_NAMESPACE::DOMElement* parent, Visit&& visit) {
     for (auto* child = parent ? parent->getFirstElementChild() : nullptr; child;
          child = child->getNextElementSibling()) {
-        const CKWGuid guid = KWGuidFromElementName(child);
+        const CKWGuid guid = FromElementName(child);
         if (guid.IsValid()) {
             visit(guid, child);
         }
     }
 }
+
+}  // namespace kwXMLGuidNames

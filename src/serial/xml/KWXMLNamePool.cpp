@@ -7,6 +7,7 @@
 
 XERCES_CPP_NAMESPACE_USE
 
+namespace kwXMLNamePool {
 namespace {
 // Reaches the pool's table, which DOMDocumentImpl keeps protected.
 struct NamePoolAccess : DOMDocumentImpl {
@@ -35,7 +36,7 @@ void Rehash(DOMDocumentImpl* document, XMLSize_t size) {
 }
 }  // namespace
 
-void KWFitNamePool(DOMDocument* document, XMLSize_t names) {
+void Fit(DOMDocument* document, XMLSize_t names) {
     if (names == 0 || (names & (names - 1)) != 0) {
         return;
     }
@@ -44,3 +45,5 @@ void KWFitNamePool(DOMDocument* document, XMLSize_t names) {
         Rehash(pool, 2 * names + 1);
     }
 }
+
+}  // namespace kwXMLNamePool

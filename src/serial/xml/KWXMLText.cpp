@@ -4,8 +4,11 @@
 #include <xercesc/util/TransService.hpp>
 #include <xercesc/util/XMLString.hpp>
 
+#include "KWXercesGuard.h"
+
 XERCES_CPP_NAMESPACE_USE
 
+namespace kwXMLText {
 namespace {
 const char* const kUTF8 = "UTF-8";
 
@@ -21,12 +24,12 @@ bool IsASCII(unsigned c) {
 
 // ASCII, most stored text, widens and narrows unit by unit; anything else
 // goes through Xerces' UTF-8 transcoder.
-bool WidenUTF8(const std::string& bytes, KWXMLString& xml) {
+bool WidenUTF8(const std::string& bytes, DOMString& xml) {
     if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return IsASCII(c & 0xFF); })) {
         xml.assign(bytes.begin(), bytes.end());
         return true;
     }
-    return KWXMLGuarded(false, [&] {
+    return kwXerces::Guarded(false, [&] {
         TranscodeFromStr wide(reinterpret_cast<const XMLByte*>(bytes.data()), bytes.size(), kUTF8);
         xml.assign(wide.str(), wide.length());
         return true;
@@ -34,12 +37,12 @@ bool WidenUTF8(const std::string& bytes, KWXMLString& xml) {
 }
 }  // namespace
 
-bool KWToXMLText(const CString& text, KWXMLString& xml) {
+bool ToDOM(const CString& text, DOMString& xml) {
     return WidenUTF8(text.GetStdString(), xml) &&
            std::all_of(xml.begin(), xml.end(), IsXMLCharacter);
 }
 
-bool KWFromXMLText(const XMLCh* xml, CString& text) {
+bool FromDOM(const XMLCh* xml, CString& text) {
     if (!xml || !*xml) {
         text.Empty();
         return true;
@@ -49,9 +52,11 @@ bool KWFromXMLText(const XMLCh* xml, CString& text) {
         text = std::string(xml, end);
         return true;
     }
-    return KWXMLGuarded(false, [&] {
+    return kwXerces::Guarded(false, [&] {
         TranscodeToStr narrow(xml, kUTF8);
         text = std::string(reinterpret_cast<const char*>(narrow.str()), narrow.length());
         return true;
     });
 }
+
+}  // namespace kwXMLText

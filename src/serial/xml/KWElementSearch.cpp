@@ -1,9 +1,10 @@
-#include "KWXMLElements.h"
+#include "KWElementSearch.h"
 
 #include <xercesc/util/XMLString.hpp>
 
 XERCES_CPP_NAMESPACE_USE
 
+namespace kwElementSearch {
 namespace {
 // The element after element in a depth-first walk below root, or null.
 DOMElement* NextDescendant(DOMElement* root, DOMElement* element) {
@@ -19,7 +20,7 @@ DOMElement* NextDescendant(DOMElement* root, DOMElement* element) {
 }
 }  // namespace
 
-std::vector<DOMElement*> KWFindDescendants(DOMElement* root, const XMLCh* name, std::size_t limit) {
+std::vector<DOMElement*> FindDescendants(DOMElement* root, const XMLCh* name, std::size_t limit) {
     std::vector<DOMElement*> found;
     for (DOMElement* element = root ? NextDescendant(root, root) : nullptr;
          element && found.size() < limit; element = NextDescendant(root, element)) {
@@ -31,7 +32,7 @@ std::vector<DOMElement*> KWFindDescendants(DOMElement* root, const XMLCh* name, 
 }
 
 // Called for every field read, so it counts instead of collecting.
-DOMElement* KWFindSingleDescendant(DOMElement* root, const XMLCh* name) {
+DOMElement* FindSingleDescendant(DOMElement* root, const XMLCh* name) {
     DOMElement* single = nullptr;
     for (DOMElement* element = root ? NextDescendant(root, root) : nullptr; element;
          element = NextDescendant(root, element)) {
@@ -44,3 +45,5 @@ DOMElement* KWFindSingleDescendant(DOMElement* root, const XMLCh* name) {
     }
     return single;
 }
+
+}  // namespace kwElementSearch

@@ -1,12 +1,15 @@
-#include "CKWInstanceTable.h"
+#include "KWInstanceTable.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
 
+namespace kwInstanceTracking {
 namespace {
 
-bool SameKey(const GUID& a, const GUID& b) { return std::memcmp(&a, &b, sizeof(GUID)) == 0; }
+bool SameKey(const GUID& a, const GUID& b) {
+    return std::memcmp(&a, &b, sizeof(GUID)) == 0;
+}
 
 // Hosts may choose sequential IDs, so all 128 bits are mixed.
 std::uint64_t Mix(const GUID& key) {
@@ -29,11 +32,11 @@ GUID RawOf(const CKWGuid& id) {
 
 }  // namespace
 
-std::size_t CKWInstanceTable::HomeOf(const GUID& key) const {
+std::size_t InstanceTable::HomeOf(const GUID& key) const {
     return static_cast<std::size_t>(Mix(key)) & (m_slots.size() - 1);
 }
 
-std::size_t CKWInstanceTable::Locate(const GUID& key) const {
+std::size_t InstanceTable::Locate(const GUID& key) const {
     const std::size_t mask = m_slots.size() - 1;
     std::size_t index = HomeOf(key);
     while (m_slots[index].object && !SameKey(m_slots[index].key, key)) {
@@ -42,7 +45,7 @@ std::size_t CKWInstanceTable::Locate(const GUID& key) const {
     return index;
 }
 
-int CKWInstanceTable::Insert(const CKWGuid& instanceID, IKWObject* object) {
+int InstanceTable::Insert(const CKWGuid& instanceID, IKWObject* object) {
     // Kept at most half full, so probe sequences stay short.
     if (2 * (m_count + 1) > m_slots.size()) {
         Rehash(std::max(kMinCapacity, 2 * m_slots.size()));
@@ -58,14 +61,14 @@ int CKWInstanceTable::Insert(const CKWGuid& instanceID, IKWObject* object) {
     return 1;
 }
 
-IKWObject* CKWInstanceTable::Find(const CKWGuid& instanceID) const {
+IKWObject* InstanceTable::Find(const CKWGuid& instanceID) const {
     if (m_count == 0) {
         return nullptr;
     }
     return m_slots[Locate(RawOf(instanceID))].object;
 }
 
-void CKWInstanceTable::Erase(const CKWGuid& instanceID, const IKWObject* object) {
+void InstanceTable::Erase(const CKWGuid& instanceID, const IKWObject* object) {
     if (m_count == 0) {
         return;
     }
@@ -84,10 +87,9 @@ void CKWInstanceTable::Erase(const CKWGuid& instanceID, const IKWObject* object)
 
 // Moves later entries of the probe run into the hole, so lookups never need
 // tombstones: an entry moves back when its home is not within (hole, index].
-void CKWInstanceTable::ShiftBackFrom(std::size_t hole) {
+void InstanceTable::ShiftBackFrom(std::size_t hole) {
     const std::size_t mask = m_slots.size() - 1;
-    for (std::size_t index = (hole + 1) & mask; m_slots[index].object;
-         index = (index + 1) & mask) {
+    for (std::size_t index = (hole + 1) & mask; m_slots[index].object; index = (index + 1) & mask) {
         const std::size_t home = HomeOf(m_slots[index].key);
         const std::size_t distanceToHome = (index - home) & mask;
         const std::size_t distanceToHole = (index - hole) & mask;
@@ -99,7 +101,7 @@ void CKWInstanceTable::ShiftBackFrom(std::size_t hole) {
     }
 }
 
-void CKWInstanceTable::Rehash(std::size_t capacity) {
+void InstanceTable::Rehash(std::size_t capacity) {
     std::vector<Slot> old(capacity, Slot{GUID(), nullptr});
     old.swap(m_slots);
     for (const Slot& slot : old) {
@@ -109,7 +111,7 @@ void CKWInstanceTable::Rehash(std::size_t capacity) {
     }
 }
 
-std::vector<CKWGuid> CKWInstanceTable::GetSortedIDs() const {
+std::vector<CKWGuid> InstanceTable::GetSortedIDs() const {
     std::vector<CKWGuid> ids;
     ids.reserve(m_count);
     for (const Slot& slot : m_slots) {
@@ -120,3 +122,5 @@ std::vector<CKWGuid> CKWInstanceTable::GetSortedIDs() const {
     std::sort(ids.begin(), ids.end());
     return ids;
 }
+
+}  // namespace kwInstanceTracking

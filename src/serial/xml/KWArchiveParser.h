@@ -1,5 +1,5 @@
-// CKWXMLDOMParser: the archive's DOM parser. It keeps the name pool of the
-// document it builds fitted to the number of elements parsed so far (see
+// The XML archive's DOM parser. It keeps the name pool of the document it
+// builds fitted to the number of elements parsed so far (see
 // KWXMLNamePool.h), so parsing stays linear in the number of objects, and it
 // leaves out the whitespace between elements: archives keep everything in
 // elements and attributes, so those text nodes would only cost memory and time.
@@ -7,7 +7,9 @@
 
 #include <xercesc/parsers/XercesDOMParser.hpp>
 
-class CKWXMLDOMParser : public XERCES_CPP_NAMESPACE::XercesDOMParser {
+namespace kwXerces {
+
+class ArchiveParser : public XERCES_CPP_NAMESPACE::XercesDOMParser {
 public:
     void startElement(
         const XERCES_CPP_NAMESPACE::XMLElementDecl& elemDecl, unsigned int urlId,
@@ -20,3 +22,5 @@ public:
 private:
     XMLSize_t m_elements = 0;
 };
+
+}  // namespace kwXerces

@@ -6,5 +6,9 @@
 
 #include <string>
 
+namespace kwFileReplacement {
+
 // false when the file could not be replaced (the old one is then unchanged).
-bool KWReplaceFile(const std::string& target, const std::string& content);
+bool Replace(const std::string& target, const std::string& content);
+
+}  // namespace kwFileReplacement

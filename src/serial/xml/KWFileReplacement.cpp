@@ -1,4 +1,4 @@
-#include "KWReplaceFile.h"
+#include "KWFileReplacement.h"
 
 #include <cstdio>
 #include <filesystem>
@@ -12,6 +12,7 @@
 
 namespace fs = std::filesystem;
 
+namespace kwFileReplacement {
 namespace {
 // A name beside target that nothing has taken.
 fs::path TemporaryPathBeside(const fs::path& target) {
@@ -45,7 +46,7 @@ void CopyPermissions(const fs::path& from, const fs::path& to) {
 }
 }  // namespace
 
-bool KWReplaceFile(const std::string& target, const std::string& content) {
+bool Replace(const std::string& target, const std::string& content) {
     const fs::path targetPath(target);
     const fs::path temporary = TemporaryPathBeside(targetPath);
     std::error_code error;
@@ -59,3 +60,5 @@ bool KWReplaceFile(const std::string& target, const std::string& content) {
     fs::remove(temporary, error);
     return false;
 }
+
+}  // namespace kwFileReplacement

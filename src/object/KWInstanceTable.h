@@ -1,4 +1,4 @@
-// CKWInstanceTable: the live instances of one type, keyed by instance ID.
+// The live instances of one type, keyed by instance ID.
 //
 // A flat open-addressing hash table (linear probing, backward-shift
 // deletion): creating and releasing an object costs one probe sequence and
@@ -14,7 +14,9 @@
 
 class IKWObject;
 
-class CKWInstanceTable {
+namespace kwInstanceTracking {
+
+class InstanceTable {
 public:
     int GetCount() const { return static_cast<int>(m_count); }
     // 1 when added; 0 when an instance with that ID is already tracked.
@@ -41,3 +43,5 @@ private:
     std::vector<Slot> m_slots;
     std::size_t m_count = 0;
 };
+
+}  // namespace kwInstanceTracking
