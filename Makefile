@@ -1,16 +1,38 @@
-# Front door to the CMake presets. Each target first makes sure the Debian
-# packages it needs are installed: as root it installs the missing ones,
-# otherwise it prints the apt-get command to run and stops.
+# Front door to the CMake workflow presets (CMakePresets.json). Each target
+# first makes sure the Debian packages it uses are installed: as root it
+# installs the missing ones, otherwise it prints the apt-get command to run
+# and stops.
 
 SHELL := bash
 .SHELLFLAGS := -euo pipefail -c
 JOBS ?= $(shell nproc 2>/dev/null || echo 2)
+# cmake --workflow takes no -j: the build and test steps read these.
+export CMAKE_BUILD_PARALLEL_LEVEL := $(JOBS)
+export CTEST_PARALLEL_LEVEL := $(JOBS)
 
-COMMON_PACKAGES := cmake ninja-build g++ clang pkg-config libgtest-dev libgmock-dev googletest \
-	uuid-dev libxerces-c-dev libsqlite3-dev libclang-rt-14-dev libeigen3-dev
-BENCH_PACKAGES := $(COMMON_PACKAGES) libbenchmark-dev libboost-serialization-dev libboost-dev \
-	libboost-graph-dev libcgal-dev
-WINDOWS_PACKAGES := $(COMMON_PACKAGES) g++-mingw-w64-x86-64-posix wine64 wine
+# What each target installs, and what for. Every build needs CMake and Ninja;
+# the native builds have the XML archive, so they need Xerces-C.
+BUILD_PACKAGES := cmake ninja-build
+XML_PACKAGES := libxerces-c-dev
+# clang with its sanitizer and libFuzzer runtimes (ASan, UBSan, LeakSanitizer).
+CLANG_PACKAGES := clang libclang-rt-14-dev
+
+# The demo: the kwcore tool and the measuring-tool example, built with g++.
+DEMO_PACKAGES := $(BUILD_PACKAGES) g++ $(XML_PACKAGES)
+# The tests: g++ (dev, tsan) and clang (sanitize, fuzz); GoogleTest and
+# GoogleMock; pkg-config for the installed-package test; Eigen as the oracle of
+# the matrix decomposition tests.
+TEST_PACKAGES := $(BUILD_PACKAGES) g++ $(CLANG_PACKAGES) $(XML_PACKAGES) \
+	libgtest-dev libgmock-dev pkg-config libeigen3-dev
+FUZZ_PACKAGES := $(BUILD_PACKAGES) $(CLANG_PACKAGES) $(XML_PACKAGES)
+# The benchmarks and the peers they measure against: libuuid (GUIDs),
+# Boost.Serialization (XML archive), Boost.Signals2 (observers), Boost.Graph
+# (graph walks), CGAL (triangulations) and Eigen (matrices and quaternions).
+BENCH_PACKAGES := $(BUILD_PACKAGES) g++ $(XML_PACKAGES) libbenchmark-dev \
+	uuid-dev libboost-serialization-dev libboost-dev libboost-graph-dev libcgal-dev libeigen3-dev
+# The Windows build: MinGW-w64, GoogleTest built from Debian's sources, and
+# the 64-bit Wine that runs the tests.
+WINDOWS_PACKAGES := $(BUILD_PACKAGES) g++-mingw-w64-x86-64-posix googletest wine64
 
 FUZZ_DIR := build/fuzz
 FUZZ_SECONDS ?= 300
@@ -42,38 +64,28 @@ endef
 .PHONY: demo test fuzz bench test-windows clean
 
 demo:
-	@$(call require-packages,$(COMMON_PACKAGES))
-	cmake --preset dev
-	cmake --build --preset dev -j $(JOBS) --target kwcore_tool
-	tools/demo.sh build/dev/tools/kwcore/kwcore
+	@$(call require-packages,$(DEMO_PACKAGES))
+	cmake --workflow --preset demo
+	tools/demo.sh build/demo/tools/kwcore/kwcore
 
 test:
-	@$(call require-packages,$(COMMON_PACKAGES))
-	cmake --preset dev
-	cmake --build --preset dev -j $(JOBS)
-	ctest --preset dev -j $(JOBS)
-	cmake --preset sanitize
-	cmake --build --preset sanitize -j $(JOBS)
-	ctest --preset sanitize -j $(JOBS)
-	cmake --preset tsan
-	cmake --build --preset tsan -j $(JOBS)
-	ctest --preset tsan -j $(JOBS)
-	cmake --preset fuzz
-	cmake --build --preset fuzz -j $(JOBS)
+	@$(call require-packages,$(TEST_PACKAGES))
+	cmake --workflow --preset dev
+	cmake --workflow --preset sanitize
+	cmake --workflow --preset tsan
+	cmake --workflow --preset fuzz
 	fuzz/run-xml-fuzzer.sh $(FUZZ_DIR) $(FUZZ_TEST_SECONDS)
 
 # A longer run of the XML loader fuzzer; its corpus grows in $(FUZZ_DIR).
 fuzz:
-	@$(call require-packages,$(COMMON_PACKAGES))
-	cmake --preset fuzz
-	cmake --build --preset fuzz -j $(JOBS)
+	@$(call require-packages,$(FUZZ_PACKAGES))
+	cmake --workflow --preset fuzz
 	fuzz/run-xml-fuzzer.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
 
 # Runs one benchmark program at a time, so they do not compete for cores.
 bench:
 	@$(call require-packages,$(BENCH_PACKAGES))
-	cmake --preset release
-	cmake --build --preset release -j $(JOBS)
+	cmake --workflow --preset release
 	@mkdir -p $(BENCH_RESULTS); \
 	programs=$$(find $(BENCH_DIR) -maxdepth 1 -type f -name 'kwcore_*bench*' -perm -u+x | sort); \
 	[ -n "$$programs" ] || { echo "No benchmark programs in $(BENCH_DIR)" >&2; exit 1; }; \
@@ -88,9 +100,7 @@ bench:
 # The Windows build runs its tests under Wine; see cmake/KWCoreWine.cmake.
 test-windows:
 	@$(call require-packages,$(WINDOWS_PACKAGES))
-	cmake --preset windows
-	cmake --build --preset windows -j $(JOBS)
-	ctest --preset windows -j $(JOBS)
+	cmake --workflow --preset windows
 
 clean:
 	rm -rf build

@@ -5,7 +5,12 @@ install(TARGETS kwcore EXPORT kwcoreTargets
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(DIRECTORY include/kwcore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+# The headers of back-ends built without (KWCoreBackends.cmake) stay out.
+set(_kwcore_header_excludes)
+foreach(_folder IN LISTS KWCORE_BACKEND_HEADERS_OFF)
+  list(APPEND _kwcore_header_excludes REGEX "/include/kwcore/${_folder}$" EXCLUDE)
+endforeach()
+install(DIRECTORY include/kwcore DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} ${_kwcore_header_excludes})
 install(FILES ${PROJECT_BINARY_DIR}/include/kwcore/Config.h
         DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/kwcore)
 

@@ -24,7 +24,8 @@ section "An inverse, and the zero matrix the kernel gives for a singular one"
 run geom invert 1,2,3,4
 run geom invert 1,2,2,4 || echo "(exit status $?)"
 
-# The measuring-tool example sits beside the tool in the build tree.
+# The measuring-tool example sits beside the tool in the build tree; make demo
+# builds both.
 measure=${KWCORE_MEASURE_TOOL:-$(dirname "$kwcore")/../../examples/measure-tool/kwcore_example_measure_tool}
 section "A host tool fed by a tool-event router: measuring between mouse-down and mouse-up"
 if [[ -x $measure ]]; then
@@ -70,11 +71,11 @@ printf '0 0\n6 1\n12 0\n13 6\n12 12\n6 10\n0 12\n1 6\n' | run triangulate --meth
 section "A square with a hole poking out of it: the check names the problem"
 printf '0 0\n12 0\n12 12\n0 12\n\n10 5\n10 7\n14 6\n' | run triangulate - || echo "(exit status $?)"
 
-# The xml command is built where Xerces-C is found.
+# The xml and graph commands are built where the library has the XML archive.
 commands=$("$kwcore" --help)
 if ! grep -q '^  xml ' <<<"$commands"; then
     section "XML archives"
-    echo "(this kwcore has no xml command: it was built without Xerces-C)"
+    echo "(this kwcore has no xml command: it was built without the XML archive, KWCORE_WITH_XML=OFF)"
     exit 0
 fi
 work=$(mktemp -d "${TMPDIR:-/tmp}/kwcore-demo.XXXXXX")
