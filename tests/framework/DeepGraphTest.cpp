@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "GraphTestTypes.h"
-#include "../KWTestScale.h"
+#include "KWTestScale.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "kwcore/framework/CKWGraphEdge.h"
 #include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
-#include "../KWTestScale.h"
+#include "KWTestScale.h"
 
 namespace {
 
