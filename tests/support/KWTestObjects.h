@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "kwcore/object/CKWTypeSystem.h"
+#include "kwcore/object/IKWObject.h"
 
 // The repository that the kit's own types are collected into.
 inline constexpr const char* kKWTestRepositoryID = "{B1D3E5F7-0A2C-4E6B-8D1F-3A5C7E9B1D2F}";
