@@ -21,7 +21,9 @@ protected:
         ReleaseAllGraphObjects();
         EXPECT_EQ(LiveGraphObjects(), 0);
     }
-    CKWGraphEdge* NewEdge() { return NewObject<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType()); }
+    CKWGraphEdge* NewEdge() {
+        return KWTestCreate<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType());
+    }
 
     CKWGraphNode* m_a = nullptr;
     CKWGraphNode* m_b = nullptr;

@@ -13,16 +13,13 @@
 #include "kwcore/Config.h"
 
 #if KWCORE_HAS_XML
-#include <cstdio>
-
-#include "kwcore/serial/CKWDocument.h"
-#include "kwcore/serial/xml/CKWXMLFileArchive.h"
+#include "CTempFolder.h"
+#include "XmlArchiveFiles.h"
 #endif
 
 namespace {
 
 const CKWGuid kBase(KW_BASE_OBSERVATION_TYPE_ID);
-constexpr const char* kObjectImplTypeID = "{3719246B-C3B0-4AE9-9723-6E998C42484A}";
 
 TEST(FrameworkTypes, AreRegisteredUnderTheirNamesAndParents) {
     const char* kObservable = "{D265DD01-767A-4ACB-BCF6-02720CB234E1}";
@@ -66,9 +63,10 @@ TEST(FrameworkTypes, AreRegisteredUnderTheirNamesAndParents) {
 class ModelTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_pModel = Make<CKWModelVoid>(CKWModelVoid::GetCKWModelVoidType());
-        m_pView = Make<CRecordingView>(CRecordingView::GetCRecordingViewType());
-        m_pObserver = Make<CRecordingObserver>(CRecordingObserver::GetCRecordingObserverType());
+        m_pModel = KWTestCreate<CKWModelVoid>(CKWModelVoid::GetCKWModelVoidType());
+        m_pView = KWTestCreate<CRecordingView>(CRecordingView::GetCRecordingViewType());
+        m_pObserver =
+            KWTestCreate<CRecordingObserver>(CRecordingObserver::GetCRecordingObserverType());
         ASSERT_TRUE(m_pModel && m_pView && m_pObserver);
     }
     void TearDown() override {
@@ -86,8 +84,8 @@ TEST_F(ModelTest, ViewsReceiveEveryObservationAndAreFoundAndRemovedByID) {
     EXPECT_EQ(m_pModel->AddView(m_pView), 1);
     EXPECT_EQ(m_pModel->AddView(m_pView), 0);
     EXPECT_EQ(m_pModel->AddView(nullptr), 0);
-    auto* derived = Make<CObservationC>(CObservationC::GetCObservationCType());
-    auto* plain = Make<CKWObservation>(CKWObservation::GetCKWObservationType());
+    auto* derived = KWTestCreate<CObservationC>(CObservationC::GetCObservationCType());
+    auto* plain = KWTestCreate<CKWObservation>(CKWObservation::GetCKWObservationType());
     m_pModel->NotifyObservers(derived);
     m_pModel->NotifyObservers(plain);
     EXPECT_EQ(m_pView->m_received, (std::vector<CKWObservation*>{derived, plain}));
@@ -117,22 +115,15 @@ TEST_F(ModelTest, IsSerializableThroughItsAdaptor) {
 
 #if KWCORE_HAS_XML
 TEST_F(ModelTest, SavesToAnArchiveAndLoadsBackUnderItsID) {
-    const std::string file = ::testing::TempDir() + "framework-model.xml";
-    auto* archive = static_cast<CKWXMLFileArchive*>(
-        CKWXMLFileArchive::GetCKWXMLFileArchiveType()->CreateInstance(CKWGuid()));
-    archive->SetFile(file.c_str());
-    ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
-    EXPECT_EQ(m_pModel->SerializeTo(archive->CreateNewDocument(CKWGuid(), nullptr)), 1);
-    ASSERT_TRUE(archive->Close());
-
+    const CTempFolder folder("kwcore-model-");
+    const std::filesystem::path file = folder.GetPath() / "model.xml";
+    ASSERT_EQ(SaveXmlFile(file, m_pModel), 1);
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(file);
     ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
-    CKWDocument* document = archive->GetDocumentIterator().GetNext(1);
-    ASSERT_NE(document, nullptr);
-    IKWObject* loaded = document->GetObjectA(CKWModelVoid::GetCKWModelVoidType()->GetID(),
-                                             m_pModel->GetInstanceID());
+    ASSERT_NE(FirstXmlDocument(archive.get()), nullptr);
+    IKWObject* loaded = LoadFromFirstDocument(
+        archive.get(), CKWModelVoid::GetCKWModelVoidType()->GetID(), m_pModel->GetInstanceID());
     archive->Close();
-    archive->Release();
-    std::remove(file.c_str());
     ASSERT_NE(loaded, nullptr);
     EXPECT_NE(loaded, static_cast<IKWObject*>(m_pModel));
     EXPECT_NE(dynamic_cast<CKWModelVoid*>(loaded), nullptr);

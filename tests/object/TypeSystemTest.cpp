@@ -6,13 +6,12 @@
 #include <string>
 #include <vector>
 
+#include "KWTestObjects.h"
 #include "TestTypes.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/platform/CKWTrace.h"
 
 namespace {
-
-const CKWGuid kObjectImplTypeID("{3719246B-C3B0-4AE9-9723-6E998C42484A}");
 
 std::vector<std::string> CollectNames(std::list<IKWObjectType*> types) {
     std::vector<std::string> names;

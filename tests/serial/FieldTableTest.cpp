@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr const char* kObjectImplTypeID = "{3719246B-C3B0-4AE9-9723-6E998C42484A}";
-
 TEST(SerialTypes, LibraryAndHostTypesAreRegisteredWithTheirParents) {
     struct Row {
         const char* typeID;

@@ -1,7 +1,5 @@
 #include "CSamplePart.h"
 
-#include "KWTestObjects.h"
-
 KW_IMPLEMENT_SERIAL_TYPE(CSamplePart, kSamplePartTypeID, kSerialObjectTypeID)
 KW_BEGIN_FIELDS(CSamplePart)
 KW_FIELD(m_Name, kNameFieldID, kTextTypeID, KW_FIELD_LOAD_SAVE)

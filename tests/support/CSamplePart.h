@@ -10,10 +10,10 @@
 
 #include <vector>
 
+#include "KWTestObjects.h"
 #include "kwcore/serial/CKWSerialObject.h"
 
 // Texts, not CKWGuid values: type objects are made before other statics.
-inline constexpr const char* kSerialObjectTypeID = "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}";
 inline constexpr const char* kSamplePartTypeID = "{6A1F0C3E-2B7D-4E59-A1C4-7D3E9B2F5A10}";
 inline constexpr const char* kSampleAssemblyTypeID = "{5C0F2E7A-93B1-4D68-A2E5-8B7C1F4D0A39}";
 

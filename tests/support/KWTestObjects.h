@@ -7,6 +7,10 @@
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/object/IKWObject.h"
 
+// The library's root types.
+inline constexpr const char* kObjectImplTypeID = "{3719246B-C3B0-4AE9-9723-6E998C42484A}";
+inline constexpr const char* kSerialObjectTypeID = "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}";
+
 // The repository that the kit's own types are collected into.
 inline constexpr const char* kKWTestRepositoryID = "{B1D3E5F7-0A2C-4E6B-8D1F-3A5C7E9B1D2F}";
 

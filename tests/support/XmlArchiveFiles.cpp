@@ -18,7 +18,7 @@ int SaveXmlFile(const std::filesystem::path& file, const std::function<int(CKWDo
     return archive->Close() && saved ? 1 : 0;
 }
 
-int SaveXmlFile(const std::filesystem::path& file, CKWSerialObject* root,
+int SaveXmlFile(const std::filesystem::path& file, IKWSerializableAdaptor* root,
                 const CKWGuid& documentID) {
     return SaveXmlFile(
         file, [root](CKWDocument* document) { return root->SerializeTo(document); }, documentID);

@@ -12,7 +12,7 @@
 #include <string>
 
 #include "KWTestObjects.h"
-#include "kwcore/serial/CKWSerialObject.h"
+#include "kwcore/serial/IKWSerializableAdaptor.h"
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
 #include "kwcore/serial/xml/CKWXMLFileDocument.h"
 
@@ -24,7 +24,7 @@ KWOwned<CKWXMLFileArchive> NewXmlArchive(const std::filesystem::path& file);
 int SaveXmlFile(const std::filesystem::path& file, const std::function<int(CKWDocument*)>& save,
                 const CKWGuid& documentID = CKWGuid());
 // Saves the graph reachable from root.
-int SaveXmlFile(const std::filesystem::path& file, CKWSerialObject* root,
+int SaveXmlFile(const std::filesystem::path& file, IKWSerializableAdaptor* root,
                 const CKWGuid& documentID = CKWGuid());
 
 // The archive's first document, or null.
