@@ -7,16 +7,8 @@
 
 namespace {
 
-template <class Iterator>
-std::vector<CKWGraphNode*> Nodes(Iterator it) {
-    std::vector<CKWGraphNode*> nodes;
-    for (CKWGraphNode* n = it.GetNext(1); n; n = it.GetNext(0)) {
-        nodes.push_back(n);
-    }
-    return nodes;
-}
 std::vector<CKWGraphNode*> Recorded(const CKWDFSVisitor* visitor) {
-    return Nodes(visitor->GetDFSNodeIterator());
+    return ElementsOf(visitor->GetDFSNodeIterator());
 }
 
 class Visitors : public ::testing::Test {
@@ -60,7 +52,7 @@ TEST_F(Visitors, TheWalkGoesDeepFirstAndTakesEdgesInListOrder) {
               (std::vector<CKWGraphNode*>{m_n[0], m_n[1], m_n[3], m_n[4], m_n[2], m_n[5]}));
     EXPECT_EQ(Walk(m_n[5]),
               (std::vector<CKWGraphNode*>{m_n[5], m_n[2], m_n[0], m_n[1], m_n[3], m_n[4]}));
-    EXPECT_EQ(Nodes(m_dfs->GetDFSNodeReverseIterator()),
+    EXPECT_EQ(ElementsOf(m_dfs->GetDFSNodeReverseIterator()),
               (std::vector<CKWGraphNode*>{m_n[4], m_n[3], m_n[1], m_n[0], m_n[2], m_n[5]}));
     EXPECT_EQ(m_dfs->GetDFSNodeCollection()->GetCount(), 6);
 }

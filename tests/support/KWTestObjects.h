@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <vector>
 
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/object/IKWObject.h"
@@ -18,6 +19,16 @@ inline constexpr const char* kKWTestRepositoryID = "{B1D3E5F7-0A2C-4E6B-8D1F-3A5
 template <class T>
 T* KWTestCreate(IKWObjectType* type, const CKWGuid& id = CKWGuid()) {
     return dynamic_cast<T*>(type->CreateInstance(id));
+}
+
+// Everything a collection's iterator gives from the first element on.
+template <class Iterator>
+auto ElementsOf(Iterator iterator) {
+    std::vector<decltype(iterator.GetNext(1))> elements;
+    for (auto element = iterator.GetNext(1); element; element = iterator.GetNext(0)) {
+        elements.push_back(element);
+    }
+    return elements;
 }
 
 struct SReleaseObject {

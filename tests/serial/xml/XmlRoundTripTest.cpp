@@ -27,13 +27,8 @@ SSavedGraph SaveCycle(const std::filesystem::path& file) {
     return ids;
 }
 
-std::vector<CSamplePart*> Links(const CSamplePart* node) {
-    std::vector<CSamplePart*> links;
-    auto it = node->m_Links.GetIterator();
-    for (CSamplePart* link = it.GetNext(1); link; link = it.GetNext(0)) {
-        links.push_back(link);
-    }
-    return links;
+std::vector<CSamplePart*> Links(const CSamplePart* part) {
+    return ElementsOf(part->m_Links.GetIterator());
 }
 
 // The text of one saved and reloaded name.
