@@ -7,32 +7,19 @@
 
 #include "CSamplePart.h"
 #include "KWTestObjects.h"
+#include "LibraryTypes.h"
 #include "kwcore/serial/CKWFieldStream.h"
 
 namespace {
 
 TEST(SerialTypes, LibraryAndHostTypesAreRegisteredWithTheirParents) {
-    struct Row {
-        const char* typeID;
-        const char* name;
-        const char* parentID;
-        int abstract;
-    };
-    const Row rows[] = {
-        {"{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}", "CKWSerialObject", kObjectImplTypeID, 0},
+    ASSERT_NO_FATAL_FAILURE(ExpectLibraryTypes({
+        {kSerialObjectTypeID, "CKWSerialObject", kObjectImplTypeID, 0},
         {"{5493CC7D-6A62-4A33-B7D1-1DDBD2FB7EA4}", "CKWArchive", kObjectImplTypeID, 0},
         {"{4F87AD20-AE52-43A7-882C-599156B30828}", "CKWDocument", kObjectImplTypeID, 0},
         {"{3F68C1C9-F7A2-4E46-BEA7-64ED4D22827D}", "CKWFieldStream", kObjectImplTypeID, 1},
         {"{D13AE1B6-424A-436C-91C7-982A72F0B631}", "CKWTypeManifest", kObjectImplTypeID, 0},
-    };
-    for (const Row& row : rows) {
-        IKWObjectType* type = CKWTypeSystem::FindType(CKWGuid(row.typeID));
-        ASSERT_NE(type, nullptr) << row.name;
-        EXPECT_EQ(std::string(type->GetName()), row.name);
-        EXPECT_EQ(type->GetParentType(), CKWTypeSystem::FindType(row.parentID)) << row.name;
-        EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
-        EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID));
-    }
+    }));
     EXPECT_EQ(CKWFieldStream::GetCKWFieldStreamType()->CreateInstance(CKWGuid()), nullptr);
     IKWObjectType* assembly = CKWTypeSystem::FindType(kSampleAssemblyTypeID);
     ASSERT_EQ(assembly, CSampleAssembly::GetCSampleAssemblyType());
