@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "CTempFolder.h"
+#include "GraphBuilders.h"
 #include "XmlArchiveFiles.h"
 #include "kwcore/framework/CKWDFSVisitor.h"
 #include "kwcore/framework/CKWGraphEdge.h"
@@ -54,13 +55,10 @@ Edges RandomSparseGraph(int n) {
 std::vector<CKWGraphNode*> BuildGraph(int n, const Edges& edges) {
     std::vector<CKWGraphNode*> nodes(n);
     for (CKWGraphNode*& node : nodes) {
-        node = KWTestCreate<CKWGraphNode>(CKWGraphNode::GetCKWGraphNodeType());
+        node = NewNode();
     }
     for (const auto& [a, b] : edges) {
-        auto* edge = KWTestCreate<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType());
-        if (!edge->SetNodes(nodes[a], nodes[b]) || !edge->Connect()) {
-            edge->Release();
-        }
+        Join(nodes[a], nodes[b]);
     }
     return nodes;
 }

@@ -11,14 +11,8 @@ namespace {
 constexpr int kChainLength = 1000000 / kKWTestScale;
 
 TEST(DeepGraph, AMillionNodeChainIsWalkedInOrderAndReleased) {
-    std::vector<CKWGraphNode*> chain(kChainLength);
-    for (CKWGraphNode*& node : chain) {
-        node = NewNode();
-        ASSERT_NE(node, nullptr);
-    }
-    for (int i = 1; i < kChainLength; ++i) {
-        ASSERT_NE(Join(chain[i - 1], chain[i]), nullptr);
-    }
+    const std::vector<CKWGraphNode*> chain = NewChain(kChainLength);
+    ASSERT_EQ(chain.size(), static_cast<std::size_t>(kChainLength));
     auto* recorder = KWTestCreate<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
     ASSERT_EQ(recorder->Start(chain[0]), 1);
     EXPECT_EQ(recorder->m_calls, chain);

@@ -40,22 +40,6 @@ int CRecordingVisitor::AddToDFSList(CKWGraphNode* node) {
     return CKWDFSVisitor::AddToDFSList(node);
 }
 
-CKWGraphNode* NewNode() {
-    return KWTestCreate<CKWGraphNode>(CKWGraphNode::GetCKWGraphNodeType());
-}
-
-CKWGraphEdge* Join(CKWGraphNode* primary, CKWGraphNode* secondary, IKWObjectType* edgeType) {
-    auto* edge =
-        KWTestCreate<CKWGraphEdge>(edgeType ? edgeType : CKWGraphEdge::GetCKWGraphEdgeType());
-    if (edge && edge->SetNodes(primary, secondary) && edge->Connect()) {
-        return edge;
-    }
-    if (edge) {
-        edge->Release();
-    }
-    return nullptr;
-}
-
 namespace {
 IKWObjectType* const kGraphTypes[] = {CKWGraphEdge::GetCKWGraphEdgeType(),
                                       COneWayEdge::GetCOneWayEdgeType(),

@@ -4,10 +4,9 @@
 
 #include <vector>
 
+#include "GraphBuilders.h"
 #include "KWTestScale.h"
 #include "MemArchiveTest.h"
-#include "kwcore/framework/CKWGraphEdge.h"
-#include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
 
 namespace {
@@ -61,15 +60,11 @@ TEST_F(DeepGraph, ARingOfLinkedPartsIsSavedAndLoadedInRecursiveOrder) {
 }
 
 TEST_F(DeepGraph, AMillionNodeChainIsSavedLoadedWholeAndReleased) {
-    std::vector<CKWGraphNode*> chain(kChainLength);
-    std::vector<CKWGuid> nodeIDs(kChainLength);
-    for (int i = 0; i < kChainLength; ++i) {
-        chain[i] = KWTestCreate<CKWGraphNode>(CKWGraphNode::GetCKWGraphNodeType());
-        nodeIDs[i] = chain[i]->GetInstanceID();
-        if (i > 0) {
-            auto* edge = KWTestCreate<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType());
-            ASSERT_TRUE(edge->SetNodes(chain[i - 1], chain[i]) && edge->Connect());
-        }
+    const std::vector<CKWGraphNode*> chain = NewChain(kChainLength);
+    ASSERT_EQ(chain.size(), static_cast<std::size_t>(kChainLength));
+    std::vector<CKWGuid> nodeIDs;
+    for (CKWGraphNode* node : chain) {
+        nodeIDs.push_back(node->GetInstanceID());
     }
     ASSERT_EQ(chain[kChainLength - 1]->SerializeTo(m_pDocument), 1);
     CKWGraphNode::GetCKWGraphNodeType()->ReleaseInstances();

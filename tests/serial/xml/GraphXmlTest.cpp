@@ -5,9 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "GraphBuilders.h"
 #include "XmlArchiveTest.h"
-#include "kwcore/framework/CKWGraphEdge.h"
-#include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/CKWPreferences.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
 
@@ -43,12 +42,11 @@ protected:
     // attached in an order unlike the IDs'.
     void Build() {
         for (CKWGraphNode*& node : m_nodes) {
-            node = KWTestCreate<CKWGraphNode>(NodeType());
+            node = NewNode();
         }
         const int pairs[][2] = {{0, 1}, {1, 2}, {2, 0}, {2, 3}, {4, 3}, {3, 4}};
         for (const auto& pair : pairs) {
-            auto* edge = KWTestCreate<CKWGraphEdge>(EdgeType());
-            ASSERT_TRUE(edge->SetNodes(m_nodes[pair[0]], m_nodes[pair[1]]) && edge->Connect());
+            ASSERT_NE(Join(m_nodes[pair[0]], m_nodes[pair[1]]), nullptr);
         }
     }
 
