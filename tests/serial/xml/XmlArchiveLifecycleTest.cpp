@@ -56,35 +56,35 @@ TEST_F(XmlArchiveLifecycle, ClosingAReadArchiveWritesNothingAndSaveIsRefused) {
 }
 
 TEST_F(XmlArchiveLifecycle, SecondObjectHeaderIsRefusedAndEmptyLinksGiveAnEmptyElement) {
-    CSamplePart* node = NewPart("one");
+    CSamplePart* part = NewPart("one");
     CSamplePart* other = NewPart("two");
     KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("header.xml"));
     ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
-    CKWFieldStream* stream = NewStream(archive.get(), node->GetInstanceID());
-    EXPECT_EQ(1, stream->WriteObjectHeader(node));
+    CKWFieldStream* stream = NewStream(archive.get(), part->GetInstanceID());
+    EXPECT_EQ(1, stream->WriteObjectHeader(part));
     EXPECT_EQ(0, stream->WriteObjectHeader(other));
-    EXPECT_EQ(0, stream->WriteObjectHeader(node));
+    EXPECT_EQ(0, stream->WriteObjectHeader(part));
     CKWObjPtrList<IKWObject> none;
     auto iterator = none.GetIterator();
-    EXPECT_EQ(1, stream->WriteLinks(node->GetFieldData(CKWGuid(kLinksFieldID)), &iterator));
+    EXPECT_EQ(1, stream->WriteLinks(part->GetFieldData(CKWGuid(kLinksFieldID)), &iterator));
     ASSERT_TRUE(archive->Close());
     const std::string text = ReadText(Path("header.xml"));
     EXPECT_EQ(1u, Count(text, "<" + ElementName(kLinksFieldID) + "/>"));
-    EXPECT_EQ(1u, Count(text, "<" + ElementName(node->GetInstanceID())));
+    EXPECT_EQ(1u, Count(text, "<" + ElementName(part->GetInstanceID())));
     EXPECT_EQ(0u, Count(text, "<" + ElementName(other->GetInstanceID())));
 }
 
 TEST_F(XmlArchiveLifecycle, StreamWritesNeedTheirParentElements) {
-    CSamplePart* node = NewPart("one");
+    CSamplePart* part = NewPart("one");
     KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("parents.xml"));
     ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
     CKWDocument* document = archive->CreateNewDocument(CKWGuid(), nullptr);
     CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr);
-    CKWFieldStream* stream = manifest->CreateFieldStream(node->GetInstanceID(), nullptr);
-    IKWFieldData* name = node->GetFieldData(CKWGuid(kNameFieldID));
-    EXPECT_EQ(0, stream->WriteObjectHeader(node));  // no type header yet
+    CKWFieldStream* stream = manifest->CreateFieldStream(part->GetInstanceID(), nullptr);
+    IKWFieldData* name = part->GetFieldData(CKWGuid(kNameFieldID));
+    EXPECT_EQ(0, stream->WriteObjectHeader(part));  // no type header yet
     EXPECT_EQ(0, stream->Write(name));              // no object element yet
-    EXPECT_EQ(0, stream->WriteLink(name, node));
+    EXPECT_EQ(0, stream->WriteLink(name, part));
     EXPECT_EQ(0, manifest->WriteTypeHeader(nullptr));
     EXPECT_TRUE(archive->Close());
 }

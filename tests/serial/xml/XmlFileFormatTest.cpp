@@ -8,46 +8,46 @@
 namespace {
 const char* const kDocumentID = "{EC130930-944F-4394-B58A-D252EB277FFD}";
 
-IKWFieldData* FieldData(CSamplePart* node, const char* fieldID) {
-    return node->GetFieldData(CKWGuid(fieldID));
+IKWFieldData* FieldData(CSamplePart* part, const char* fieldID) {
+    return part->GetFieldData(CKWGuid(fieldID));
 }
 
 // Writes one object through the stream operations: a value, a null link and
 // a collection of two links.
-void WriteOneObject(CKWXMLFileArchive* archive, CSamplePart* node, CSamplePart* first,
+void WriteOneObject(CKWXMLFileArchive* archive, CSamplePart* part, CSamplePart* first,
                     CSamplePart* second) {
     CKWDocument* document = archive->CreateNewDocument(CKWGuid(kDocumentID), nullptr);
     CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr);
     ASSERT_EQ(1, manifest->WriteTypeHeader(CSamplePart::GetCSamplePartType()));
-    CKWFieldStream* stream = manifest->CreateFieldStream(node->GetInstanceID(), nullptr);
-    ASSERT_EQ(1, stream->WriteObjectHeader(node));
-    ASSERT_EQ(1, stream->Write(FieldData(node, kNameFieldID)));
-    ASSERT_EQ(1, stream->WriteLink(FieldData(node, kLinkFieldID), nullptr));
+    CKWFieldStream* stream = manifest->CreateFieldStream(part->GetInstanceID(), nullptr);
+    ASSERT_EQ(1, stream->WriteObjectHeader(part));
+    ASSERT_EQ(1, stream->Write(FieldData(part, kNameFieldID)));
+    ASSERT_EQ(1, stream->WriteLink(FieldData(part, kLinkFieldID), nullptr));
     CKWObjPtrList<IKWObject> links;
     links.Add(first);
     links.Add(second);
     auto iterator = links.GetIterator();
-    ASSERT_EQ(1, stream->WriteLinks(FieldData(node, kLinksFieldID), &iterator));
+    ASSERT_EQ(1, stream->WriteLinks(FieldData(part, kLinksFieldID), &iterator));
 }
 
-std::string Link(CSamplePart* node) {
+std::string Link(CSamplePart* part) {
     return "<L T=\"" + Attribute64(CKWGuid(kSamplePartTypeID)) + "\" I=\"" +
-           Attribute64(node->GetInstanceID()) + "\"/>";
+           Attribute64(part->GetInstanceID()) + "\"/>";
 }
 }  // namespace
 
 using XmlFileFormat = XmlArchiveTest;
 
 TEST_F(XmlFileFormat, OneObjectGivesExactlyFourNestedLevels) {
-    CSamplePart* node = NewPart("root");
+    CSamplePart* part = NewPart("root");
     CSamplePart* first = NewPart("first");
     CSamplePart* second = NewPart("second");
     KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("one.xml"));
     ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
-    WriteOneObject(archive.get(), node, first, second);
+    WriteOneObject(archive.get(), part, first, second);
     ASSERT_TRUE(archive->Close());
 
-    const std::string object = ElementName(node->GetInstanceID());
+    const std::string object = ElementName(part->GetInstanceID());
     const std::string type = ElementName(kSamplePartTypeID);
     const std::string links = ElementName(kLinksFieldID);
     const std::string lines[] = {

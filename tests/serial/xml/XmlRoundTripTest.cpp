@@ -33,10 +33,10 @@ std::vector<CSamplePart*> Links(const CSamplePart* part) {
 
 // The text of one saved and reloaded name.
 CString RoundTripName(const std::filesystem::path& file, const CString& name) {
-    CSamplePart* node = NewPart("");
-    node->m_Name = name;
-    const CKWGuid id = node->GetInstanceID();
-    EXPECT_EQ(1, SaveXmlFile(file, node));
+    CSamplePart* part = NewPart("");
+    part->m_Name = name;
+    const CKWGuid id = part->GetInstanceID();
+    EXPECT_EQ(1, SaveXmlFile(file, part));
     ReleaseAllParts();
     KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(file);
     EXPECT_TRUE(archive->Open(CKWArchive::modeRead));
@@ -102,9 +102,9 @@ TEST_F(XmlRoundTrip, TextXmlCannotCarryFailsTheSaveAndTheFileStillLoads) {
     const CString unfit[] = {"bad \xFF\xFE UTF-8", "control \x01", CString("nul \0 inside", 13),
                              "U+FFFF \xEF\xBF\xBF"};
     for (const CString& text : unfit) {
-        CSamplePart* node = NewPart("");
-        node->m_Name = text;
-        EXPECT_EQ(0, SaveXmlFile(Path("bad.xml"), node));
+        CSamplePart* part = NewPart("");
+        part->m_Name = text;
+        EXPECT_EQ(0, SaveXmlFile(Path("bad.xml"), part));
         KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("bad.xml"));
         EXPECT_TRUE(archive->Open(CKWArchive::modeRead));
         EXPECT_TRUE(archive->Close());
