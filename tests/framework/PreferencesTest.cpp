@@ -14,8 +14,7 @@ namespace {
 class Preferences : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_set = dynamic_cast<CKWPreferences*>(
-            CKWPreferences::GetCKWPreferencesType()->CreateInstance(CKWGuid()));
+        m_set = KWTestCreate<CKWPreferences>(CKWPreferences::GetCKWPreferencesType());
         ASSERT_NE(m_set, nullptr);
     }
     void TearDown() override {
@@ -34,8 +33,8 @@ TEST_F(Preferences, ANewSectionIsNamedAndDescribedAPreferenceSection) {
     ASSERT_NE(section, nullptr);
     EXPECT_EQ(std::string(section->m_Name), "Display");
     EXPECT_EQ(std::string(section->m_Description), "A Preference Section");
-    auto* fresh = dynamic_cast<CKWPreferenceSection*>(
-        CKWPreferenceSection::GetCKWPreferenceSectionType()->CreateInstance(CKWGuid()));
+    auto* fresh =
+        KWTestCreate<CKWPreferenceSection>(CKWPreferenceSection::GetCKWPreferenceSectionType());
     ASSERT_NE(fresh, nullptr);
     IKWFieldData* name = fresh->GetFieldData(CKWGuid("{FCB6CEF7-3A8C-4CD8-A1F8-77DDCFF0C92E}"));
     IKWFieldData* text = fresh->GetFieldData(CKWGuid("{4BE98F65-D593-4411-8A56-F0E62A554F5C}"));

@@ -5,7 +5,6 @@
 #include <utility>
 #include <vector>
 
-#include "KWTestObjects.h"
 #include "TestTypes.h"
 #include "kwcore/object/CKWObjGuidPtrMap.h"
 #include "kwcore/object/CKWObjPtrList.h"
@@ -23,8 +22,8 @@ protected:
         }
     }
     CTestWidget* Make(const char* id = nullptr) {
-        auto* w = static_cast<CTestWidget*>(
-            CTestWidget::GetCTestWidgetType()->CreateInstance(id ? CKWGuid(id) : CKWGuid()));
+        auto* w = KWTestCreate<CTestWidget>(CTestWidget::GetCTestWidgetType(),
+                                            id ? CKWGuid(id) : CKWGuid());
         m_widgets.push_back(w);
         return w;
     }

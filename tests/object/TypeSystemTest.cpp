@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "KWTestObjects.h"
 #include "TestTypes.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/platform/CKWTrace.h"

@@ -79,13 +79,11 @@ TEST_F(XmlFileFormat, OneObjectGivesExactlyFourNestedLevels) {
 TEST_F(XmlFileFormat, SavedObjectsComeInSaveOrderWithFieldsInDeclarationOrder) {
     // IDs chosen so that sorting would put the linked object first.
     auto* type = CSamplePart::GetCSamplePartType();
-    auto* root =
-        dynamic_cast<CSamplePart*>(type->CreateInstance("{FFFFFFFF-0000-4000-8000-000000000001}"));
+    auto* root = KWTestCreate<CSamplePart>(type, "{FFFFFFFF-0000-4000-8000-000000000001}");
     root->m_Name = "root";
     root->m_iCount = -7;
     root->m_Tag = CKWGuid(kDocumentID);
-    root->m_pLink =
-        dynamic_cast<CSamplePart*>(type->CreateInstance("{00000001-0000-4000-8000-000000000001}"));
+    root->m_pLink = KWTestCreate<CSamplePart>(type, "{00000001-0000-4000-8000-000000000001}");
     ASSERT_EQ(1, SaveXmlFile(Path("graph.xml"), root));
 
     const std::string text = ReadText(Path("graph.xml"));
