@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "kwcore/object/CKWTypeSystem.h"
+#include "KWTestObjects.h"
 
 KW_IMPLEMENT_TYPE(CBenchWidget, "{2B8E4F61-7A3C-4D95-8E1F-0C6B5A4D3E21}",
                   "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
@@ -11,14 +11,11 @@ const std::vector<CBenchWidget*>& LiveWidgets(std::size_t n) {
     static std::map<std::size_t, std::vector<CBenchWidget*>> pools;
     std::vector<CBenchWidget*>& pool = pools[n];
     while (pool.size() < n) {
-        pool.push_back(static_cast<CBenchWidget*>(
-            CBenchWidget::GetCBenchWidgetType()->CreateInstance(CKWGuid())));
+        pool.push_back(KWTestCreate<CBenchWidget>(CBenchWidget::GetCBenchWidgetType()));
     }
     return pool;
 }
 
 namespace {
-struct CollectBenchTypes {
-    CollectBenchTypes() { CKWTypeSystem::Initialize(CKWGuid::CreateNewGUID()); }
-} s_collectBenchTypes;
+const SCollectTypes s_collectBenchTypes(CKWGuid::CreateNewGUID());
 }  // namespace

@@ -15,19 +15,19 @@
 #include <boost/graph/adjacency_list.hpp>
 #include <boost/graph/depth_first_search.hpp>
 
-#include <cstdio>
 #include <filesystem>
-#include <memory>
 #include <random>
+#include <string>
 #include <utility>
 #include <vector>
 
+#include "CTempFolder.h"
+#include "GraphBuilders.h"
+#include "XmlArchiveFiles.h"
 #include "kwcore/framework/CKWDFSVisitor.h"
 #include "kwcore/framework/CKWGraphEdge.h"
 #include "kwcore/framework/CKWGraphNode.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
-#include "kwcore/serial/CKWDocument.h"
-#include "kwcore/serial/xml/CKWXMLFileArchive.h"
 
 namespace {
 
@@ -51,28 +51,20 @@ Edges RandomSparseGraph(int n) {
     return edges;
 }
 
-template <class T>
-T* Make(IKWObjectType* type) {
-    return dynamic_cast<T*>(type->CreateInstance(CKWGuid()));
-}
-
 // The graph as nodes and edges of the library; node 0 first.
 std::vector<CKWGraphNode*> BuildGraph(int n, const Edges& edges) {
     std::vector<CKWGraphNode*> nodes(n);
     for (CKWGraphNode*& node : nodes) {
-        node = Make<CKWGraphNode>(CKWGraphNode::GetCKWGraphNodeType());
+        node = NewNode();
     }
     for (const auto& [a, b] : edges) {
-        auto* edge = Make<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType());
-        if (!edge->SetNodes(nodes[a], nodes[b]) || !edge->Connect()) {
-            edge->Release();
-        }
+        Join(nodes[a], nodes[b]);
     }
     return nodes;
 }
 
 void ReleaseGraph(CKWGraphNode* root) {
-    auto* releaser = Make<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    auto* releaser = KWTestCreate<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
     releaser->Start(root);
     releaser->Release();
 }
@@ -80,7 +72,7 @@ void ReleaseGraph(CKWGraphNode* root) {
 void KwDfs(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     std::vector<CKWGraphNode*> nodes = BuildGraph(n, RandomSparseGraph(n));
-    auto* dfs = Make<CKWDFSVisitor>(CKWDFSVisitor::GetCKWDFSVisitorType());
+    auto* dfs = KWTestCreate<CKWDFSVisitor>(CKWDFSVisitor::GetCKWDFSVisitorType());
     for (auto _ : state) {
         dfs->ClearDFSNodeList();
         dfs->Start(nodes[0]);
@@ -135,31 +127,19 @@ void KwBuildAndRelease(benchmark::State& state) {
         static_cast<double>(n + edges.size()), benchmark::Counter::kIsIterationInvariantRate);
 }
 
-struct ReleaseObject {
-    void operator()(IKWObject* object) const { object->Release(); }
-};
-using ArchivePtr = std::unique_ptr<CKWXMLFileArchive, ReleaseObject>;
-
-ArchivePtr NewArchive(const std::filesystem::path& file) {
-    ArchivePtr archive(Make<CKWXMLFileArchive>(CKWXMLFileArchive::GetCKWXMLFileArchiveType()));
-    archive->SetFile(file.string().c_str());
-    return archive;
-}
-
+// The run's files, in one folder removed at exit.
 std::filesystem::path BenchFile(int n) {
-    return std::filesystem::temp_directory_path() /
-           ("kwcore-graph-bench-" + std::to_string(n) + ".xml");
+    static const CTempFolder folder("kwcore-graph-bench-");
+    return folder.GetPath() / ("graph-" + std::to_string(n) + ".xml");
 }
 
 void KwXmlSave(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     const Edges edges = RandomSparseGraph(n);
     std::vector<CKWGraphNode*> nodes = BuildGraph(n, edges);
+    const std::filesystem::path file = BenchFile(n);
     for (auto _ : state) {
-        ArchivePtr archive = NewArchive(BenchFile(n));
-        archive->Open(CKWArchive::modeWrite);
-        CKWDocument* document = archive->CreateNewDocument(CKWGuid(), nullptr);
-        if (!nodes[0]->SerializeTo(document) || !archive->Close()) {
+        if (!SaveXmlFile(file, nodes[0])) {
             state.SkipWithError("the graph was not saved");
         }
     }
@@ -172,23 +152,19 @@ void KwXmlSave(benchmark::State& state) {
 void KwXmlLoad(benchmark::State& state) {
     const int n = static_cast<int>(state.range(0));
     const Edges edges = RandomSparseGraph(n);
+    const std::filesystem::path file = BenchFile(n);
     CKWGuid rootID;
     {
         std::vector<CKWGraphNode*> nodes = BuildGraph(n, edges);
         rootID = nodes[0]->GetInstanceID();
-        ArchivePtr archive = NewArchive(BenchFile(n));
-        archive->Open(CKWArchive::modeWrite);
-        nodes[0]->SerializeTo(archive->CreateNewDocument(CKWGuid(), nullptr));
-        archive->Close();
+        SaveXmlFile(file, nodes[0]);
         ReleaseGraph(nodes[0]);
     }
     for (auto _ : state) {
-        ArchivePtr archive = NewArchive(BenchFile(n));
+        KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(file);
         archive->Open(CKWArchive::modeRead);
-        CKWDocument* document = archive->GetDocumentIterator().GetNext(1);
-        auto* root = dynamic_cast<CKWGraphNode*>(
-            document ? document->GetObjectA(CKWGraphNode::GetCKWGraphNodeType()->GetID(), rootID)
-                     : nullptr);
+        auto* root = dynamic_cast<CKWGraphNode*>(LoadFromFirstDocument(
+            archive.get(), CKWGraphNode::GetCKWGraphNodeType()->GetID(), rootID));
         archive->Close();
         state.PauseTiming();
         if (!root || CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount() != n) {
@@ -202,8 +178,6 @@ void KwXmlLoad(benchmark::State& state) {
     }
     state.counters["objects_per_second"] = benchmark::Counter(
         static_cast<double>(n + edges.size()), benchmark::Counter::kIsIterationInvariantRate);
-    std::error_code ignored;
-    std::filesystem::remove(BenchFile(n), ignored);
 }
 
 }  // namespace

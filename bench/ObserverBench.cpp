@@ -8,8 +8,8 @@
 #include <boost/signals2.hpp>
 #include <vector>
 
+#include "KWTestObjects.h"
 #include "kwcore/framework/CKWObservable.h"
-#include "kwcore/object/CKWTypeSystem.h"
 
 namespace {
 
@@ -62,24 +62,17 @@ void CBenchObserver::OnUpdate(CKWObservation* observation) {
 
 namespace {
 
-struct CollectBenchTypes {
-    CollectBenchTypes() { CKWTypeSystem::Initialize(CKWGuid::CreateNewGUID()); }
-};
-CollectBenchTypes s_collectBenchTypes;
+const SCollectTypes s_collectBenchTypes(CKWGuid::CreateNewGUID());
 
 const CKWGuid kChain[3] = {CKWGuid(kBenchCTypeID), CKWGuid(kBenchBTypeID), CKWGuid(kBenchATypeID)};
-
-template <class T>
-T* Make(IKWObjectType* type) {
-    return static_cast<T*>(type->CreateInstance(CKWGuid()));
-}
 
 // n observers, the i-th registered under level i % 3 of the chain, or all in
 // one signal's slots: the same OnUpdate calls in the same number.
 struct Audience {
     explicit Audience(int n) {
         for (int i = 0; i < n; ++i) {
-            observers.push_back(Make<CBenchObserver>(CBenchObserver::GetCBenchObserverType()));
+            observers.push_back(
+                KWTestCreate<CBenchObserver>(CBenchObserver::GetCBenchObserverType()));
         }
     }
     ~Audience() {
@@ -106,11 +99,12 @@ void ReportCalls(benchmark::State& state, long received) {
 // One observation, kept by the publisher (auto-release off), published over and over.
 void BM_KWPublish(benchmark::State& state) {
     Audience audience(static_cast<int>(state.range(0)));
-    auto* subject = Make<CKWObservable>(CKWObservable::GetCKWObservableType());
+    auto* subject = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
     for (std::size_t i = 0; i < audience.observers.size(); ++i) {
         subject->AddObserver(audience.observers[i], kChain[i % 3]);
     }
-    auto* observation = Make<CBenchObservationC>(CBenchObservationC::GetCBenchObservationCType());
+    auto* observation =
+        KWTestCreate<CBenchObservationC>(CBenchObservationC::GetCBenchObservationCType());
     observation->SetAutoRelease(0);
     for (auto _ : state) {
         subject->NotifyObservers(observation);
@@ -124,7 +118,7 @@ BENCHMARK(BM_KWPublish)->Arg(1)->Arg(10)->Arg(100);
 // A new observation per publication, made through its type and auto-released.
 void BM_KWPublishNew(benchmark::State& state) {
     Audience audience(static_cast<int>(state.range(0)));
-    auto* subject = Make<CKWObservable>(CKWObservable::GetCKWObservableType());
+    auto* subject = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
     for (std::size_t i = 0; i < audience.observers.size(); ++i) {
         subject->AddObserver(audience.observers[i], kChain[i % 3]);
     }
@@ -144,7 +138,8 @@ void BM_Signals2Publish(benchmark::State& state) {
     for (CBenchObserver* observer : audience.observers) {
         signal.connect([observer](CKWObservation* o) { observer->OnUpdate(o); });
     }
-    auto* observation = Make<CBenchObservationC>(CBenchObservationC::GetCBenchObservationCType());
+    auto* observation =
+        KWTestCreate<CBenchObservationC>(CBenchObservationC::GetCBenchObservationCType());
     observation->SetAutoRelease(0);
     for (auto _ : state) {
         signal(observation);
@@ -159,10 +154,11 @@ void BM_KWReentrant(benchmark::State& state) {
     const int length = static_cast<int>(state.range(0));
     Audience audience(1);
     CBenchObserver* relay = audience.observers.front();
-    auto* subject = Make<CKWObservable>(CKWObservable::GetCKWObservableType());
+    auto* subject = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
     subject->AddObserver(relay, CKWGuid(kBenchCTypeID));
     relay->m_pRelay = subject;
-    auto* observation = Make<CBenchObservationC>(CBenchObservationC::GetCBenchObservationCType());
+    auto* observation =
+        KWTestCreate<CBenchObservationC>(CBenchObservationC::GetCBenchObservationCType());
     observation->SetAutoRelease(0);
     for (auto _ : state) {
         relay->m_iRaiseLeft = length - 1;
@@ -182,7 +178,8 @@ void BM_Signals2Reentrant(benchmark::State& state) {
     boost::signals2::signal<void(CKWObservation*)> signal;
     signal.connect([relay](CKWObservation* o) { relay->OnUpdate(o); });
     relay->m_pRelaySignal = &signal;
-    auto* observation = Make<CBenchObservationC>(CBenchObservationC::GetCBenchObservationCType());
+    auto* observation =
+        KWTestCreate<CBenchObservationC>(CBenchObservationC::GetCBenchObservationCType());
     observation->SetAutoRelease(0);
     for (auto _ : state) {
         relay->m_iRaiseLeft = length - 1;

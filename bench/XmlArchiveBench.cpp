@@ -34,43 +34,11 @@
 #include <string>
 #include <vector>
 
-#include "kwcore/object/CKWObjPtrList.h"
-#include "kwcore/object/CKWTypeSystem.h"
-#include "kwcore/serial/CKWDocument.h"
-#include "kwcore/serial/CKWSerialObject.h"
-#include "kwcore/serial/xml/CKWXMLFileArchive.h"
+#include "CSamplePart.h"
+#include "CTempFolder.h"
+#include "XmlArchiveFiles.h"
 
 namespace fs = std::filesystem;
-
-class CBenchNode : public CKWSerialObject {
-    KW_DECLARE_SERIAL_TYPE(CBenchNode)
-
-public:
-    CString m_Name;
-    int m_iCount = 0;
-    CKWGuid m_Tag;
-    CBenchNode* m_pPrevious = nullptr;
-    CKWObjPtrList<CBenchNode> m_Others;
-
-protected:
-    CBenchNode() = default;
-};
-
-#define KW_BENCH_NODE_TYPE_ID "{5C0E8A31-7D42-4B96-A1E3-2F9B6C4D8E17}"
-KW_IMPLEMENT_SERIAL_TYPE(CBenchNode, KW_BENCH_NODE_TYPE_ID,
-                         "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}")
-KW_BEGIN_FIELDS(CBenchNode)
-KW_FIELD(m_Name, "{6D1F9B42-8E53-4CA7-B2F4-3A0C7D5E9F28}", "{0C2E4048-BFD1-4316-9CCE-EF018DAECFD2}",
-         KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_iCount, "{7E20AC53-9F64-4DB8-83A5-4B1D8E6FA039}",
-         "{1D3F5159-C0E2-4427-8DDF-F0129EBFD0E3}", KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_Tag, "{8F31BD64-A075-4EC9-94B6-5C2E9F7AB14A}", "{2E40626A-D1F3-4538-9EE0-0123AFC0E1F4}",
-         KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_pPrevious, "{9042CE75-B186-4FDA-A5C7-6D3FA08BC25B}", KW_BENCH_NODE_TYPE_ID,
-         KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_Others, "{A153DF86-C297-40EB-B6D8-7E40B19CD36C}", KW_BENCH_NODE_TYPE_ID,
-         KW_FIELD_LOAD_SAVE)
-KW_END_FIELDS()
 
 struct BoostNode {
     std::string name;
@@ -90,27 +58,10 @@ BOOST_CLASS_TRACKING(BoostNode, boost::serialization::track_always)
 
 namespace {
 
-struct CollectBenchTypes {
-    CollectBenchTypes() { CKWTypeSystem::Initialize(CKWGuid::CreateNewGUID()); }
-} s_collectBenchTypes;
-
-// One folder for the run's files, removed at exit.
-struct BenchFolder {
-    BenchFolder()
-        : path(fs::temp_directory_path() /
-               ("kwcore-xml-bench-" + CKWGuid::CreateNewGUID().GetCStringXML64().GetStdString())) {
-        fs::create_directories(path);
-    }
-    ~BenchFolder() {
-        std::error_code ignored;
-        fs::remove_all(path, ignored);
-    }
-    fs::path path;
-};
-
+// The run's files, in one folder removed at exit.
 fs::path BenchFile(const std::string& name) {
-    static BenchFolder folder;
-    return folder.path / name;
+    static const CTempFolder folder("kwcore-xml-bench-");
+    return folder.GetPath() / name;
 }
 
 // The shape both sides build: node i's values and the nodes it links to.
@@ -173,70 +124,92 @@ void ReportRun(benchmark::State& state, const fs::path& file) {
     state.counters["file_bytes"] = static_cast<double>(fs::file_size(file));
 }
 
-// kwcore side.
-
-CKWGuid NodeTypeID() {
-    return CKWGuid(KW_BENCH_NODE_TYPE_ID);
+// Times save(nodes) into the file; nodes are made before and freed after.
+template <class Nodes, class Save, class Free>
+void MeasureSaves(benchmark::State& state, const fs::path& file, const Nodes& nodes, Save save,
+                  Free free) {
+    const PeakMemory memory;
+    for (auto _ : state) {
+        if (!save(file, nodes)) {
+            state.SkipWithError("save failed");
+            break;
+        }
+    }
+    memory.Report(state);
+    ReportRun(state, file);
+    free(nodes);
 }
 
-std::vector<CBenchNode*> MakeKWGraph(const std::vector<NodeShape>& shapes) {
-    std::vector<CBenchNode*> nodes;
+// Times load() of the file; checking and freeing what it gave are not timed.
+template <class Load, class Free>
+void MeasureLoads(benchmark::State& state, const fs::path& file, Load load, Free free) {
+    const PeakMemory memory;
+    for (auto _ : state) {
+        const auto loaded = load();
+        state.PauseTiming();
+        const bool complete = loaded.size() == static_cast<std::size_t>(state.range(0));
+        free(loaded);
+        state.ResumeTiming();
+        if (!complete) {
+            state.SkipWithError("load incomplete");
+            break;
+        }
+    }
+    memory.Report(state);
+    ReportRun(state, file);
+}
+
+// kwcore side.
+
+std::vector<CSamplePart*> MakeKWGraph(const std::vector<NodeShape>& shapes) {
+    std::vector<CSamplePart*> nodes;
     for (const NodeShape& shape : shapes) {
-        auto* node =
-            static_cast<CBenchNode*>(CBenchNode::GetCBenchNodeType()->CreateInstance(CKWGuid()));
+        auto* node = KWTestCreate<CSamplePart>(CSamplePart::GetCSamplePartType());
         node->m_Name = shape.name.c_str();
         node->m_iCount = shape.count;
         GUID tag;
         std::memcpy(&tag, shape.tag, sizeof tag);
         node->m_Tag = tag;
-        node->m_pPrevious = nodes.empty() ? nullptr : nodes.back();
+        node->m_pLink = nodes.empty() ? nullptr : nodes.back();
         for (std::size_t other : shape.others) {
-            node->m_Others.Add(nodes[other]);
+            node->m_Links.Add(nodes[other]);
         }
         nodes.push_back(node);
     }
     return nodes;
 }
 
-void ReleaseKWGraph(const std::vector<CBenchNode*>& nodes) {
-    for (CBenchNode* node : nodes) {
-        node->Release();
+template <class Object>
+void ReleaseKWObjects(const std::vector<Object*>& objects) {
+    for (Object* object : objects) {
+        object->Release();
     }
 }
 
-CKWXMLFileArchive* NewArchive(const fs::path& file) {
-    auto* archive = static_cast<CKWXMLFileArchive*>(
-        CKWXMLFileArchive::GetCKWXMLFileArchiveType()->CreateInstance(CKWGuid()));
-    archive->SetFile(file.string().c_str());
-    return archive;
-}
-
-bool SaveKWGraph(const fs::path& file, const std::vector<CBenchNode*>& nodes) {
-    CKWXMLFileArchive* archive = NewArchive(file);
-    bool saved = archive->Open(CKWArchive::modeWrite);
-    CKWDocument* document = saved ? archive->CreateNewDocument(CKWGuid(), nullptr) : nullptr;
-    saved = saved && document;
-    for (std::size_t i = 0; saved && i < nodes.size(); ++i) {
-        saved = nodes[i]->SerializeTo(document) != 0;
-    }
-    saved = archive->Close() && saved;
-    archive->Release();
-    return saved;
+bool SaveKWGraph(const fs::path& file, const std::vector<CSamplePart*>& nodes) {
+    return SaveXmlFile(file, [&nodes](CKWDocument* document) {
+        for (CSamplePart* node : nodes) {
+            if (!node->SerializeTo(document)) {
+                return 0;
+            }
+        }
+        return 1;
+    });
 }
 
 std::vector<IKWObject*> LoadKWGraph(const fs::path& file, const std::vector<CKWGuid>& ids) {
     std::vector<IKWObject*> loaded;
-    CKWXMLFileArchive* archive = NewArchive(file);
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(file);
     if (archive->Open(CKWArchive::modeRead)) {
-        CKWDocument* document = archive->GetDocumentIterator().GetNext(1);
+        const CKWGuid typeID(kSamplePartTypeID);
+        CKWDocument* document = FirstXmlDocument(archive.get());
         for (std::size_t i = 0; document && i < ids.size(); ++i) {
-            if (IKWObject* object = document->GetObjectA(NodeTypeID(), ids[i])) {
+            if (IKWObject* object = document->GetObjectA(typeID, ids[i])) {
                 loaded.push_back(object);
             }
         }
     }
     archive->Close();
-    archive->Release();
     return loaded;
 }
 
@@ -250,51 +223,28 @@ const KWSavedGraph& SavedKWGraph(std::size_t n) {
     static std::map<std::size_t, KWSavedGraph> saved;
     KWSavedGraph& graph = saved[n];
     if (graph.ids.empty()) {
-        const std::vector<CBenchNode*> nodes = MakeKWGraph(MakeShapes(n));
+        const std::vector<CSamplePart*> nodes = MakeKWGraph(MakeShapes(n));
         graph.file = BenchFile("kwcore-load-" + std::to_string(n) + ".xml");
         SaveKWGraph(graph.file, nodes);
-        for (CBenchNode* node : nodes) {
+        for (CSamplePart* node : nodes) {
             graph.ids.push_back(node->GetInstanceID());
         }
-        ReleaseKWGraph(nodes);
+        ReleaseKWObjects(nodes);
     }
     return graph;
 }
 
 void BM_SaveKWCore(benchmark::State& state) {
-    const std::vector<CBenchNode*> nodes =
-        MakeKWGraph(MakeShapes(static_cast<std::size_t>(state.range(0))));
-    const fs::path file = BenchFile("kwcore-save.xml");
-    const PeakMemory memory;
-    for (auto _ : state) {
-        if (!SaveKWGraph(file, nodes)) {
-            state.SkipWithError("save failed");
-            break;
-        }
-    }
-    memory.Report(state);
-    ReportRun(state, file);
-    ReleaseKWGraph(nodes);
+    MeasureSaves(state, BenchFile("kwcore-save.xml"),
+                 MakeKWGraph(MakeShapes(static_cast<std::size_t>(state.range(0)))), SaveKWGraph,
+                 ReleaseKWObjects<CSamplePart>);
 }
 
 void BM_LoadKWCore(benchmark::State& state) {
     const KWSavedGraph& graph = SavedKWGraph(static_cast<std::size_t>(state.range(0)));
-    const PeakMemory memory;
-    for (auto _ : state) {
-        const std::vector<IKWObject*> loaded = LoadKWGraph(graph.file, graph.ids);
-        state.PauseTiming();
-        const bool complete = loaded.size() == graph.ids.size();
-        for (IKWObject* object : loaded) {
-            object->Release();
-        }
-        state.ResumeTiming();
-        if (!complete) {
-            state.SkipWithError("load incomplete");
-            break;
-        }
-    }
-    memory.Report(state);
-    ReportRun(state, graph.file);
+    MeasureLoads(
+        state, graph.file, [&graph] { return LoadKWGraph(graph.file, graph.ids); },
+        ReleaseKWObjects<IKWObject>);
 }
 
 // Boost side.
@@ -321,10 +271,11 @@ void DeleteBoostGraph(const std::vector<BoostNode*>& nodes) {
     }
 }
 
-void SaveBoostGraph(const fs::path& file, const std::vector<BoostNode*>& nodes) {
+bool SaveBoostGraph(const fs::path& file, const std::vector<BoostNode*>& nodes) {
     std::ofstream out(file);
     boost::archive::xml_oarchive archive(out);
     archive << boost::serialization::make_nvp("nodes", nodes);
+    return true;
 }
 
 std::vector<BoostNode*> LoadBoostGraph(const fs::path& file) {
@@ -348,34 +299,15 @@ const fs::path& SavedBoostGraph(std::size_t n) {
 }
 
 void BM_SaveBoost(benchmark::State& state) {
-    const std::vector<BoostNode*> nodes =
-        MakeBoostGraph(MakeShapes(static_cast<std::size_t>(state.range(0))));
-    const fs::path file = BenchFile("boost-save.xml");
-    const PeakMemory memory;
-    for (auto _ : state) {
-        SaveBoostGraph(file, nodes);
-    }
-    memory.Report(state);
-    ReportRun(state, file);
-    DeleteBoostGraph(nodes);
+    MeasureSaves(state, BenchFile("boost-save.xml"),
+                 MakeBoostGraph(MakeShapes(static_cast<std::size_t>(state.range(0)))),
+                 SaveBoostGraph, DeleteBoostGraph);
 }
 
 void BM_LoadBoost(benchmark::State& state) {
     const fs::path& file = SavedBoostGraph(static_cast<std::size_t>(state.range(0)));
-    const PeakMemory memory;
-    for (auto _ : state) {
-        const std::vector<BoostNode*> loaded = LoadBoostGraph(file);
-        state.PauseTiming();
-        const bool complete = loaded.size() == static_cast<std::size_t>(state.range(0));
-        DeleteBoostGraph(loaded);
-        state.ResumeTiming();
-        if (!complete) {
-            state.SkipWithError("load incomplete");
-            break;
-        }
-    }
-    memory.Report(state);
-    ReportRun(state, file);
+    MeasureLoads(
+        state, file, [&file] { return LoadBoostGraph(file); }, DeleteBoostGraph);
 }
 
 // Few iterations per run, so the largest size stays a few seconds; wall

@@ -14,50 +14,15 @@
 #include <vector>
 #include <xercesc/util/PlatformUtils.hpp>
 
+#include "CSamplePart.h"
 #include "ReleaseLoaded.h"
+#include "XmlArchiveFiles.h"
 #include "kwcore/object/CKWGuidMapIterator.h"
-#include "kwcore/object/CKWObjGuidPtrMap.h"
-#include "kwcore/object/CKWObjPtrList.h"
 #include "kwcore/object/CKWTypeSystem.h"
 #include "kwcore/serial/CKWFieldStream.h"
-#include "kwcore/serial/CKWSerialObject.h"
 #include "kwcore/serial/CKWTypeManifest.h"
-#include "kwcore/serial/KWSerialTypeMacros.h"
 #include "kwcore/serial/xml/CKWXMLFileArchive.h"
 #include "kwcore/serial/xml/CKWXMLFileDocument.h"
-
-// A host class with every kind of field; its type ID is in the seeds.
-class CFuzzNode : public CKWSerialObject {
-    KW_DECLARE_SERIAL_TYPE(CFuzzNode)
-
-public:
-    CString m_Name;
-    int m_iCount = 0;
-    CKWGuid m_Tag;
-    CFuzzNode* m_pLink = nullptr;
-    CKWObjPtrList<CFuzzNode> m_Links;
-    CKWObjGuidPtrMap<CFuzzNode> m_LinkMap;
-
-protected:
-    CFuzzNode() = default;
-};
-
-#define KW_FUZZ_NODE_TYPE_ID "{5C0F2E7A-93B1-4D68-A2E5-8B7C1F4D0A39}"
-KW_IMPLEMENT_SERIAL_TYPE(CFuzzNode, KW_FUZZ_NODE_TYPE_ID, "{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}")
-KW_BEGIN_FIELDS(CFuzzNode)
-KW_FIELD(m_Name, "{61A2B3C4-D5E6-4F70-8192-A3B4C5D6E7F8}", "{0B3D5F71-9A2C-4E8B-B6D4-1F3A5C7E9B20}",
-         KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_iCount, "{72B3C4D5-E6F7-4081-92A3-B4C5D6E7F809}",
-         "{1C4E6082-AB3D-4F9C-87E5-2A4B6D8FAC31}", KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_Tag, "{83C4D5E6-F708-4192-A3B4-C5D6E7F8091A}", "{2D5F7193-BC4E-40AD-98F6-3B5C7E9ABD42}",
-         KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_pLink, "{94D5E6F7-0819-42A3-B4C5-D6E7F8091A2B}", KW_FUZZ_NODE_TYPE_ID,
-         KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_Links, "{A5E6F708-192A-43B4-C5D6-E7F8091A2B3C}", KW_FUZZ_NODE_TYPE_ID,
-         KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_LinkMap, "{B6F70819-2A3B-44C5-D6E7-F8091A2B3C4D}", KW_FUZZ_NODE_TYPE_ID,
-         KW_FIELD_LOAD_SAVE)
-KW_END_FIELDS()
 
 namespace {
 // The archive reads a file by name: an in-memory file, reached through
@@ -116,28 +81,32 @@ void CollectLoaded(const CKWDocument* document, std::set<IKWObject*>& loaded) {
     });
 }
 
-std::size_t NameLength(const CFuzzNode* node) {
-    return node ? static_cast<std::size_t>(node->m_Name.GetLength()) : 0;
+// The seeds hold sample assemblies, the test kit's host classes with every
+// kind of field.
+std::size_t NameLength(const CSamplePart* part) {
+    return part ? static_cast<std::size_t>(part->m_Name.GetLength()) : 0;
 }
 
 void ReadFields(IKWObject* object) {
-    const auto* node = dynamic_cast<CFuzzNode*>(object);
-    if (!node) {
+    const auto* part = dynamic_cast<CSamplePart*>(object);
+    if (!part) {
         return;
     }
-    std::size_t sum = NameLength(node) + static_cast<std::size_t>(node->m_iCount) +
-                      node->m_Tag.IsValid() + NameLength(node->m_pLink);
-    for (const CFuzzNode* link : node->m_Links) {
+    std::size_t sum = NameLength(part) + static_cast<std::size_t>(part->m_iCount) +
+                      part->m_Tag.IsValid() + NameLength(part->m_pLink);
+    for (const CSamplePart* link : part->m_Links) {
         sum += NameLength(link);
     }
-    for (const auto& entry : node->m_LinkMap.GetMap()) {
-        sum += NameLength(entry.second);
+    if (const auto* assembly = dynamic_cast<const CSampleAssembly*>(part)) {
+        for (const auto& entry : assembly->m_LinkMap.GetMap()) {
+            sum += NameLength(entry.second);
+        }
+        sum += static_cast<std::size_t>(assembly->m_LoadOnly.GetLength());
     }
     s_sink = s_sink + sum;
 }
 
 void LoadArchive(CKWXMLFileArchive* archive) {
-    archive->SetFile(s_inputPath.c_str());
     archive->Open(CKWArchive::modeRead);
     std::set<IKWObject*> loaded;
     ForEach(archive->GetDocumentIterator(), [&](CKWDocument* document) {
@@ -170,15 +139,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!WriteInput(data, size)) {
         std::abort();
     }
-    IKWObject* object = CKWXMLFileArchive::GetCKWXMLFileArchiveType()->CreateInstance(CKWGuid());
-    auto* archive = dynamic_cast<CKWXMLFileArchive*>(object);
-    if (!archive) {
-        std::abort();
-    }
-    LoadArchive(archive);
-    archive->Release();
-    // Whatever the input, no node outlives its load.
-    if (CFuzzNode::GetCFuzzNodeType()->GetInstanceCount() != 0) {
+    LoadArchive(NewXmlArchive(s_inputPath).get());
+    // Whatever the input, no part outlives its load.
+    if (CSamplePart::GetCSamplePartType()->GetInstanceCount() != 0 ||
+        CSampleAssembly::GetCSampleAssemblyType()->GetInstanceCount() != 0) {
         std::abort();
     }
     return 0;

@@ -4,22 +4,16 @@
 #include <vector>
 
 #include "GraphTestTypes.h"
-#include "../KWTestScale.h"
+#include "KWTestScale.h"
 
 namespace {
 
 constexpr int kChainLength = 1000000 / kKWTestScale;
 
 TEST(DeepGraph, AMillionNodeChainIsWalkedInOrderAndReleased) {
-    std::vector<CKWGraphNode*> chain(kChainLength);
-    for (CKWGraphNode*& node : chain) {
-        node = NewNode();
-        ASSERT_NE(node, nullptr);
-    }
-    for (int i = 1; i < kChainLength; ++i) {
-        ASSERT_NE(Join(chain[i - 1], chain[i]), nullptr);
-    }
-    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    const std::vector<CKWGraphNode*> chain = NewChain(kChainLength);
+    ASSERT_EQ(chain.size(), static_cast<std::size_t>(kChainLength));
+    auto* recorder = KWTestCreate<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
     ASSERT_EQ(recorder->Start(chain[0]), 1);
     EXPECT_EQ(recorder->m_calls, chain);
     // From the middle: the half towards the front first (that edge came first).
@@ -30,7 +24,7 @@ TEST(DeepGraph, AMillionNodeChainIsWalkedInOrderAndReleased) {
     EXPECT_EQ(recorder->m_calls[kChainLength / 2], chain[0]);
     EXPECT_EQ(recorder->m_calls[kChainLength / 2 + 1], chain[kChainLength / 2 + 1]);
 
-    auto* releaser = NewObject<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    auto* releaser = KWTestCreate<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
     ASSERT_EQ(releaser->Start(chain[0]), 1);
     EXPECT_EQ(CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount(), 0);
     EXPECT_EQ(CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount(), 0);

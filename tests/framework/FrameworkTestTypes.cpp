@@ -1,6 +1,6 @@
 #include "FrameworkTestTypes.h"
 
-#include "kwcore/object/CKWTypeSystem.h"
+#include "KWTestObjects.h"
 
 KW_IMPLEMENT_TYPE(CObservationA, kObservationATypeID, KW_BASE_OBSERVATION_TYPE_ID)
 KW_IMPLEMENT_TYPE(CObservationB, kObservationBTypeID, kObservationATypeID)
@@ -21,10 +21,6 @@ void CRecordingObserver::OnUpdate(CKWObservation* observation) {
 
 namespace {
 
-struct CollectFrameworkTestTypes {
-    CollectFrameworkTestTypes() { CKWTypeSystem::Initialize(CKWGuid(kFrameworkTestRepositoryID)); }
-};
-
-CollectFrameworkTestTypes s_collectFrameworkTestTypes;
+const SCollectTypes s_collectFrameworkTestTypes(kFrameworkTestRepositoryID);
 
 }  // namespace

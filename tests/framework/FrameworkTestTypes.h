@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "KWTestObjects.h"
 #include "kwcore/framework/CKWObservation.h"
 #include "kwcore/framework/CKWObserver.h"
 #include "kwcore/framework/CKWView.h"
@@ -71,9 +72,3 @@ public:
 protected:
     CRecordingView() = default;
 };
-
-// Makes an instance of T through its type.
-template <class T>
-T* Make(IKWObjectType* type) {
-    return static_cast<T*>(type->CreateInstance(CKWGuid()));
-}

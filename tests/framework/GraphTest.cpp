@@ -4,6 +4,7 @@
 #include <string>
 
 #include "GraphTestTypes.h"
+#include "LibraryTypes.h"
 #include "kwcore/serial/IKWField.h"
 #include "kwcore/serial/IKWFieldData.h"
 
@@ -21,7 +22,9 @@ protected:
         ReleaseAllGraphObjects();
         EXPECT_EQ(LiveGraphObjects(), 0);
     }
-    CKWGraphEdge* NewEdge() { return NewObject<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType()); }
+    CKWGraphEdge* NewEdge() {
+        return KWTestCreate<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType());
+    }
 
     CKWGraphNode* m_a = nullptr;
     CKWGraphNode* m_b = nullptr;
@@ -154,8 +157,8 @@ TEST_F(Graph, NodeAndEdgeTypesCarryTheirFields) {
     ASSERT_NE(secondary, nullptr);
     EXPECT_EQ(std::string(secondary->GetDescription()), "m_pSecondaryNode");
     EXPECT_EQ(secondary->GetDataTypeID(), CKWGuid("{A629E578-AB5F-4698-818A-C26C47FF59E6}"));
-    EXPECT_EQ(std::string(edgeType->GetName()), "CKWGraphEdge");
-    EXPECT_EQ(edgeType->GetParentTypeID(), CKWGuid("{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}"));
+    ASSERT_NO_FATAL_FAILURE(ExpectLibraryTypes(
+        {{"{48F087FA-103C-4BB3-8197-06B52EEA4757}", "CKWGraphEdge", kSerialObjectTypeID, 0}}));
     // An unset link shows as "Not Set".
     CKWGraphEdge* edge = NewEdge();
     IKWFieldData* primary = edge->GetFieldData(CKWGuid("{1212F592-7438-407d-8ACB-7A5E5B7AC239}"));

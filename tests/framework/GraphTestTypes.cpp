@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "kwcore/object/CKWTypeSystem.h"
+#include "KWTestObjects.h"
 
 KW_IMPLEMENT_SERIAL_TYPE(COneWayEdge, "{1B8D4F62-7C3E-4091-8D2F-3E4A5B6C7D81}",
                          "{48F087FA-103C-4BB3-8197-06B52EEA4757}")
@@ -40,21 +40,6 @@ int CRecordingVisitor::AddToDFSList(CKWGraphNode* node) {
     return CKWDFSVisitor::AddToDFSList(node);
 }
 
-CKWGraphNode* NewNode() {
-    return NewObject<CKWGraphNode>(CKWGraphNode::GetCKWGraphNodeType());
-}
-
-CKWGraphEdge* Join(CKWGraphNode* primary, CKWGraphNode* secondary, IKWObjectType* edgeType) {
-    auto* edge = NewObject<CKWGraphEdge>(edgeType ? edgeType : CKWGraphEdge::GetCKWGraphEdgeType());
-    if (edge && edge->SetNodes(primary, secondary) && edge->Connect()) {
-        return edge;
-    }
-    if (edge) {
-        edge->Release();
-    }
-    return nullptr;
-}
-
 namespace {
 IKWObjectType* const kGraphTypes[] = {CKWGraphEdge::GetCKWGraphEdgeType(),
                                       COneWayEdge::GetCOneWayEdgeType(),
@@ -83,7 +68,5 @@ int LiveGraphObjects() {
 
 // The test program is a host: it collects its types once they exist.
 namespace {
-struct CollectGraphTestTypes {
-    CollectGraphTestTypes() { CKWTypeSystem::Initialize("{3DAF6B84-9E5A-42B3-AF4B-5A6C7D8E9FA3}"); }
-} s_collectGraphTestTypes;
+const SCollectTypes s_collectGraphTestTypes("{3DAF6B84-9E5A-42B3-AF4B-5A6C7D8E9FA3}");
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "GraphBuilders.h"
+#include "KWTestObjects.h"
 #include "kwcore/framework/CKWDFSVisitor.h"
 #include "kwcore/framework/CKWFilteredDFSVisitor.h"
 #include "kwcore/framework/CKWGraphEdge.h"
@@ -50,14 +52,6 @@ protected:
     int AddToDFSList(CKWGraphNode* node) override;
 };
 
-template <class T>
-T* NewObject(IKWObjectType* type) {
-    return dynamic_cast<T*>(type->CreateInstance(CKWGuid()));
-}
-CKWGraphNode* NewNode();
-// A connected two-way edge (or one of edgeType), or null when it cannot connect.
-CKWGraphEdge* Join(CKWGraphNode* primary, CKWGraphNode* secondary,
-                   IKWObjectType* edgeType = nullptr);
 // Releases every graph object and visitor alive.
 void ReleaseAllGraphObjects();
 int LiveGraphObjects();

@@ -7,22 +7,14 @@
 
 namespace {
 
-template <class Iterator>
-std::vector<CKWGraphNode*> Nodes(Iterator it) {
-    std::vector<CKWGraphNode*> nodes;
-    for (CKWGraphNode* n = it.GetNext(1); n; n = it.GetNext(0)) {
-        nodes.push_back(n);
-    }
-    return nodes;
-}
 std::vector<CKWGraphNode*> Recorded(const CKWDFSVisitor* visitor) {
-    return Nodes(visitor->GetDFSNodeIterator());
+    return ElementsOf(visitor->GetDFSNodeIterator());
 }
 
 class Visitors : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_dfs = NewObject<CKWDFSVisitor>(CKWDFSVisitor::GetCKWDFSVisitorType());
+        m_dfs = KWTestCreate<CKWDFSVisitor>(CKWDFSVisitor::GetCKWDFSVisitorType());
         ASSERT_NE(m_dfs, nullptr);
         for (CKWGraphNode*& n : m_n) {
             n = NewNode();
@@ -60,7 +52,7 @@ TEST_F(Visitors, TheWalkGoesDeepFirstAndTakesEdgesInListOrder) {
               (std::vector<CKWGraphNode*>{m_n[0], m_n[1], m_n[3], m_n[4], m_n[2], m_n[5]}));
     EXPECT_EQ(Walk(m_n[5]),
               (std::vector<CKWGraphNode*>{m_n[5], m_n[2], m_n[0], m_n[1], m_n[3], m_n[4]}));
-    EXPECT_EQ(Nodes(m_dfs->GetDFSNodeReverseIterator()),
+    EXPECT_EQ(ElementsOf(m_dfs->GetDFSNodeReverseIterator()),
               (std::vector<CKWGraphNode*>{m_n[4], m_n[3], m_n[1], m_n[0], m_n[2], m_n[5]}));
     EXPECT_EQ(m_dfs->GetDFSNodeCollection()->GetCount(), 6);
 }
@@ -84,7 +76,7 @@ TEST_F(Visitors, StartDoesNotClearTheRecordedNodes) {
 }
 
 TEST_F(Visitors, ThePlainVisitorMarksOnlyTheStartNode) {
-    auto* plain = NewObject<CKWGraphNodeVisitorImpl>(
+    auto* plain = KWTestCreate<CKWGraphNodeVisitorImpl>(
         CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType());
     ASSERT_TRUE(Join(m_n[0], m_n[1]));
     ASSERT_EQ(plain->Start(m_n[0]), 1);
@@ -96,7 +88,7 @@ TEST_F(Visitors, ThePlainVisitorMarksOnlyTheStartNode) {
 }
 
 TEST_F(Visitors, SessionNumbersAdvanceModulo65535) {
-    auto* plain = NewObject<CKWGraphNodeVisitorImpl>(
+    auto* plain = KWTestCreate<CKWGraphNodeVisitorImpl>(
         CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType());
     ASSERT_EQ(plain->Start(m_n[0]), 1);
     const unsigned first = plain->GetSessionID();
@@ -113,7 +105,7 @@ TEST_F(Visitors, SessionNumbersAdvanceModulo65535) {
 }
 
 TEST_F(Visitors, NoTraversalStartsInsideAnother) {
-    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    auto* recorder = KWTestCreate<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
     ASSERT_TRUE(Join(m_n[0], m_n[1]));
     recorder->m_bStartInside = true;
     ASSERT_EQ(recorder->Start(m_n[0]), 1);
@@ -123,7 +115,7 @@ TEST_F(Visitors, NoTraversalStartsInsideAnother) {
 }
 
 TEST_F(Visitors, SubclassesSeeOneAddToDFSListCallPerNodeInVisitingOrder) {
-    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    auto* recorder = KWTestCreate<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
     ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[0], m_n[2]) && Join(m_n[1], m_n[2]));
     ASSERT_EQ(recorder->Start(m_n[2]), 1);
     EXPECT_EQ(recorder->m_calls, (std::vector<CKWGraphNode*>{m_n[2], m_n[0], m_n[1]}));
@@ -131,7 +123,7 @@ TEST_F(Visitors, SubclassesSeeOneAddToDFSListCallPerNodeInVisitingOrder) {
 
 TEST_F(Visitors, SubclassesSeeVisitNodeForEveryNeighbourAndCanStopTheWalkThere) {
     // 0 - 1 - 3, 0 - 2, 1 - 2: neighbours are offered in recursive order.
-    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    auto* recorder = KWTestCreate<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
     ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[0], m_n[2]) && Join(m_n[1], m_n[3]) &&
                 Join(m_n[1], m_n[2]));
     ASSERT_EQ(recorder->Start(m_n[0]), 1);
@@ -149,7 +141,7 @@ TEST_F(Visitors, SubclassesSeeVisitNodeForEveryNeighbourAndCanStopTheWalkThere) 
 }
 
 TEST_F(Visitors, NodesRecordedAheadOfTheirVisitAreRecordedOnce) {
-    auto* recorder = NewObject<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    auto* recorder = KWTestCreate<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
     ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[1], m_n[2]));
     recorder->m_pAlsoRecord = m_n[2];
     ASSERT_EQ(recorder->Start(m_n[0]), 1);
@@ -162,8 +154,8 @@ TEST_F(Visitors, NodesRecordedAheadOfTheirVisitAreRecordedOnce) {
 
 TEST_F(Visitors, TheFilterLimitsWhatIsRecordedNotHowFarTheWalkGoes) {
     auto* filtered =
-        NewObject<CKWFilteredDFSVisitor>(CKWFilteredDFSVisitor::GetCKWFilteredDFSVisitorType());
-    auto* city = NewObject<CCityNode>(CCityNode::GetCCityNodeType());
+        KWTestCreate<CKWFilteredDFSVisitor>(CKWFilteredDFSVisitor::GetCKWFilteredDFSVisitorType());
+    auto* city = KWTestCreate<CCityNode>(CCityNode::GetCCityNodeType());
     ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[1], city));
     EXPECT_EQ(filtered->Start(m_n[0]), 0);  // no seek types
     EXPECT_FALSE(m_n[0]->WasVisited(filtered));
@@ -179,7 +171,7 @@ TEST_F(Visitors, TheFilterLimitsWhatIsRecordedNotHowFarTheWalkGoes) {
 }
 
 TEST_F(Visitors, TheReleaseVisitorReleasesWhatIsReachableAndNothingElse) {
-    auto* releaser = NewObject<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    auto* releaser = KWTestCreate<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
     ASSERT_TRUE(Join(m_n[0], m_n[1]) && Join(m_n[1], m_n[2]) && Join(m_n[2], m_n[0]));
     ASSERT_TRUE(Join(m_n[3], m_n[0], COneWayEdge::GetCOneWayEdgeType()));
     ASSERT_EQ(releaser->Start(m_n[0]), 1);

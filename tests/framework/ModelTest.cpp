@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "FrameworkTestTypes.h"
+#include "LibraryTypes.h"
 #include "kwcore/framework/CKWModelVoid.h"
 #include "kwcore/framework/CKWTool.h"
 #include "kwcore/object/CKWTypeSystem.h"
@@ -13,16 +14,13 @@
 #include "kwcore/Config.h"
 
 #if KWCORE_HAS_XML
-#include <cstdio>
-
-#include "kwcore/serial/CKWDocument.h"
-#include "kwcore/serial/xml/CKWXMLFileArchive.h"
+#include "CTempFolder.h"
+#include "XmlArchiveFiles.h"
 #endif
 
 namespace {
 
 const CKWGuid kBase(KW_BASE_OBSERVATION_TYPE_ID);
-constexpr const char* kObjectImplTypeID = "{3719246B-C3B0-4AE9-9723-6E998C42484A}";
 
 TEST(FrameworkTypes, AreRegisteredUnderTheirNamesAndParents) {
     const char* kObservable = "{D265DD01-767A-4ACB-BCF6-02720CB234E1}";
@@ -30,12 +28,7 @@ TEST(FrameworkTypes, AreRegisteredUnderTheirNamesAndParents) {
     const char* kObservation = "{060C1069-68A0-400F-B3F4-45E9A33A1204}";
     const char* kModel = "{A0220F9B-B946-4ACF-B582-B9BE858A07D6}";
     const char* kTool = "{45AE9A00-017B-4CEF-8CE5-FD6802B90C83}";
-    struct Row {
-        const char* typeID;
-        const char* name;
-        const char* parentID;
-        int abstract;
-    } const rows[] = {
+    ASSERT_NO_FATAL_FAILURE(ExpectLibraryTypes({
         {kObservable, "CKWObservable", kObjectImplTypeID, 0},
         {kObserver, "CKWObserver", kObjectImplTypeID, 0},
         {kObservation, "CKWObservation", kObjectImplTypeID, 0},
@@ -47,16 +40,7 @@ TEST(FrameworkTypes, AreRegisteredUnderTheirNamesAndParents) {
         {"{2693E4BF-CD4A-4D2F-9722-3CD885AF66AC}", "CKWToolEvent", kObservation, 0},
         {"{66D6E4CF-D167-4B40-89F0-8467A4961A4B}", "CKWFocusEvent", kObservation, 0},
         {"{89C55D8F-1380-41E3-8A0C-245E1E4778D5}", "CKWToolEventRouter", kObservable, 0},
-    };
-    for (const Row& row : rows) {
-        IKWObjectType* type = CKWTypeSystem::FindType(CKWGuid(row.typeID));
-        ASSERT_NE(type, nullptr) << row.name;
-        EXPECT_EQ(std::string(type->GetName()), row.name);
-        EXPECT_EQ(type->GetParentType(), CKWTypeSystem::FindType(CKWGuid(row.parentID)))
-            << row.name;
-        EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
-        EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID));
-    }
+    }));
     // Only the tool's own type is renamed; its class name stays.
     EXPECT_EQ(std::string(CKWTool::GetCKWToolType()->GetDescription()), "A Tool");
     EXPECT_EQ(std::string(CKWTool::GetCKWToolType()->GetClassNameA()), "CKWTool");
@@ -66,9 +50,10 @@ TEST(FrameworkTypes, AreRegisteredUnderTheirNamesAndParents) {
 class ModelTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_pModel = Make<CKWModelVoid>(CKWModelVoid::GetCKWModelVoidType());
-        m_pView = Make<CRecordingView>(CRecordingView::GetCRecordingViewType());
-        m_pObserver = Make<CRecordingObserver>(CRecordingObserver::GetCRecordingObserverType());
+        m_pModel = KWTestCreate<CKWModelVoid>(CKWModelVoid::GetCKWModelVoidType());
+        m_pView = KWTestCreate<CRecordingView>(CRecordingView::GetCRecordingViewType());
+        m_pObserver =
+            KWTestCreate<CRecordingObserver>(CRecordingObserver::GetCRecordingObserverType());
         ASSERT_TRUE(m_pModel && m_pView && m_pObserver);
     }
     void TearDown() override {
@@ -86,8 +71,8 @@ TEST_F(ModelTest, ViewsReceiveEveryObservationAndAreFoundAndRemovedByID) {
     EXPECT_EQ(m_pModel->AddView(m_pView), 1);
     EXPECT_EQ(m_pModel->AddView(m_pView), 0);
     EXPECT_EQ(m_pModel->AddView(nullptr), 0);
-    auto* derived = Make<CObservationC>(CObservationC::GetCObservationCType());
-    auto* plain = Make<CKWObservation>(CKWObservation::GetCKWObservationType());
+    auto* derived = KWTestCreate<CObservationC>(CObservationC::GetCObservationCType());
+    auto* plain = KWTestCreate<CKWObservation>(CKWObservation::GetCKWObservationType());
     m_pModel->NotifyObservers(derived);
     m_pModel->NotifyObservers(plain);
     EXPECT_EQ(m_pView->m_received, (std::vector<CKWObservation*>{derived, plain}));
@@ -117,22 +102,15 @@ TEST_F(ModelTest, IsSerializableThroughItsAdaptor) {
 
 #if KWCORE_HAS_XML
 TEST_F(ModelTest, SavesToAnArchiveAndLoadsBackUnderItsID) {
-    const std::string file = ::testing::TempDir() + "framework-model.xml";
-    auto* archive = static_cast<CKWXMLFileArchive*>(
-        CKWXMLFileArchive::GetCKWXMLFileArchiveType()->CreateInstance(CKWGuid()));
-    archive->SetFile(file.c_str());
-    ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
-    EXPECT_EQ(m_pModel->SerializeTo(archive->CreateNewDocument(CKWGuid(), nullptr)), 1);
-    ASSERT_TRUE(archive->Close());
-
+    const CTempFolder folder("kwcore-model-");
+    const std::filesystem::path file = folder.GetPath() / "model.xml";
+    ASSERT_EQ(SaveXmlFile(file, m_pModel), 1);
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(file);
     ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
-    CKWDocument* document = archive->GetDocumentIterator().GetNext(1);
-    ASSERT_NE(document, nullptr);
-    IKWObject* loaded = document->GetObjectA(CKWModelVoid::GetCKWModelVoidType()->GetID(),
-                                             m_pModel->GetInstanceID());
+    ASSERT_NE(FirstXmlDocument(archive.get()), nullptr);
+    IKWObject* loaded = LoadFromFirstDocument(
+        archive.get(), CKWModelVoid::GetCKWModelVoidType()->GetID(), m_pModel->GetInstanceID());
     archive->Close();
-    archive->Release();
-    std::remove(file.c_str());
     ASSERT_NE(loaded, nullptr);
     EXPECT_NE(loaded, static_cast<IKWObject*>(m_pModel));
     EXPECT_NE(dynamic_cast<CKWModelVoid*>(loaded), nullptr);

@@ -17,13 +17,13 @@ const CKWGuid kB(kObservationBTypeID);
 const CKWGuid kC(kObservationCTypeID);
 
 CKWObservation* NewC() {
-    return Make<CKWObservation>(CObservationC::GetCObservationCType());
+    return KWTestCreate<CKWObservation>(CObservationC::GetCObservationCType());
 }
 CKWObservation* NewA() {
-    return Make<CKWObservation>(CObservationA::GetCObservationAType());
+    return KWTestCreate<CKWObservation>(CObservationA::GetCObservationAType());
 }
 CKWObservation* NewBase() {
-    return Make<CKWObservation>(CKWObservation::GetCKWObservationType());
+    return KWTestCreate<CKWObservation>(CKWObservation::GetCKWObservationType());
 }
 CKWObservation* Kept(CKWObservation* observation) {
     observation->SetAutoRelease(0);
@@ -33,7 +33,7 @@ CKWObservation* Kept(CKWObservation* observation) {
 class ObservableTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_pSubject = Make<CKWObservable>(CKWObservable::GetCKWObservableType());
+        m_pSubject = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
     }
     void TearDown() override {
         EXPECT_EQ(m_pSubject->Release(), 1);
@@ -43,7 +43,8 @@ protected:
     }
 
     CRecordingObserver* Observer(const std::string& name, const CKWGuid* typeID = &kBase) {
-        auto* observer = Make<CRecordingObserver>(CRecordingObserver::GetCRecordingObserverType());
+        auto* observer =
+            KWTestCreate<CRecordingObserver>(CRecordingObserver::GetCRecordingObserverType());
         observer->m_name = name;
         observer->m_pLog = &m_log;
         m_observers.push_back(observer);
@@ -210,7 +211,7 @@ TEST_F(ObservableTest, ReleaseIsRefusedDuringDeliveryAndFreesQueuedObservations)
     EXPECT_EQ(refused, 0);
 
     // Queued behind a null, twice: the release gives it back once (LeakSanitizer checks).
-    auto* other = Make<CKWObservable>(CKWObservable::GetCKWObservableType());
+    auto* other = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
     CKWObservation* queued = NewA();
     CKWObservation* kept = Kept(NewA());
     other->AddObserver(observer, kBase);

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "KWTestObjects.h"
+#include "LibraryTypes.h"
 #include "kwcore/framework/CKWPreferences.h"
 #include "kwcore/serial/IKWField.h"
 #include "kwcore/serial/IKWFieldData.h"
@@ -12,8 +14,7 @@ namespace {
 class Preferences : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_set = dynamic_cast<CKWPreferences*>(
-            CKWPreferences::GetCKWPreferencesType()->CreateInstance(CKWGuid()));
+        m_set = KWTestCreate<CKWPreferences>(CKWPreferences::GetCKWPreferencesType());
         ASSERT_NE(m_set, nullptr);
     }
     void TearDown() override {
@@ -32,8 +33,8 @@ TEST_F(Preferences, ANewSectionIsNamedAndDescribedAPreferenceSection) {
     ASSERT_NE(section, nullptr);
     EXPECT_EQ(std::string(section->m_Name), "Display");
     EXPECT_EQ(std::string(section->m_Description), "A Preference Section");
-    auto* fresh = dynamic_cast<CKWPreferenceSection*>(
-        CKWPreferenceSection::GetCKWPreferenceSectionType()->CreateInstance(CKWGuid()));
+    auto* fresh =
+        KWTestCreate<CKWPreferenceSection>(CKWPreferenceSection::GetCKWPreferenceSectionType());
     ASSERT_NE(fresh, nullptr);
     IKWFieldData* name = fresh->GetFieldData(CKWGuid("{FCB6CEF7-3A8C-4CD8-A1F8-77DDCFF0C92E}"));
     IKWFieldData* text = fresh->GetFieldData(CKWGuid("{4BE98F65-D593-4411-8A56-F0E62A554F5C}"));
@@ -82,8 +83,8 @@ TEST_F(Preferences, TheSectionMapIsAFieldOfLinks) {
     ASSERT_NE(map, nullptr);
     EXPECT_EQ(std::string(map->GetName()), "m_PreferenceSectionMap");
     EXPECT_EQ(map->GetDataTypeID(), CKWGuid("{95C92BDC-00F3-4E4E-8BE8-7AAFAA2DC3EB}"));
-    EXPECT_EQ(std::string(type->GetName()), "CKWPreferences");
-    EXPECT_EQ(type->GetParentTypeID(), CKWGuid("{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}"));
+    ASSERT_NO_FATAL_FAILURE(ExpectLibraryTypes(
+        {{"{AC17C815-DA6A-4DFE-A383-99CFA70517B3}", "CKWPreferences", kSerialObjectTypeID, 0}}));
     EXPECT_EQ(CKWPreferenceSection::GetCKWPreferenceSectionType()->GetID(),
               CKWGuid("{7AB10E7B-907C-4EA3-88F8-8415EA83CBA4}"));
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "KWTestObjects.h"
 #include "kwcore/framework/CKWTool.h"
 #include "kwcore/framework/CKWToolEventRouter.h"
 
@@ -64,10 +65,9 @@ const CKWGuid kBase(KW_BASE_OBSERVATION_TYPE_ID);
 class ToolTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_pTool = static_cast<CRecordingTool*>(
-            CRecordingTool::GetCRecordingToolType()->CreateInstance(CKWGuid()));
-        m_pRouter = static_cast<CKWToolEventRouter*>(
-            CKWToolEventRouter::GetCKWToolEventRouterType()->CreateInstance(CKWGuid()));
+        m_pTool = KWTestCreate<CRecordingTool>(CRecordingTool::GetCRecordingToolType());
+        m_pRouter =
+            KWTestCreate<CKWToolEventRouter>(CKWToolEventRouter::GetCKWToolEventRouterType());
         ASSERT_TRUE(m_pTool && m_pRouter);
         ASSERT_EQ(m_pRouter->AddObserver(m_pTool->GetObserver(), kBase), 1);
     }
@@ -126,8 +126,8 @@ TEST_F(ToolTest, FocusEventsReachOnFocusChangedAndOtherObservationsNothing) {
     lost->SetFocus(false);
     m_pRouter->NotifyObservers(gained);
     m_pRouter->NotifyObservers(lost);
-    m_pRouter->NotifyObservers(static_cast<CKWObservation*>(
-        CKWObservation::GetCKWObservationType()->CreateInstance(CKWGuid())));
+    m_pRouter->NotifyObservers(
+        KWTestCreate<CKWObservation>(CKWObservation::GetCKWObservationType()));
     m_pTool->ProcessToolEvent(nullptr);
     m_pTool->OnUpdate(nullptr);
     EXPECT_EQ(m_pTool->m_log, (std::vector<std::string>{"gained window", "lost null"}));
@@ -147,7 +147,7 @@ TEST_F(ToolTest, ActivationStoresTheWindowOnlyWhenActivatingAndAlwaysGivesZero) 
 TEST(ToolLife, TheObserverAdapterIsMadeOnInitializeAndReleasedWithTheTool) {
     auto* adapterType = CKWObserverAdapter::GetCKWObserverAdapterType();
     const int before = adapterType->GetInstanceCount();
-    auto* tool = static_cast<CKWTool*>(CKWTool::GetCKWToolType()->CreateInstance(CKWGuid()));
+    auto* tool = KWTestCreate<CKWTool>(CKWTool::GetCKWToolType());
     ASSERT_NE(tool, nullptr);
     auto* adapter = dynamic_cast<CKWObserverAdapter*>(tool->GetObserver());
     ASSERT_NE(adapter, nullptr);

@@ -22,23 +22,14 @@ protected:
         }
     }
     CTestWidget* Make(const char* id = nullptr) {
-        auto* w = static_cast<CTestWidget*>(
-            CTestWidget::GetCTestWidgetType()->CreateInstance(id ? CKWGuid(id) : CKWGuid()));
+        auto* w = KWTestCreate<CTestWidget>(CTestWidget::GetCTestWidgetType(),
+                                            id ? CKWGuid(id) : CKWGuid());
         m_widgets.push_back(w);
         return w;
     }
     // The test no longer owns the widget (a collection released it).
     void Forget(CTestWidget* w) {
         std::replace(m_widgets.begin(), m_widgets.end(), w, static_cast<CTestWidget*>(nullptr));
-    }
-
-    template <class Iterator>
-    static std::vector<CTestWidget*> Walk(Iterator it) {
-        std::vector<CTestWidget*> seen;
-        for (CTestWidget* w = it.GetNext(1); w; w = it.GetNext(0)) {
-            seen.push_back(w);
-        }
-        return seen;
     }
 
     std::vector<CTestWidget*> m_widgets;
@@ -53,8 +44,8 @@ TEST_F(Collections, ListHoldsEachObjectOnceInInsertionOrder) {
     EXPECT_EQ(list.Add(nullptr), 0);
     EXPECT_EQ(list.Add(b), 1);
     EXPECT_EQ(list.GetCount(), 2);
-    EXPECT_EQ(Walk(list.GetIterator()), (std::vector<CTestWidget*>{a, b}));
-    EXPECT_EQ(Walk(list.GetReverseIterator()), (std::vector<CTestWidget*>{b, a}));
+    EXPECT_EQ(ElementsOf(list.GetIterator()), (std::vector<CTestWidget*>{a, b}));
+    EXPECT_EQ(ElementsOf(list.GetReverseIterator()), (std::vector<CTestWidget*>{b, a}));
     EXPECT_EQ(list.Find(b->GetInstanceID()), static_cast<void*>(b));
     EXPECT_EQ(list.Find(CKWGuid::CreateNewGUID()), nullptr);
     EXPECT_EQ(list.Remove(a), 1);
@@ -78,7 +69,7 @@ TEST_F(Collections, LargeListsKeepOrderAndMembershipThroughAddAndRemove) {
         ASSERT_EQ(list.Remove(m_widgets[i]), 1);
         ASSERT_EQ(list.Remove(m_widgets[i]), 0);
     }
-    EXPECT_EQ(Walk(list.GetIterator()), kept);
+    EXPECT_EQ(ElementsOf(list.GetIterator()), kept);
     CKWObjPtrList<CTestWidget> copy(list);
     EXPECT_EQ(copy.Add(kept.front()), 0);
     EXPECT_EQ(copy.Remove(kept.back()), 1);
@@ -105,23 +96,23 @@ TEST_F(Collections, ListsAppendedWithoutLookupFindEveryElementAndMoveWhole) {
     EXPECT_EQ(list.Remove(all[70]), 1);
     EXPECT_EQ(list.Remove(all[70]), 0);
     all.erase(all.begin() + 70);
-    EXPECT_EQ(Walk(list.GetIterator()), all);
+    EXPECT_EQ(ElementsOf(list.GetIterator()), all);
 
     CKWObjPtrList<CTestWidget> moved(std::move(list));
     EXPECT_EQ(list.GetCount(), 0);  // NOLINT(bugprone-use-after-move): moved-from is empty
     EXPECT_EQ(list.Add(all[0]), 1);
-    EXPECT_EQ(Walk(moved.GetIterator()), all);
+    EXPECT_EQ(ElementsOf(moved.GetIterator()), all);
     CKWObjPtrList<CTestWidget> assigned;
     assigned.Add(all[5]);
     assigned = std::move(moved);
-    EXPECT_EQ(Walk(assigned.GetIterator()), all);
+    EXPECT_EQ(ElementsOf(assigned.GetIterator()), all);
     EXPECT_EQ(assigned.Remove(all[98]), 1);
     list = assigned;
     EXPECT_EQ(list.GetCount(), 98);
     EXPECT_EQ(list.Add(all[98]), 1);
     assigned.RemoveAll(false);
     assigned.AddNew(all[1]);
-    EXPECT_EQ(Walk(assigned.GetIterator()), (std::vector<CTestWidget*>{all[1]}));
+    EXPECT_EQ(ElementsOf(assigned.GetIterator()), (std::vector<CTestWidget*>{all[1]}));
 }
 
 TEST_F(Collections, ReleaseAllGoesFrontToBackInListsAndByAscendingIDInMaps) {
@@ -177,7 +168,7 @@ TEST_F(Collections, MapKeysByInstanceIDAtAddTime) {
     EXPECT_EQ(map.Add(a), 0);
     EXPECT_EQ(map.Add(nullptr), 0);
     EXPECT_EQ(map.Add(b), 1);
-    EXPECT_EQ(Walk(map.GetIterator()), (std::vector<CTestWidget*>{b, a}));
+    EXPECT_EQ(ElementsOf(map.GetIterator()), (std::vector<CTestWidget*>{b, a}));
     EXPECT_EQ(map.FindObject(a->GetInstanceID()), a);
 
     // The key stays what it was when added.

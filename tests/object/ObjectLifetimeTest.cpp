@@ -9,7 +9,7 @@
 namespace {
 
 CTestWidget* NewWidget(const CKWGuid& id = CKWGuid()) {
-    return static_cast<CTestWidget*>(CTestWidget::GetCTestWidgetType()->CreateInstance(id));
+    return KWTestCreate<CTestWidget>(CTestWidget::GetCTestWidgetType(), id);
 }
 
 class ObjectLifetime : public ::testing::Test {
@@ -62,8 +62,7 @@ TEST_F(ObjectLifetime, RefusedReleaseKeepsTheObjectAliveAndTracked) {
 }
 
 TEST_F(ObjectLifetime, IsTypeOfFollowsTheParentChain) {
-    CTestWidget* gadget =
-        static_cast<CTestWidget*>(CTestGadget::GetCTestGadgetType()->CreateInstance(CKWGuid()));
+    CTestWidget* gadget = KWTestCreate<CTestWidget>(CTestGadget::GetCTestGadgetType());
     CTestWidget* widget = NewWidget();
     const CKWGuid objectImplID("{3719246B-C3B0-4AE9-9723-6E998C42484A}");
     EXPECT_EQ(gadget->IsTypeOf(CKWGuid(kGadgetTypeID)), 1);

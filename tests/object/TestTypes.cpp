@@ -1,6 +1,6 @@
 #include "TestTypes.h"
 
-#include "kwcore/object/CKWTypeSystem.h"
+#include "KWTestObjects.h"
 
 int CTestWidget::s_failNextInitialize = 0;
 std::vector<CKWGuid> CTestWidget::s_releasedIDs;
@@ -59,7 +59,9 @@ CScopedTestType::CScopedTestType(const CKWGuid& typeID, const CKWGuid& parentTyp
     SetID(typeID);
 }
 
-IKWObject* CScopedTestType::CTOR() { return new CScopedObject(this); }
+IKWObject* CScopedTestType::CTOR() {
+    return new CScopedObject(this);
+}
 
 void CScopedTestType::DTOR(IKWObject* object) {
     m_destroyedIDs.push_back(object->GetInstanceID());
@@ -68,7 +70,5 @@ void CScopedTestType::DTOR(IKWObject* object) {
 
 // The test program is a host: it collects its types once they exist.
 namespace {
-struct CollectTestTypes {
-    CollectTestTypes() { CKWTypeSystem::Initialize(kTestRepositoryID); }
-} s_collectTestTypes;
+const SCollectTypes s_collectTestTypes(kTestRepositoryID);
 }  // namespace

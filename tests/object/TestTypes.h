@@ -3,6 +3,7 @@
 
 #include <vector>
 
+#include "KWTestObjects.h"
 #include "kwcore/object/CKWObjectImpl.h"
 
 // {4A1C7D20-3B5E-4F61-8D2A-9E0B1C2D3E4F}

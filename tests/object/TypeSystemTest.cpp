@@ -12,8 +12,6 @@
 
 namespace {
 
-const CKWGuid kObjectImplTypeID("{3719246B-C3B0-4AE9-9723-6E998C42484A}");
-
 std::vector<std::string> CollectNames(std::list<IKWObjectType*> types) {
     std::vector<std::string> names;
     for (IKWObjectType* type : types) {
@@ -54,12 +52,8 @@ TEST(TypeSystemAtLoad, HostTypesAreCollectedIntoTheHostRepositoryWithParents) {
     EXPECT_EQ(CTestWidget::GetCTestWidgetType()->IsTypeOf(gadget), 0);
     EXPECT_EQ(gadget->IsTypeOf(static_cast<IKWObjectType*>(nullptr)), 0);
 
-    auto it = CKWTypeSystem::GetRepositoryIterator(CKWGuid(kTestRepositoryID));
-    std::vector<IKWObjectType*> collected;
-    for (IKWObjectType* t = it.GetNext(1); t; t = it.GetNext(0)) {
-        collected.push_back(t);
-    }
-    EXPECT_EQ(collected.size(), 3u);
+    EXPECT_EQ(ElementsOf(CKWTypeSystem::GetRepositoryIterator(CKWGuid(kTestRepositoryID))).size(),
+              3u);
 }
 
 TEST(TypeSystemLookup, UnknownOrEmptyIDsFindNothing) {
@@ -138,11 +132,7 @@ TEST(TypeRegistration, LateTypesWaitForTheNextInitialize) {
     EXPECT_EQ(orphan.IsTypeOf(orphan.GetID()), 1);
     EXPECT_EQ(orphan.IsTypeOf(kObjectImplTypeID), 0);
     EXPECT_EQ(CTestWidget::GetCTestWidgetType()->GetRepositoryID(), CKWGuid(kTestRepositoryID));
-    auto it = CKWTypeSystem::GetRepositoryIterator(repository);
-    std::vector<IKWObjectType*> collected;
-    for (IKWObjectType* t = it.GetNext(1); t; t = it.GetNext(0)) {
-        collected.push_back(t);
-    }
+    const auto collected = ElementsOf(CKWTypeSystem::GetRepositoryIterator(repository));
     EXPECT_EQ(collected.size(), 2u);
     EXPECT_NE(std::find(collected.begin(), collected.end(), &late), collected.end());
 

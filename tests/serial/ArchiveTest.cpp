@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "SerialTestTypes.h"
+#include "MemArchiveTest.h"
 
 namespace {
 
@@ -11,23 +11,7 @@ int LiveCount(CKWObjectTypeImpl* type) {
     return type->GetInstanceCount();
 }
 
-class Hierarchy : public ::testing::Test {
-protected:
-    void SetUp() override {
-        m_pArchive = KWTestCreate<CMemArchive>(CMemArchive::GetCMemArchiveType());
-        ASSERT_NE(m_pArchive, nullptr);
-    }
-    void TearDown() override {
-        if (m_pArchive) {
-            m_pArchive->Release();
-        }
-        EXPECT_EQ(LiveCount(CMemDocument::GetCMemDocumentType()), 0);
-        EXPECT_EQ(LiveCount(CMemTypeManifest::GetCMemTypeManifestType()), 0);
-        EXPECT_EQ(LiveCount(CMemFieldStream::GetCMemFieldStreamType()), 0);
-    }
-
-    CMemArchive* m_pArchive = nullptr;
-};
+using Hierarchy = MemArchiveTest;
 
 TEST_F(Hierarchy, SaveNeedsTheWriteBit) {
     struct Row {
@@ -61,10 +45,10 @@ TEST_F(Hierarchy, EachLevelMakesTheBackEndsClassesUnderUniqueKeys) {
     EXPECT_TRUE(fresh->GetInstanceID().IsValid());
 
     EXPECT_EQ(document->CreateTypeManifest(CKWGuid(), nullptr), nullptr);
-    CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kPartTypeID), nullptr);
+    CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr);
     ASSERT_NE(dynamic_cast<CMemTypeManifest*>(manifest), nullptr);
     EXPECT_EQ(manifest->GetDocument(), document);
-    EXPECT_EQ(document->CreateTypeManifest(CKWGuid(kPartTypeID), nullptr), nullptr);
+    EXPECT_EQ(document->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr), nullptr);
 
     EXPECT_EQ(manifest->CreateFieldStream(CKWGuid(), nullptr), nullptr);
     CKWFieldStream* stream = manifest->CreateFieldStream(instanceID, nullptr);
@@ -78,18 +62,18 @@ TEST_F(Hierarchy, EachLevelMakesTheBackEndsClassesUnderUniqueKeys) {
 TEST_F(Hierarchy, DeletingReleasesTheChildAndWhatItHolds) {
     CKWDocument* first = m_pArchive->CreateNewDocument(CKWGuid(), nullptr);
     CKWDocument* second = m_pArchive->CreateNewDocument(CKWGuid(), nullptr);
-    CKWTypeManifest* manifest = first->CreateTypeManifest(CKWGuid(kPartTypeID), nullptr);
+    CKWTypeManifest* manifest = first->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr);
     manifest->CreateFieldStream(CKWGuid::CreateNewGUID(), nullptr);
     const CKWGuid streamID = CKWGuid::CreateNewGUID();
     manifest->CreateFieldStream(streamID, nullptr);
-    second->CreateTypeManifest(CKWGuid(kAssemblyTypeID), nullptr)
+    second->CreateTypeManifest(CKWGuid(kSampleAssemblyTypeID), nullptr)
         ->CreateFieldStream(CKWGuid::CreateNewGUID(), nullptr);
 
     EXPECT_EQ(manifest->DeleteFieldStream(streamID), 1);
     EXPECT_EQ(manifest->DeleteFieldStream(streamID), 0);
     EXPECT_EQ(LiveCount(CMemFieldStream::GetCMemFieldStreamType()), 2);
     EXPECT_EQ(second->DeleteAllTypeManifests(), 1);
-    EXPECT_EQ(second->DeleteTypeManifest(CKWGuid(kAssemblyTypeID)), 0);
+    EXPECT_EQ(second->DeleteTypeManifest(CKWGuid(kSampleAssemblyTypeID)), 0);
     EXPECT_EQ(LiveCount(CMemTypeManifest::GetCMemTypeManifestType()), 1);
     EXPECT_EQ(LiveCount(CMemFieldStream::GetCMemFieldStreamType()), 1);
 
@@ -98,9 +82,9 @@ TEST_F(Hierarchy, DeletingReleasesTheChildAndWhatItHolds) {
     EXPECT_EQ(LiveCount(CMemTypeManifest::GetCMemTypeManifestType()), 0);
     EXPECT_EQ(LiveCount(CMemFieldStream::GetCMemFieldStreamType()), 0);
     m_pArchive->CreateNewDocument(CKWGuid(), nullptr)
-        ->CreateTypeManifest(CKWGuid(kPartTypeID), nullptr)
+        ->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr)
         ->CreateFieldStream(CKWGuid::CreateNewGUID(), nullptr);
-    EXPECT_EQ(m_pArchive->Release(), 1);  // TearDown checks that nothing is left
+    EXPECT_EQ(m_pArchive->Release(), 1);  // the fixture checks that nothing is left
     m_pArchive = nullptr;
 }
 

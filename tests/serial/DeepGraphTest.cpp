@@ -4,11 +4,10 @@
 
 #include <vector>
 
-#include "SerialTestTypes.h"
-#include "kwcore/framework/CKWGraphEdge.h"
-#include "kwcore/framework/CKWGraphNode.h"
+#include "GraphBuilders.h"
+#include "KWTestScale.h"
+#include "MemArchiveTest.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
-#include "../KWTestScale.h"
 
 namespace {
 
@@ -16,70 +15,56 @@ namespace {
 constexpr int kChainLength = 1000000 / kKWTestScale;
 constexpr int kRingLength = 200000 / kKWTestScale;
 
-class DeepGraph : public ::testing::Test {
+class DeepGraph : public MemArchiveTest {
 protected:
-    void SetUp() override {
-        m_pArchive = KWTestCreate<CMemArchive>(CMemArchive::GetCMemArchiveType());
-        ASSERT_TRUE(m_pArchive->Open(CKWArchive::modeWrite));
-        m_pDocument =
-            dynamic_cast<CMemDocument*>(m_pArchive->CreateNewDocument(CKWGuid(), nullptr));
-        ASSERT_NE(m_pDocument, nullptr);
-    }
     void TearDown() override {
         CKWGraphEdge::GetCKWGraphEdgeType()->ReleaseInstances();
         CKWGraphNode::GetCKWGraphNodeType()->ReleaseInstances();
-        CTestPart::GetCTestPartType()->ReleaseInstances();
-        m_pArchive->Release();
+        MemArchiveTest::TearDown();
     }
-
-    CMemArchive* m_pArchive = nullptr;
-    CMemDocument* m_pDocument = nullptr;
 };
 
 TEST_F(DeepGraph, ARingOfLinkedPartsIsSavedAndLoadedInRecursiveOrder) {
-    std::vector<CTestPart*> chain(kRingLength);
+    std::vector<CSamplePart*> chain(kRingLength);
     std::vector<CKWGuid> ids(kRingLength);
     for (int i = kRingLength - 1; i >= 0; --i) {
-        chain[i] = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
+        chain[i] = KWTestCreate<CSamplePart>(CSamplePart::GetCSamplePartType());
         ASSERT_NE(chain[i], nullptr);
         chain[i]->m_iCount = i;
-        chain[i]->m_pNext = i + 1 < kRingLength ? chain[i + 1] : nullptr;
+        chain[i]->m_pLink = i + 1 < kRingLength ? chain[i + 1] : nullptr;
         ids[i] = chain[i]->GetInstanceID();
     }
-    chain.back()->m_pNext = chain[0];  // a ring
-    chain[0]->m_Parts.Add(chain[kRingLength / 2]);
+    chain.back()->m_pLink = chain[0];  // a ring
+    chain[0]->m_Links.Add(chain[kRingLength / 2]);
     ASSERT_EQ(chain[0]->SerializeTo(m_pDocument), 1);
-    // Each object was written once, and the whole ring before the part list's link.
-    EXPECT_EQ(m_pDocument->FindStream(CKWGuid(kPartTypeID), ids.back())->m_iHeaderWrites, 1);
+    // Each object was written once, and the whole ring before the link list's link.
+    EXPECT_EQ(m_pDocument->FindStream(CKWGuid(kSamplePartTypeID), ids.back())->m_iHeaderWrites, 1);
     EXPECT_EQ(chain[0]->m_hookCalls, (std::vector<CString>{"BeforeSave", "AfterSave"}));
-    CTestPart::GetCTestPartType()->ReleaseInstances();
+    CSamplePart::GetCSamplePartType()->ReleaseInstances();
 
-    auto* first = dynamic_cast<CTestPart*>(m_pDocument->GetObjectA(CKWGuid(kPartTypeID), ids[0]));
+    auto* first =
+        dynamic_cast<CSamplePart*>(m_pDocument->GetObjectA(CKWGuid(kSamplePartTypeID), ids[0]));
     ASSERT_NE(first, nullptr);
-    EXPECT_EQ(CTestPart::GetCTestPartType()->GetInstanceCount(), kRingLength);
-    CTestPart* part = first;
+    EXPECT_EQ(CSamplePart::GetCSamplePartType()->GetInstanceCount(), kRingLength);
+    CSamplePart* part = first;
     for (int i = 0; i < kRingLength; ++i) {
         ASSERT_EQ(part->GetInstanceID(), ids[i]);
         ASSERT_EQ(part->m_iCount, i);
         // The last part finished loading first: hooks run as recursion would run them.
         ASSERT_EQ(part->m_hookCalls.size(), 2u);
-        part = part->m_pNext;
+        part = part->m_pLink;
     }
     EXPECT_EQ(part, first);
-    ASSERT_EQ(first->m_Parts.GetCount(), 1);
-    EXPECT_EQ((*first->m_Parts.begin())->m_iCount, kRingLength / 2);
+    ASSERT_EQ(first->m_Links.GetCount(), 1);
+    EXPECT_EQ((*first->m_Links.begin())->m_iCount, kRingLength / 2);
 }
 
 TEST_F(DeepGraph, AMillionNodeChainIsSavedLoadedWholeAndReleased) {
-    std::vector<CKWGraphNode*> chain(kChainLength);
-    std::vector<CKWGuid> nodeIDs(kChainLength);
-    for (int i = 0; i < kChainLength; ++i) {
-        chain[i] = KWTestCreate<CKWGraphNode>(CKWGraphNode::GetCKWGraphNodeType());
-        nodeIDs[i] = chain[i]->GetInstanceID();
-        if (i > 0) {
-            auto* edge = KWTestCreate<CKWGraphEdge>(CKWGraphEdge::GetCKWGraphEdgeType());
-            ASSERT_TRUE(edge->SetNodes(chain[i - 1], chain[i]) && edge->Connect());
-        }
+    const std::vector<CKWGraphNode*> chain = NewChain(kChainLength);
+    ASSERT_EQ(chain.size(), static_cast<std::size_t>(kChainLength));
+    std::vector<CKWGuid> nodeIDs;
+    for (CKWGraphNode* node : chain) {
+        nodeIDs.push_back(node->GetInstanceID());
     }
     ASSERT_EQ(chain[kChainLength - 1]->SerializeTo(m_pDocument), 1);
     CKWGraphNode::GetCKWGraphNodeType()->ReleaseInstances();

@@ -4,24 +4,24 @@
 #include <string>
 #include <vector>
 
-#include "SerialTestTypes.h"
+#include "MemArchiveTest.h"
 #include "kwcore/serial/CKWGroupFieldData.h"
 
 namespace {
 
-class FieldData : public ::testing::Test {
+class FieldData : public MemArchiveTest {
 protected:
     void SetUp() override {
-        m_pPart = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
-        m_pOther = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
+        ASSERT_NO_FATAL_FAILURE(MemArchiveTest::SetUp());
+        m_pPart = KWTestCreate<CSamplePart>(CSamplePart::GetCSamplePartType());
+        m_pOther = KWTestCreate<CSamplePart>(CSamplePart::GetCSamplePartType());
         ASSERT_TRUE(m_pPart && m_pOther);
     }
-    void TearDown() override { CTestPart::GetCTestPartType()->ReleaseInstances(); }
 
-    static IKWFieldData* Data(CTestPart* part, const char* fieldID) {
+    static IKWFieldData* Data(CSamplePart* part, const char* fieldID) {
         return part->GetFieldData(CKWGuid(fieldID));
     }
-    static std::string Text(CTestPart* part, const char* fieldID) {
+    static std::string Text(CSamplePart* part, const char* fieldID) {
         return std::string(Data(part, fieldID)->GetStringValue());
     }
     // A group of the field in both parts; the caller releases it.
@@ -32,8 +32,8 @@ protected:
         return group;
     }
 
-    CTestPart* m_pPart = nullptr;
-    CTestPart* m_pOther = nullptr;
+    CSamplePart* m_pPart = nullptr;
+    CSamplePart* m_pOther = nullptr;
 };
 
 TEST_F(FieldData, ValuesTakeAndGiveTheirTextFormsInPlace) {
@@ -53,8 +53,8 @@ TEST_F(FieldData, ValuesTakeAndGiveTheirTextFormsInPlace) {
         {kTagFieldID, "{2E40626A-D1F3-4538-9EE0-0123AFC0E1F4}", 1,
          "{2e40626a-d1f3-4538-9ee0-0123afc0e1f4}"},
         {kTagFieldID, "not a guid", 0, "{2e40626a-d1f3-4538-9ee0-0123afc0e1f4}"},
-        {kNextFieldID, "x", 0, "Not Set"},
-        {kPartsFieldID, "x", 0, "0"},
+        {kLinkFieldID, "x", 0, "Not Set"},
+        {kLinksFieldID, "x", 0, "0"},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(Data(m_pPart, row.fieldID)->SetValueFromString(row.input), row.accepted)
@@ -64,31 +64,31 @@ TEST_F(FieldData, ValuesTakeAndGiveTheirTextFormsInPlace) {
     EXPECT_EQ(m_pPart->m_iCount, -7);
     m_pPart->m_Name = "axle";
     EXPECT_EQ(Text(m_pPart, kNameFieldID), "axle");
-    m_pPart->m_pNext = m_pOther;
-    EXPECT_EQ(Text(m_pPart, kNextFieldID), std::string(m_pOther->GetInstanceID().GetCString()));
-    m_pPart->m_Parts.Add(m_pOther);
-    m_pPart->m_Parts.Add(m_pPart);
-    EXPECT_EQ(Text(m_pPart, kPartsFieldID), "2");
+    m_pPart->m_pLink = m_pOther;
+    EXPECT_EQ(Text(m_pPart, kLinkFieldID), std::string(m_pOther->GetInstanceID().GetCString()));
+    m_pPart->m_Links.Add(m_pOther);
+    m_pPart->m_Links.Add(m_pPart);
+    EXPECT_EQ(Text(m_pPart, kLinksFieldID), "2");
 }
 
 TEST_F(FieldData, EqualsSetToAndCloneCompareAndCopyEveryKind) {
     m_pPart->m_Name = "rim";
     m_pPart->m_iCount = 5;
     m_pPart->m_Tag = CKWGuid::CreateNewGUID();
-    m_pPart->m_pNext = m_pOther;
-    m_pPart->m_Parts.Add(m_pPart);
-    m_pPart->m_Parts.Add(m_pOther);
-    m_pOther->m_Parts.Add(m_pOther);
-    const char* const ids[] = {kNameFieldID, kCountFieldID, kTagFieldID, kNextFieldID,
-                               kPartsFieldID};
+    m_pPart->m_pLink = m_pOther;
+    m_pPart->m_Links.Add(m_pPart);
+    m_pPart->m_Links.Add(m_pOther);
+    m_pOther->m_Links.Add(m_pOther);
+    const char* const ids[] = {kNameFieldID, kCountFieldID, kTagFieldID, kLinkFieldID,
+                               kLinksFieldID};
     for (int cloned = 0; cloned < 2; ++cloned) {
         for (const char* id : ids) {
             EXPECT_EQ(Data(m_pOther, id)->Equals(Data(m_pPart, id)), cloned) << id;
         }
         EXPECT_EQ(m_pOther->CloneFieldData(m_pPart), 1);
     }
-    EXPECT_EQ(Data(m_pOther, kNextFieldID)->SetTo(Data(m_pPart, kNameFieldID)), 0);
-    EXPECT_EQ(m_pOther->m_pNext, m_pOther);
+    EXPECT_EQ(Data(m_pOther, kLinkFieldID)->SetTo(Data(m_pPart, kNameFieldID)), 0);
+    EXPECT_EQ(m_pOther->m_pLink, m_pOther);
     EXPECT_EQ(m_pOther->CloneFieldData(nullptr), 0);
 }
 

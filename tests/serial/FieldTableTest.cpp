@@ -5,38 +5,26 @@
 #include <iterator>
 #include <string>
 
-#include "SerialTestTypes.h"
-#include "kwcore/object/CKWTypeSystem.h"
+#include "CSamplePart.h"
+#include "KWTestObjects.h"
+#include "LibraryTypes.h"
+#include "kwcore/serial/CKWFieldStream.h"
 
 namespace {
 
 TEST(SerialTypes, LibraryAndHostTypesAreRegisteredWithTheirParents) {
-    struct Row {
-        const char* typeID;
-        const char* name;
-        const char* parentID;
-        int abstract;
-    };
-    const Row rows[] = {
-        {"{23F18565-85A5-4649-AEC0-DF55D8C3CDAB}", "CKWSerialObject", kObjectImplTypeID, 0},
+    ASSERT_NO_FATAL_FAILURE(ExpectLibraryTypes({
+        {kSerialObjectTypeID, "CKWSerialObject", kObjectImplTypeID, 0},
         {"{5493CC7D-6A62-4A33-B7D1-1DDBD2FB7EA4}", "CKWArchive", kObjectImplTypeID, 0},
         {"{4F87AD20-AE52-43A7-882C-599156B30828}", "CKWDocument", kObjectImplTypeID, 0},
         {"{3F68C1C9-F7A2-4E46-BEA7-64ED4D22827D}", "CKWFieldStream", kObjectImplTypeID, 1},
         {"{D13AE1B6-424A-436C-91C7-982A72F0B631}", "CKWTypeManifest", kObjectImplTypeID, 0},
-    };
-    for (const Row& row : rows) {
-        IKWObjectType* type = CKWTypeSystem::FindType(CKWGuid(row.typeID));
-        ASSERT_NE(type, nullptr) << row.name;
-        EXPECT_EQ(std::string(type->GetName()), row.name);
-        EXPECT_EQ(type->GetParentType(), CKWTypeSystem::FindType(row.parentID)) << row.name;
-        EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
-        EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID));
-    }
+    }));
     EXPECT_EQ(CKWFieldStream::GetCKWFieldStreamType()->CreateInstance(CKWGuid()), nullptr);
-    IKWObjectType* assembly = CKWTypeSystem::FindType(kAssemblyTypeID);
-    ASSERT_EQ(assembly, CTestAssembly::GetCTestAssemblyType());
+    IKWObjectType* assembly = CKWTypeSystem::FindType(kSampleAssemblyTypeID);
+    ASSERT_EQ(assembly, CSampleAssembly::GetCSampleAssemblyType());
     EXPECT_EQ(assembly->IsTypeOf(kSerialObjectTypeID), 1);
-    EXPECT_EQ(CTestPart::GetCTestPartType()->IsTypeOf(kAssemblyTypeID), 0);
+    EXPECT_EQ(CSamplePart::GetCSamplePartType()->IsTypeOf(kSampleAssemblyTypeID), 0);
     // The serial root is already named for re-adding.
     EXPECT_EQ(CKWTypeSystem::AddRootType(nullptr), 0);
     EXPECT_EQ(CKWTypeSystem::AddRootType(CKWSerialObject::GetCKWSerialObjectType()), 0);
@@ -49,7 +37,7 @@ TEST(SerialTypesShutdownDeathTest, InitializeAfterReleaseBringsTheSerialRootBack
         {
             CKWTypeSystem::Release();
             const bool forgotten = CKWTypeSystem::FindType(kSerialObjectTypeID) == nullptr;
-            CKWTypeSystem::Initialize(CKWGuid(kSerialTestRepositoryID));
+            CKWTypeSystem::Initialize(CKWGuid(kKWTestRepositoryID));
             const bool back = CKWTypeSystem::FindType(kSerialObjectTypeID) ==
                               CKWSerialObject::GetCKWSerialObjectType();
             std::exit(forgotten && back ? 0 : 1);
@@ -66,20 +54,20 @@ TEST(FieldTables, ADerivedTableHoldsItsBaseFieldsFirstAndObjectsFollowIt) {
         int stringStorage;
         CKWSerialObjectTypeImpl* origin;
     };
-    CKWSerialObjectTypeImpl* part = CTestPart::GetCTestPartType();
-    CKWSerialObjectTypeImpl* assembly = CTestAssembly::GetCTestAssemblyType();
+    CKWSerialObjectTypeImpl* part = CSamplePart::GetCSamplePartType();
+    CKWSerialObjectTypeImpl* assembly = CSampleAssembly::GetCSampleAssemblyType();
     const Row rows[] = {
         {kNameFieldID, "m_Name", kTextTypeID, 3, 1, part},
         {kCountFieldID, "m_iCount", kIntTypeID, 3, 1, part},
         {kTagFieldID, "m_Tag", kGuidTypeID, 3, 1, part},
-        {kNextFieldID, "m_pNext", kPartTypeID, 3, 0, part},
-        {kPartsFieldID, "m_Parts", kPartTypeID, 3, 0, part},
-        {kIndexFieldID, "m_Index", kPartTypeID, 3, 0, assembly},
+        {kLinkFieldID, "m_pLink", kSamplePartTypeID, 3, 0, part},
+        {kLinksFieldID, "m_Links", kSamplePartTypeID, 3, 0, part},
+        {kLinkMapFieldID, "m_LinkMap", kSamplePartTypeID, 3, 0, assembly},
         {kLoadOnlyFieldID, "m_LoadOnly", kTextTypeID, 1, 1, assembly},
         {kSaveOnlyFieldID, "m_SaveOnly", kTextTypeID, 2, 1, assembly},
     };
     ASSERT_EQ(assembly->GetFields().size(), std::size(rows));
-    auto* object = KWTestCreate<CTestAssembly>(assembly);
+    auto* object = KWTestCreate<CSampleAssembly>(assembly);
     ASSERT_EQ(object->GetFieldDataList().size(), std::size(rows));
     for (size_t i = 0; i < std::size(rows); ++i) {
         const Row& row = rows[i];
@@ -98,32 +86,33 @@ TEST(FieldTables, ADerivedTableHoldsItsBaseFieldsFirstAndObjectsFollowIt) {
     EXPECT_EQ(object->Release(), 1);
     // Each table owns its own copies of the base fields.
     EXPECT_NE(part->GetField(kNameFieldID), assembly->GetField(kNameFieldID));
-    EXPECT_EQ(part->GetField(kIndexFieldID), nullptr);
+    EXPECT_EQ(part->GetField(kLinkMapFieldID), nullptr);
 }
 
 TEST(FieldTables, TablesRefuseNullMissingAndTakenIDsAndBuildOnce) {
-    CKWSerialObjectTypeImpl* part = CTestPart::GetCTestPartType();
-    auto* taken = new CKWFieldT<CString>(&CKWFieldMember<&CTestPart::m_Name>::Get);
+    CKWSerialObjectTypeImpl* part = CSamplePart::GetCSamplePartType();
+    auto* taken = new CKWFieldT<CString>(&CKWFieldMember<&CSamplePart::m_Name>::Get);
     taken->SetFieldID(kNameFieldID);
-    auto* missing = new CKWFieldT<CString>(&CKWFieldMember<&CTestPart::m_Name>::Get);
+    auto* missing = new CKWFieldT<CString>(&CKWFieldMember<&CSamplePart::m_Name>::Get);
     EXPECT_EQ(part->AddField(nullptr), 0);
     EXPECT_EQ(part->AddField(taken), 0);
     EXPECT_EQ(part->AddField(missing), 0);
     EXPECT_EQ(part->GetFields().size(), 5u);
     taken->Release();
     missing->Release();
-    CKWSerialObjectTypeImpl* assembly = CTestAssembly::GetCTestAssemblyType();
+    CKWSerialObjectTypeImpl* assembly = CSampleAssembly::GetCSampleAssemblyType();
     assembly->CreateFields(assembly, nullptr);
     assembly->InitializeType();
     EXPECT_EQ(assembly->GetFields().size(), 8u);
 }
 
 TEST(TypeSettings, InstanceNamesCountUpPerType) {
-    CKWSerialObjectTypeImpl* part = CTestPart::GetCTestPartType();
+    CKWSerialObjectTypeImpl* part = CSamplePart::GetCSamplePartType();
     const CString first = part->GetNextInstanceName();
     const CString second = part->GetNextInstanceName();
-    const int n = std::stoi(std::string(first).substr(9));
-    EXPECT_EQ(std::string(second), "CTestPart" + std::to_string(n + 1));
+    const std::string name = "CSamplePart";
+    const int n = std::stoi(std::string(first).substr(name.size()));
+    EXPECT_EQ(std::string(second), name + std::to_string(n + 1));
 }
 
 }  // namespace

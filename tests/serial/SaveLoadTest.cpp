@@ -5,55 +5,44 @@
 #include <string>
 #include <vector>
 
-#include "SerialTestTypes.h"
+#include "MemArchiveTest.h"
 
 namespace {
 
 using Links = std::vector<std::pair<CKWGuid, CKWGuid>>;
 
-class SaveLoad : public ::testing::Test {
+IKWSerializableAdaptor* AdaptorOf(IKWObject* object) {
+    return static_cast<IKWSerializableAdaptor*>(object->GetInterface(IID_IKWSerializableAdaptor));
+}
+
+class SaveLoad : public MemArchiveTest {
 protected:
-    // a (assembly) -> next b -> next a; a's parts b, c; c's parts a.
+    // a (assembly) -> link b -> link a; a's links b, c; c's links a.
     void SetUp() override {
-        m_pArchive = KWTestCreate<CMemArchive>(CMemArchive::GetCMemArchiveType());
-        ASSERT_TRUE(m_pArchive->Open(CKWArchive::modeWrite));
-        m_pDocument =
-            dynamic_cast<CMemDocument*>(m_pArchive->CreateNewDocument(CKWGuid(), nullptr));
-        m_pA = KWTestCreate<CTestAssembly>(CTestAssembly::GetCTestAssemblyType());
-        m_pB = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
-        m_pC = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
-        ASSERT_TRUE(m_pDocument && m_pA && m_pB && m_pC);
+        ASSERT_NO_FATAL_FAILURE(MemArchiveTest::SetUp());
+        m_pA = KWTestCreate<CSampleAssembly>(CSampleAssembly::GetCSampleAssemblyType());
+        m_pB = KWTestCreate<CSamplePart>(CSamplePart::GetCSamplePartType());
+        m_pC = KWTestCreate<CSamplePart>(CSamplePart::GetCSamplePartType());
+        ASSERT_TRUE(m_pA && m_pB && m_pC);
         m_aID = Fill(m_pA, "alpha", 7, m_tag, m_pB, {m_pB, m_pC});
         m_bID = Fill(m_pB, "beta", 0, CKWGuid(), m_pA, {});
         m_cID = Fill(m_pC, "gamma", -3, CKWGuid(), nullptr, {m_pA});
-        m_pA->m_Index.Add(m_pC);
-        m_pA->m_Index.Add(m_pB);
+        m_pA->m_LinkMap.Add(m_pC);
+        m_pA->m_LinkMap.Add(m_pB);
         m_pA->m_LoadOnly = "kept";
         m_pA->m_SaveOnly = "out";
     }
 
-    void TearDown() override {
-        CMemFieldStream::s_failingFieldID = CKWGuid();
-        ReleaseGraph();
-        m_pArchive->Release();
-        EXPECT_EQ(CMemFieldStream::GetCMemFieldStreamType()->GetInstanceCount(), 0);
-    }
-
-    static CKWGuid Fill(CTestPart* part, const char* name, int count, const CKWGuid& tag,
-                        CTestPart* next, std::initializer_list<CTestPart*> parts) {
+    static CKWGuid Fill(CSamplePart* part, const char* name, int count, const CKWGuid& tag,
+                        CSamplePart* link, std::initializer_list<CSamplePart*> links) {
         part->m_Name = name;
         part->m_iCount = count;
         part->m_Tag = tag;
-        part->m_pNext = next;
-        for (CTestPart* p : parts) {
-            part->m_Parts.Add(p);
+        part->m_pLink = link;
+        for (CSamplePart* p : links) {
+            part->m_Links.Add(p);
         }
         return part->GetInstanceID();
-    }
-
-    void ReleaseGraph() {
-        CTestAssembly::GetCTestAssemblyType()->ReleaseInstances();
-        CTestPart::GetCTestPartType()->ReleaseInstances();
     }
 
     int Save(IKWObject* object) { return AdaptorOf(object)->SerializeTo(m_pDocument); }
@@ -61,23 +50,21 @@ protected:
     CMemFieldStream* StreamOf(const char* typeID, const CKWGuid& instanceID) {
         return m_pDocument->FindStream(CKWGuid(typeID), instanceID);
     }
-    CMemFieldStream* StreamA() { return StreamOf(kAssemblyTypeID, m_aID); }
-    CMemFieldStream* StreamB() { return StreamOf(kPartTypeID, m_bID); }
-    CMemFieldStream* StreamC() { return StreamOf(kPartTypeID, m_cID); }
+    CMemFieldStream* StreamA() { return StreamOf(kSampleAssemblyTypeID, m_aID); }
+    CMemFieldStream* StreamB() { return StreamOf(kSamplePartTypeID, m_bID); }
+    CMemFieldStream* StreamC() { return StreamOf(kSamplePartTypeID, m_cID); }
     std::vector<CMemFieldStream*> Streams() { return {StreamA(), StreamB(), StreamC()}; }
 
     // Releases the graph and loads it back from a.
-    CTestAssembly* ReleaseAndLoad() {
-        ReleaseGraph();
-        return dynamic_cast<CTestAssembly*>(
-            m_pDocument->GetObjectA(CKWGuid(kAssemblyTypeID), m_aID));
+    CSampleAssembly* ReleaseAndLoad() {
+        ReleaseSamples();
+        return dynamic_cast<CSampleAssembly*>(
+            m_pDocument->GetObjectA(CKWGuid(kSampleAssemblyTypeID), m_aID));
     }
 
-    CMemArchive* m_pArchive = nullptr;
-    CMemDocument* m_pDocument = nullptr;
-    CTestAssembly* m_pA = nullptr;
-    CTestPart* m_pB = nullptr;
-    CTestPart* m_pC = nullptr;
+    CSampleAssembly* m_pA = nullptr;
+    CSamplePart* m_pB = nullptr;
+    CSamplePart* m_pC = nullptr;
     CKWGuid m_aID, m_bID, m_cID, m_tag = CKWGuid::CreateNewGUID();
 };
 
@@ -102,18 +89,19 @@ TEST_F(SaveLoad, SavingWritesTheWholeGraphOncePerSession) {
 TEST_F(SaveLoad, ValuesAndLinksAreStoredByFieldInTableOrder) {
     ASSERT_EQ(Save(m_pA), 1);
     CMemFieldStream* a = StreamA();
-    EXPECT_EQ(a->m_writeOrder, (std::vector<CKWGuid>{CKWGuid(kNameFieldID), CKWGuid(kCountFieldID),
-                                                     CKWGuid(kTagFieldID), CKWGuid(kNextFieldID),
-                                                     CKWGuid(kPartsFieldID), CKWGuid(kIndexFieldID),
-                                                     CKWGuid(kSaveOnlyFieldID)}));
+    EXPECT_EQ(
+        a->m_writeOrder,
+        (std::vector<CKWGuid>{CKWGuid(kNameFieldID), CKWGuid(kCountFieldID), CKWGuid(kTagFieldID),
+                              CKWGuid(kLinkFieldID), CKWGuid(kLinksFieldID),
+                              CKWGuid(kLinkMapFieldID), CKWGuid(kSaveOnlyFieldID)}));
     EXPECT_EQ(std::string(a->m_fields[CKWGuid(kNameFieldID)].text), "alpha");
     EXPECT_EQ(std::string(a->m_fields[CKWGuid(kCountFieldID)].text), "7");
     EXPECT_EQ(a->m_fields[CKWGuid(kTagFieldID)].text, m_tag.GetCString());
-    const CKWGuid part(kPartTypeID);
-    EXPECT_EQ(a->m_fields[CKWGuid(kNextFieldID)].links, (Links{{part, m_bID}}));
-    EXPECT_EQ(a->m_fields[CKWGuid(kPartsFieldID)].links, (Links{{part, m_bID}, {part, m_cID}}));
-    EXPECT_EQ(a->m_fields[CKWGuid(kIndexFieldID)].links.size(), 2u);
-    EXPECT_TRUE(StreamC()->m_fields[CKWGuid(kNextFieldID)].links.empty());
+    const CKWGuid part(kSamplePartTypeID);
+    EXPECT_EQ(a->m_fields[CKWGuid(kLinkFieldID)].links, (Links{{part, m_bID}}));
+    EXPECT_EQ(a->m_fields[CKWGuid(kLinksFieldID)].links, (Links{{part, m_bID}, {part, m_cID}}));
+    EXPECT_EQ(a->m_fields[CKWGuid(kLinkMapFieldID)].links.size(), 2u);
+    EXPECT_TRUE(StreamC()->m_fields[CKWGuid(kLinkFieldID)].links.empty());
 }
 
 TEST_F(SaveLoad, AFailingFieldStopsTheSaveWithTheFieldsBeforeItWritten) {
@@ -126,9 +114,9 @@ TEST_F(SaveLoad, AFailingFieldStopsTheSaveWithTheFieldsBeforeItWritten) {
 }
 
 TEST_F(SaveLoad, AFailingLinkedObjectFailsTheObjectThatLinksIt) {
-    m_pA->m_pNext = m_pC;
-    m_pC->m_Parts.RemoveAll(false);
-    CMemFieldStream::s_failingFieldID = CKWGuid(kPartsFieldID);
+    m_pA->m_pLink = m_pC;
+    m_pC->m_Links.RemoveAll(false);
+    CMemFieldStream::s_failingFieldID = CKWGuid(kLinksFieldID);
     EXPECT_EQ(Save(m_pA), 0);
     EXPECT_EQ(StreamC()->m_writeOrder.size(), 4u);
 }
@@ -139,30 +127,30 @@ TEST_F(SaveLoad, LoadingReadsEachObjectOnceAndRebuildsTheGraphWithItsIDs) {
     ASSERT_EQ(Save(m_pA), 1);
     // The load-only field is never saved, so its stored value is put in by hand.
     StreamA()->m_fields[CKWGuid(kLoadOnlyFieldID)].text = "kept";
-    CTestAssembly* a = ReleaseAndLoad();
+    CSampleAssembly* a = ReleaseAndLoad();
     ASSERT_NE(a, nullptr);
     EXPECT_EQ(a->GetInstanceID(), m_aID);
     EXPECT_EQ(std::string(a->m_Name), "alpha");
     EXPECT_EQ(a->m_iCount, 7);
     EXPECT_EQ(a->m_Tag, m_tag);
-    CTestPart* b = a->m_pNext;
+    CSamplePart* b = a->m_pLink;
     ASSERT_NE(b, nullptr);
     EXPECT_EQ(b->GetInstanceID(), m_bID);
-    EXPECT_EQ(b->m_pNext, a);  // the cycle closes on the same object
+    EXPECT_EQ(b->m_pLink, a);  // the cycle closes on the same object
     std::vector<CKWGuid> parts;
-    for (CTestPart* part : a->m_Parts) {
+    for (CSamplePart* part : a->m_Links) {
         parts.push_back(part->GetInstanceID());
     }
     EXPECT_EQ(parts, (std::vector<CKWGuid>{m_bID, m_cID}));
-    CTestPart* c = a->m_Parts.FindObject(m_cID);
+    CSamplePart* c = a->m_Links.FindObject(m_cID);
     EXPECT_EQ(c->m_iCount, -3);
-    EXPECT_EQ(c->m_pNext, nullptr);
-    EXPECT_TRUE(c->m_Parts.Contains(a));
-    EXPECT_EQ(a->m_Index.GetCount(), 2);
-    EXPECT_EQ(a->m_Index.FindObject(m_bID), b);
+    EXPECT_EQ(c->m_pLink, nullptr);
+    EXPECT_TRUE(c->m_Links.Contains(a));
+    EXPECT_EQ(a->m_LinkMap.GetCount(), 2);
+    EXPECT_EQ(a->m_LinkMap.FindObject(m_bID), b);
     EXPECT_EQ(a->m_hookCalls, (std::vector<CString>{"BeforeLoad", "AfterLoad"}));
-    EXPECT_EQ(CTestPart::GetCTestPartType()->GetInstanceCount(), 2);
-    EXPECT_EQ(m_pDocument->GetObjectA(CKWGuid(kAssemblyTypeID), m_aID), a);
+    EXPECT_EQ(CSamplePart::GetCSamplePartType()->GetInstanceCount(), 2);
+    EXPECT_EQ(m_pDocument->GetObjectA(CKWGuid(kSampleAssemblyTypeID), m_aID), a);
     for (CMemFieldStream* stream : Streams()) {
         EXPECT_EQ(stream->m_iHeaderReads, 1);
     }
@@ -175,7 +163,7 @@ TEST_F(SaveLoad, FlagsChooseTheDirectionsAFieldTakes) {
     EXPECT_EQ(std::string(stream->m_fields[CKWGuid(kSaveOnlyFieldID)].text), "out");  // 2
     stream->m_fields[CKWGuid(kLoadOnlyFieldID)].text = "legacy";
     stream->m_fields[CKWGuid(kSaveOnlyFieldID)].text = "changed";
-    CTestAssembly* a = ReleaseAndLoad();
+    CSampleAssembly* a = ReleaseAndLoad();
     ASSERT_NE(a, nullptr);
     EXPECT_EQ(std::string(a->m_LoadOnly), "legacy");  // 1: read
     EXPECT_TRUE(a->m_SaveOnly.IsEmpty());             // 2: not read back
@@ -186,39 +174,41 @@ TEST_F(SaveLoad, AnObjectThatCannotBeReadIsReleasedAndItsLinksStayUnset) {
     ASSERT_EQ(Save(m_pA), 1);
     StreamA()->m_fields[CKWGuid(kLoadOnlyFieldID)].text = "";
     StreamB()->m_fields[CKWGuid(kCountFieldID)].text = "not a number";
-    CTestAssembly* a = ReleaseAndLoad();
+    CSampleAssembly* a = ReleaseAndLoad();
     ASSERT_NE(a, nullptr);
-    EXPECT_EQ(a->m_pNext, nullptr);
-    EXPECT_EQ(a->m_Parts.GetCount(), 1);
+    EXPECT_EQ(a->m_pLink, nullptr);
+    EXPECT_EQ(a->m_Links.GetCount(), 1);
     EXPECT_EQ(StreamB()->GetResult(), nullptr);
-    EXPECT_EQ(CTestPart::GetCTestPartType()->GetInstanceCount(), 1);  // c alone
+    EXPECT_EQ(CSamplePart::GetCSamplePartType()->GetInstanceCount(), 1);  // c alone
 }
 
 TEST_F(SaveLoad, AFailingFieldStopsTheLoadWithTheFieldsBeforeItReadAndLinksKept) {
     ASSERT_EQ(Save(m_pA), 1);
     // a fails at its load-only field, after b and c were read and linked to it.
     EXPECT_EQ(ReleaseAndLoad(), nullptr);
-    auto* b = dynamic_cast<CTestPart*>(m_pDocument->GetObjectA(CKWGuid(kPartTypeID), m_bID));
+    auto* b =
+        dynamic_cast<CSamplePart*>(m_pDocument->GetObjectA(CKWGuid(kSamplePartTypeID), m_bID));
     ASSERT_NE(b, nullptr);
-    ASSERT_NE(b->m_pNext, nullptr);
-    EXPECT_EQ(b->m_pNext->GetInstanceID(), m_aID);
-    EXPECT_EQ(std::string(b->m_pNext->m_Name), "alpha");
-    EXPECT_EQ(CTestAssembly::GetCTestAssemblyType()->GetInstanceCount(), 1);
+    ASSERT_NE(b->m_pLink, nullptr);
+    EXPECT_EQ(b->m_pLink->GetInstanceID(), m_aID);
+    EXPECT_EQ(std::string(b->m_pLink->m_Name), "alpha");
+    EXPECT_EQ(CSampleAssembly::GetCSampleAssemblyType()->GetInstanceCount(), 1);
 }
 
 TEST_F(SaveLoad, NullDocumentsUnknownTypesAndUnstoredObjectsFail) {
     EXPECT_EQ(AdaptorOf(m_pA)->SerializeTo(nullptr), 0);
     EXPECT_EQ(AdaptorOf(m_pA)->SerializeFieldDataTo(nullptr), 0);
     ASSERT_EQ(Save(m_pB), 1);
-    const int parts = CTestPart::GetCTestPartType()->GetInstanceCount();
+    const int parts = CSamplePart::GetCSamplePartType()->GetInstanceCount();
     EXPECT_EQ(m_pDocument->GetObjectA(CKWGuid::CreateNewGUID(), m_aID), nullptr);
-    EXPECT_EQ(m_pDocument->GetObjectA(CKWGuid(kPartTypeID), CKWGuid::CreateNewGUID()), nullptr);
+    EXPECT_EQ(m_pDocument->GetObjectA(CKWGuid(kSamplePartTypeID), CKWGuid::CreateNewGUID()),
+              nullptr);
     EXPECT_EQ(m_pDocument->GetObjectA(CKWGuid(), m_aID), nullptr);
-    EXPECT_EQ(CTestPart::GetCTestPartType()->GetInstanceCount(), parts);
-    auto* stray = KWTestCreate<CTestPart>(CTestPart::GetCTestPartType());
+    EXPECT_EQ(CSamplePart::GetCSamplePartType()->GetInstanceCount(), parts);
+    auto* stray = KWTestCreate<CSamplePart>(CSamplePart::GetCSamplePartType());
     EXPECT_EQ(stray->SerializeFrom(m_pDocument, nullptr, nullptr), 0);
     EXPECT_EQ(stray->SerializeFrom(nullptr, nullptr, nullptr), 0);
-    EXPECT_EQ(StreamOf(kPartTypeID, stray->GetInstanceID()), nullptr);
+    EXPECT_EQ(StreamOf(kSamplePartTypeID, stray->GetInstanceID()), nullptr);
 }
 
 }  // namespace

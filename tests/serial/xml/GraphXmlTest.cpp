@@ -5,18 +5,12 @@
 #include <string>
 #include <vector>
 
-#include "XmlTestSupport.h"
-#include "kwcore/framework/CKWGraphEdge.h"
-#include "kwcore/framework/CKWGraphNode.h"
+#include "GraphBuilders.h"
+#include "XmlArchiveTest.h"
 #include "kwcore/framework/CKWPreferences.h"
 #include "kwcore/framework/CKWReleaseVisitor.h"
 
 namespace {
-
-template <class T>
-T* Make(IKWObjectType* type) {
-    return dynamic_cast<T*>(type->CreateInstance(CKWGuid()));
-}
 
 CKWObjectTypeImpl* NodeType() {
     return CKWGraphNode::GetCKWGraphNodeType();
@@ -48,12 +42,11 @@ protected:
     // attached in an order unlike the IDs'.
     void Build() {
         for (CKWGraphNode*& node : m_nodes) {
-            node = Make<CKWGraphNode>(NodeType());
+            node = NewNode();
         }
         const int pairs[][2] = {{0, 1}, {1, 2}, {2, 0}, {2, 3}, {4, 3}, {3, 4}};
         for (const auto& pair : pairs) {
-            auto* edge = Make<CKWGraphEdge>(EdgeType());
-            ASSERT_TRUE(edge->SetNodes(m_nodes[pair[0]], m_nodes[pair[1]]) && edge->Connect());
+            ASSERT_NE(Join(m_nodes[pair[0]], m_nodes[pair[1]]), nullptr);
         }
     }
 
@@ -85,21 +78,13 @@ protected:
     }
 
     int Save(CKWSerialObject* root, const char* name, const CKWGuid& documentID = CKWGuid()) {
-        KWOwned<CKWXMLFileArchive> archive = NewArchive(Path(name));
-        if (!archive->Open(CKWArchive::modeWrite)) {
-            return 0;
-        }
-        CKWDocument* document = archive->CreateNewDocument(documentID, nullptr);
-        const int saved = document && root->SerializeTo(document);
-        return archive->Close() && saved ? 1 : 0;
+        return SaveXmlFile(Path(name), root, documentID);
     }
 
-    IKWObject* Load(CKWXMLFileArchive* archive, IKWObjectType* type, const CKWGuid& id) {
-        if (!archive->Open(CKWArchive::modeRead)) {
-            return nullptr;
-        }
-        CKWXMLFileDocument* document = FirstDocument(archive);
-        return document ? document->GetObjectA(type->GetID(), id) : nullptr;
+    static IKWObject* Load(CKWXMLFileArchive* archive, IKWObjectType* type, const CKWGuid& id) {
+        return archive->Open(CKWArchive::modeRead)
+                   ? LoadFromFirstDocument(archive, type->GetID(), id)
+                   : nullptr;
     }
 
     // Saves the built graph from node 3, releases it and loads it back from node 0.
@@ -109,7 +94,7 @@ protected:
         EXPECT_EQ(Save(m_nodes[3], name, m_documentID), 1);
         NodeType()->ReleaseInstances();
         EXPECT_EQ(Live(EdgeType()), 0);
-        archive = NewArchive(Path(name));
+        archive = NewXmlArchive(Path(name));
         return dynamic_cast<CKWGraphNode*>(Load(archive.get(), NodeType(), s_nodeIDs[0]));
     }
 
@@ -124,7 +109,7 @@ TEST_F(GraphXml, SavingOneNodeWritesTheWholeGraphOnceAndLoadingOneNodeRebuildsIt
     KWOwned<CKWXMLFileArchive> archive;
     CKWGraphNode* first = RoundTrip(archive, "graph.xml");
     ASSERT_NE(first, nullptr);
-    CKWXMLFileDocument* document = FirstDocument(archive.get());
+    CKWXMLFileDocument* document = FirstXmlDocument(archive.get());
     auto* nodes = static_cast<CKWTypeManifest*>(
         document->GetTypeManifestCollection()->Find(NodeType()->GetID()));
     auto* edges = static_cast<CKWTypeManifest*>(
@@ -144,7 +129,7 @@ TEST_F(GraphXml, SavingOneNodeWritesTheWholeGraphOnceAndLoadingOneNodeRebuildsIt
     const std::string text = ReadText(Path("graph.xml"));
     EXPECT_NE(text.find(ElementName("{BC46ABAF-175D-4139-9B08-1B063477ADDE}")), std::string::npos);
     // Released like a graph that was built: nothing is left.
-    auto* releaser = Make<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    auto* releaser = KWTestCreate<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
     ASSERT_EQ(releaser->Start(first), 1);
     releaser->Release();
     EXPECT_EQ(Live(NodeType()) + Live(EdgeType()), 0);
@@ -166,7 +151,7 @@ TEST_F(GraphXml, LinksToMissingOrWronglyTypedObjectsGiveAPartialGraph) {
     NodeType()->ReleaseInstances();
     std::string text = ReadText(Path("graph.xml"));
     // Node 4 is gone from the file; node 1's second edge link names the node type.
-    const std::string lost = "<" + lostID.GetCStringXMLElement().GetStdString() + ">";
+    const std::string lost = "<" + ElementName(lostID) + ">";
     const std::size_t from = text.find(lost);
     ASSERT_NE(from, std::string::npos);
     const std::string close = "</" + lost.substr(1);
@@ -180,7 +165,7 @@ TEST_F(GraphXml, LinksToMissingOrWronglyTypedObjectsGiveAPartialGraph) {
         "T=\"" + Attribute64(NodeType()->GetID()) + "\" I=\"" + Attribute64(edgeOfOne) + "\"");
     WriteText(Path("graph.xml"), text);
 
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("graph.xml"));
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("graph.xml"));
     auto* first = dynamic_cast<CKWGraphNode*>(Load(archive.get(), NodeType(), s_nodeIDs[0]));
     ASSERT_NE(first, nullptr);
     EXPECT_EQ(NodeType()->FindInstance(lostID), nullptr);
@@ -203,7 +188,7 @@ TEST_F(GraphXml, LinksToMissingOrWronglyTypedObjectsGiveAPartialGraph) {
 }
 
 TEST_F(GraphXml, APreferenceSetKeepsItsSectionsThroughAFile) {
-    auto* set = Make<CKWPreferences>(CKWPreferences::GetCKWPreferencesType());
+    auto* set = KWTestCreate<CKWPreferences>(CKWPreferences::GetCKWPreferencesType());
     CKWPreferenceSection* display = set->AddNewSection("Display");
     CKWPreferenceSection* plain = set->AddNewSection("A Preference Section");
     ASSERT_TRUE(display && plain);
@@ -215,7 +200,7 @@ TEST_F(GraphXml, APreferenceSetKeepsItsSectionsThroughAFile) {
     set->Release();
     ASSERT_EQ(CKWPreferenceSection::GetCKWPreferenceSectionType()->GetInstanceCount(), 0);
 
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("preferences.xml"));
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("preferences.xml"));
     auto* loaded = dynamic_cast<CKWPreferences*>(
         Load(archive.get(), CKWPreferences::GetCKWPreferencesType(), setID));
     ASSERT_NE(loaded, nullptr);

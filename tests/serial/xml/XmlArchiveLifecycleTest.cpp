@@ -1,14 +1,14 @@
 // Open, Close and the stream operations give the results hosts rely on.
 #include <gtest/gtest.h>
 
-#include "XmlTestSupport.h"
+#include "XmlArchiveTest.h"
 
 namespace {
 // A stream ready for its object header, in an archive open for writing.
 CKWFieldStream* NewStream(CKWXMLFileArchive* archive, const CKWGuid& instanceID) {
     CKWDocument* document = archive->CreateNewDocument(CKWGuid(), nullptr);
-    CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kXmlNodeTypeID), nullptr);
-    manifest->WriteTypeHeader(CXmlNode::GetCXmlNodeType());
+    CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr);
+    manifest->WriteTypeHeader(CSamplePart::GetCSamplePartType());
     return manifest->CreateFieldStream(instanceID, nullptr);
 }
 
@@ -24,7 +24,7 @@ size_t Count(const std::string& text, const std::string& part) {
 using XmlArchiveLifecycle = XmlArchiveTest;
 
 TEST_F(XmlArchiveLifecycle, UnopenedArchivesCloseTrueAndWriteNothing) {
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("never.xml"));
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("never.xml"));
     EXPECT_TRUE(archive->Close());
     EXPECT_EQ(nullptr, archive->CreateNewDocument(CKWGuid(), nullptr));
     for (CKWArchive::AccessMode mode : {CKWArchive::modeReadWrite, CKWArchive::modeNone}) {
@@ -32,16 +32,16 @@ TEST_F(XmlArchiveLifecycle, UnopenedArchivesCloseTrueAndWriteNothing) {
         EXPECT_TRUE(archive->Close());
     }
     EXPECT_FALSE(std::filesystem::exists(Path("never.xml")));
-    KWOwned<CKWXMLFileArchive> unnamed = NewArchive("");
+    KWOwned<CKWXMLFileArchive> unnamed = NewXmlArchive("");
     EXPECT_FALSE(unnamed->OpenWithUI(CKWArchive::modeWrite));
     EXPECT_FALSE(unnamed->CloseWithUI());
 }
 
 TEST_F(XmlArchiveLifecycle, ClosingAReadArchiveWritesNothingAndSaveIsRefused) {
-    ASSERT_EQ(1, SaveGraph(Path("read.xml"), NewNode("root")));
+    ASSERT_EQ(1, SaveXmlFile(Path("read.xml"), NewPart("root")));
     const auto before = std::filesystem::last_write_time(Path("read.xml"));
     const std::string text = ReadText(Path("read.xml"));
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("read.xml"));
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("read.xml"));
     ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
     EXPECT_NE(nullptr, archive->CreateNewDocument(CKWGuid(), nullptr));
     const CKWBOOL refused = archive->Save();
@@ -56,35 +56,35 @@ TEST_F(XmlArchiveLifecycle, ClosingAReadArchiveWritesNothingAndSaveIsRefused) {
 }
 
 TEST_F(XmlArchiveLifecycle, SecondObjectHeaderIsRefusedAndEmptyLinksGiveAnEmptyElement) {
-    CXmlNode* node = NewNode("one");
-    CXmlNode* other = NewNode("two");
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("header.xml"));
+    CSamplePart* part = NewPart("one");
+    CSamplePart* other = NewPart("two");
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("header.xml"));
     ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
-    CKWFieldStream* stream = NewStream(archive.get(), node->GetInstanceID());
-    EXPECT_EQ(1, stream->WriteObjectHeader(node));
+    CKWFieldStream* stream = NewStream(archive.get(), part->GetInstanceID());
+    EXPECT_EQ(1, stream->WriteObjectHeader(part));
     EXPECT_EQ(0, stream->WriteObjectHeader(other));
-    EXPECT_EQ(0, stream->WriteObjectHeader(node));
+    EXPECT_EQ(0, stream->WriteObjectHeader(part));
     CKWObjPtrList<IKWObject> none;
     auto iterator = none.GetIterator();
-    EXPECT_EQ(1, stream->WriteLinks(node->GetFieldData(CKWGuid(kXmlLinksFieldID)), &iterator));
+    EXPECT_EQ(1, stream->WriteLinks(part->GetFieldData(CKWGuid(kLinksFieldID)), &iterator));
     ASSERT_TRUE(archive->Close());
     const std::string text = ReadText(Path("header.xml"));
-    EXPECT_EQ(1u, Count(text, "<" + ElementName(kXmlLinksFieldID) + "/>"));
-    EXPECT_EQ(1u, Count(text, "<" + node->GetInstanceID().GetCStringXMLElement().GetStdString()));
-    EXPECT_EQ(0u, Count(text, "<" + other->GetInstanceID().GetCStringXMLElement().GetStdString()));
+    EXPECT_EQ(1u, Count(text, "<" + ElementName(kLinksFieldID) + "/>"));
+    EXPECT_EQ(1u, Count(text, "<" + ElementName(part->GetInstanceID())));
+    EXPECT_EQ(0u, Count(text, "<" + ElementName(other->GetInstanceID())));
 }
 
 TEST_F(XmlArchiveLifecycle, StreamWritesNeedTheirParentElements) {
-    CXmlNode* node = NewNode("one");
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("parents.xml"));
+    CSamplePart* part = NewPart("one");
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("parents.xml"));
     ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
     CKWDocument* document = archive->CreateNewDocument(CKWGuid(), nullptr);
-    CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kXmlNodeTypeID), nullptr);
-    CKWFieldStream* stream = manifest->CreateFieldStream(node->GetInstanceID(), nullptr);
-    IKWFieldData* name = node->GetFieldData(CKWGuid(kXmlNameFieldID));
-    EXPECT_EQ(0, stream->WriteObjectHeader(node));  // no type header yet
+    CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr);
+    CKWFieldStream* stream = manifest->CreateFieldStream(part->GetInstanceID(), nullptr);
+    IKWFieldData* name = part->GetFieldData(CKWGuid(kNameFieldID));
+    EXPECT_EQ(0, stream->WriteObjectHeader(part));  // no type header yet
     EXPECT_EQ(0, stream->Write(name));              // no object element yet
-    EXPECT_EQ(0, stream->WriteLink(name, node));
+    EXPECT_EQ(0, stream->WriteLink(name, part));
     EXPECT_EQ(0, manifest->WriteTypeHeader(nullptr));
     EXPECT_TRUE(archive->Close());
 }

@@ -2,7 +2,7 @@
 // false from Open, never a crash, and are never changed by the read.
 #include <gtest/gtest.h>
 
-#include "XmlTestSupport.h"
+#include "XmlArchiveTest.h"
 
 namespace {
 // Nine levels of ten entity references each: 10^9 copies unless bounded.
@@ -22,8 +22,8 @@ std::string BillionLaughs() {
 using XmlBadInput = XmlArchiveTest;
 
 TEST_F(XmlBadInput, MissingFileOrAFolderFailsOpenAndNothingIsCreated) {
-    for (const std::filesystem::path& file : {Path("missing.xml"), m_dir}) {
-        KWOwned<CKWXMLFileArchive> archive = NewArchive(file);
+    for (const std::filesystem::path& file : {Path("missing.xml"), m_folder.GetPath()}) {
+        KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(file);
         EXPECT_FALSE(archive->Open(CKWArchive::modeRead)) << file;
         EXPECT_EQ(0, archive->GetDocumentCollection()->GetCount());
         EXPECT_TRUE(archive->Close());
@@ -32,11 +32,11 @@ TEST_F(XmlBadInput, MissingFileOrAFolderFailsOpenAndNothingIsCreated) {
 }
 
 TEST_F(XmlBadInput, BrokenFilesFailOpenAndStayUnchanged) {
-    CXmlNode* root = NewNode("root");
-    root->m_pLink = NewNode("linked");
-    ASSERT_EQ(1, SaveGraph(Path("good.xml"), root));
+    CSamplePart* root = NewPart("root");
+    root->m_pLink = NewPart("linked");
+    ASSERT_EQ(1, SaveXmlFile(Path("good.xml"), root));
     const CKWGuid rootID = root->GetInstanceID();
-    ReleaseAllNodes();
+    ReleaseAllParts();
     const std::string good = ReadText(Path("good.xml"));
     const std::string broken[] = {
         "",
@@ -50,21 +50,21 @@ TEST_F(XmlBadInput, BrokenFilesFailOpenAndStayUnchanged) {
     };
     for (const std::string& text : broken) {
         WriteText(Path("bad.xml"), text);
-        KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("bad.xml"));
+        KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("bad.xml"));
         EXPECT_FALSE(archive->Open(CKWArchive::modeRead)) << text;
-        LoadNode(archive.get(), rootID);
-        ReleaseAllNodes();
+        LoadPart(archive.get(), rootID);
+        ReleaseAllParts();
         EXPECT_TRUE(archive->Close());
         EXPECT_EQ(text, ReadText(Path("bad.xml")));
     }
 }
 
 TEST_F(XmlBadInput, CutShortFileStillBuildsWhatWasParsed) {
-    CXmlNode* root = NewNode("root");
-    ASSERT_EQ(1, SaveGraph(Path("cut.xml"), root));
+    CSamplePart* root = NewPart("root");
+    ASSERT_EQ(1, SaveXmlFile(Path("cut.xml"), root));
     const std::string good = ReadText(Path("cut.xml"));
     WriteText(Path("cut.xml"), good.substr(0, good.rfind("</KWXML>")));
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("cut.xml"));
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("cut.xml"));
     EXPECT_FALSE(archive->Open(CKWArchive::modeRead));
     EXPECT_EQ(1, archive->GetDocumentCollection()->GetCount());
 }

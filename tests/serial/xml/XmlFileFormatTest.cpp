@@ -3,52 +3,53 @@
 
 #include <regex>
 
-#include "XmlTestSupport.h"
+#include "XmlArchiveTest.h"
 
 namespace {
 const char* const kDocumentID = "{EC130930-944F-4394-B58A-D252EB277FFD}";
 
-IKWFieldData* FieldData(CXmlNode* node, const char* fieldID) {
-    return node->GetFieldData(CKWGuid(fieldID));
+IKWFieldData* FieldData(CSamplePart* part, const char* fieldID) {
+    return part->GetFieldData(CKWGuid(fieldID));
 }
 
 // Writes one object through the stream operations: a value, a null link and
 // a collection of two links.
-void WriteOneObject(CKWXMLFileArchive* archive, CXmlNode* node, CXmlNode* first, CXmlNode* second) {
+void WriteOneObject(CKWXMLFileArchive* archive, CSamplePart* part, CSamplePart* first,
+                    CSamplePart* second) {
     CKWDocument* document = archive->CreateNewDocument(CKWGuid(kDocumentID), nullptr);
-    CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kXmlNodeTypeID), nullptr);
-    ASSERT_EQ(1, manifest->WriteTypeHeader(CXmlNode::GetCXmlNodeType()));
-    CKWFieldStream* stream = manifest->CreateFieldStream(node->GetInstanceID(), nullptr);
-    ASSERT_EQ(1, stream->WriteObjectHeader(node));
-    ASSERT_EQ(1, stream->Write(FieldData(node, kXmlNameFieldID)));
-    ASSERT_EQ(1, stream->WriteLink(FieldData(node, kXmlLinkFieldID), nullptr));
+    CKWTypeManifest* manifest = document->CreateTypeManifest(CKWGuid(kSamplePartTypeID), nullptr);
+    ASSERT_EQ(1, manifest->WriteTypeHeader(CSamplePart::GetCSamplePartType()));
+    CKWFieldStream* stream = manifest->CreateFieldStream(part->GetInstanceID(), nullptr);
+    ASSERT_EQ(1, stream->WriteObjectHeader(part));
+    ASSERT_EQ(1, stream->Write(FieldData(part, kNameFieldID)));
+    ASSERT_EQ(1, stream->WriteLink(FieldData(part, kLinkFieldID), nullptr));
     CKWObjPtrList<IKWObject> links;
     links.Add(first);
     links.Add(second);
     auto iterator = links.GetIterator();
-    ASSERT_EQ(1, stream->WriteLinks(FieldData(node, kXmlLinksFieldID), &iterator));
+    ASSERT_EQ(1, stream->WriteLinks(FieldData(part, kLinksFieldID), &iterator));
 }
 
-std::string Link(CXmlNode* node) {
-    return "<L T=\"" + Attribute64(CKWGuid(kXmlNodeTypeID)) + "\" I=\"" +
-           Attribute64(node->GetInstanceID()) + "\"/>";
+std::string Link(CSamplePart* part) {
+    return "<L T=\"" + Attribute64(CKWGuid(kSamplePartTypeID)) + "\" I=\"" +
+           Attribute64(part->GetInstanceID()) + "\"/>";
 }
 }  // namespace
 
 using XmlFileFormat = XmlArchiveTest;
 
 TEST_F(XmlFileFormat, OneObjectGivesExactlyFourNestedLevels) {
-    CXmlNode* node = NewNode("root");
-    CXmlNode* first = NewNode("first");
-    CXmlNode* second = NewNode("second");
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("one.xml"));
+    CSamplePart* part = NewPart("root");
+    CSamplePart* first = NewPart("first");
+    CSamplePart* second = NewPart("second");
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("one.xml"));
     ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
-    WriteOneObject(archive.get(), node, first, second);
+    WriteOneObject(archive.get(), part, first, second);
     ASSERT_TRUE(archive->Close());
 
-    const std::string object = node->GetInstanceID().GetCStringXMLElement().GetStdString();
-    const std::string type = ElementName(kXmlNodeTypeID);
-    const std::string links = ElementName(kXmlLinksFieldID);
+    const std::string object = ElementName(part->GetInstanceID());
+    const std::string type = ElementName(kSamplePartTypeID);
+    const std::string links = ElementName(kLinksFieldID);
     const std::string lines[] = {
         "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>",
         "<KWXML>",
@@ -56,8 +57,8 @@ TEST_F(XmlFileFormat, OneObjectGivesExactlyFourNestedLevels) {
         "  <_MAkT7E-UlEO1itJS6yd__Q>",
         "    <" + type + ">",
         "      <" + object + ">",
-        "        <" + ElementName(kXmlNameFieldID) + " V=\"root\"/>",
-        "        <" + ElementName(kXmlLinkFieldID) + "/>",
+        "        <" + ElementName(kNameFieldID) + " V=\"root\"/>",
+        "        <" + ElementName(kLinkFieldID) + "/>",
         "        <" + links + ">",
         "          " + Link(first),
         "          " + Link(second),
@@ -77,28 +78,24 @@ TEST_F(XmlFileFormat, OneObjectGivesExactlyFourNestedLevels) {
 
 TEST_F(XmlFileFormat, SavedObjectsComeInSaveOrderWithFieldsInDeclarationOrder) {
     // IDs chosen so that sorting would put the linked object first.
-    auto* type = CXmlNode::GetCXmlNodeType();
-    auto* root =
-        dynamic_cast<CXmlNode*>(type->CreateInstance("{FFFFFFFF-0000-4000-8000-000000000001}"));
+    auto* type = CSamplePart::GetCSamplePartType();
+    auto* root = KWTestCreate<CSamplePart>(type, "{FFFFFFFF-0000-4000-8000-000000000001}");
     root->m_Name = "root";
     root->m_iCount = -7;
     root->m_Tag = CKWGuid(kDocumentID);
-    root->m_pLink =
-        dynamic_cast<CXmlNode*>(type->CreateInstance("{00000001-0000-4000-8000-000000000001}"));
-    ASSERT_EQ(1, SaveGraph(Path("graph.xml"), root));
+    root->m_pLink = KWTestCreate<CSamplePart>(type, "{00000001-0000-4000-8000-000000000001}");
+    ASSERT_EQ(1, SaveXmlFile(Path("graph.xml"), root));
 
     const std::string text = ReadText(Path("graph.xml"));
-    const std::string object = root->GetInstanceID().GetCStringXMLElement().GetStdString();
+    const std::string object = ElementName(root->GetInstanceID());
     const std::string fields = text.substr(text.find("<" + object + ">"));
     const std::regex order(
-        "<" + ElementName(kXmlNameFieldID) + " V=\"root\"/>\\s*<" + ElementName(kXmlCountFieldID) +
-            " V=\"-7\"/>\\s*<" + ElementName(kXmlTagFieldID) + " V=\"\\{EC130930-944F-4394-B58A-" +
-            "D252EB277FFD\\}\"/>\\s*<" + ElementName(kXmlLinkFieldID) + " T=\"[^\"]{22}\" I=\"" +
-            Attribute64(root->m_pLink->GetInstanceID()) + "\"/>\\s*<" +
-            ElementName(kXmlLinksFieldID) + "/>",
+        "<" + ElementName(kNameFieldID) + " V=\"root\"/>\\s*<" + ElementName(kCountFieldID) +
+            " V=\"-7\"/>\\s*<" + ElementName(kTagFieldID) + " V=\"\\{EC130930-944F-4394-B58A-" +
+            "D252EB277FFD\\}\"/>\\s*<" + ElementName(kLinkFieldID) + " T=\"[^\"]{22}\" I=\"" +
+            Attribute64(root->m_pLink->GetInstanceID()) + "\"/>\\s*<" + ElementName(kLinksFieldID) +
+            "/>",
         std::regex::icase);
     EXPECT_TRUE(std::regex_search(fields, order)) << text;
-    EXPECT_NE(
-        std::string::npos,
-        fields.find("<" + root->m_pLink->GetInstanceID().GetCStringXMLElement().GetStdString()));
+    EXPECT_NE(std::string::npos, fields.find("<" + ElementName(root->m_pLink->GetInstanceID())));
 }

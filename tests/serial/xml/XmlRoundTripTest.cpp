@@ -1,7 +1,7 @@
 // Graphs and text saved to a real file read back unchanged.
 #include <gtest/gtest.h>
 
-#include "XmlTestSupport.h"
+#include "XmlArchiveTest.h"
 
 namespace {
 struct SSavedGraph {
@@ -10,9 +10,9 @@ struct SSavedGraph {
 
 // a -> b, a [b, c], b [c], c -> a: every field kind and a cycle.
 SSavedGraph SaveCycle(const std::filesystem::path& file) {
-    CXmlNode* a = NewNode("a");
-    CXmlNode* b = NewNode("b");
-    CXmlNode* c = NewNode("c");
+    CSamplePart* a = NewPart("a");
+    CSamplePart* b = NewPart("b");
+    CSamplePart* c = NewPart("c");
     a->m_iCount = 2147483647;
     b->m_iCount = -42;
     c->m_Tag = CKWGuid("{0F1E2D3C-4B5A-4968-8776-A5B4C3D2E1F0}");
@@ -21,31 +21,26 @@ SSavedGraph SaveCycle(const std::filesystem::path& file) {
     a->m_Links.Add(c);
     b->m_Links.Add(c);
     c->m_pLink = a;
-    EXPECT_EQ(1, SaveGraph(file, a));
+    EXPECT_EQ(1, SaveXmlFile(file, a));
     SSavedGraph ids{a->GetInstanceID(), b->GetInstanceID(), c->GetInstanceID()};
-    ReleaseAllNodes();
+    ReleaseAllParts();
     return ids;
 }
 
-std::vector<CXmlNode*> Links(const CXmlNode* node) {
-    std::vector<CXmlNode*> links;
-    auto it = node->m_Links.GetIterator();
-    for (CXmlNode* link = it.GetNext(1); link; link = it.GetNext(0)) {
-        links.push_back(link);
-    }
-    return links;
+std::vector<CSamplePart*> Links(const CSamplePart* part) {
+    return ElementsOf(part->m_Links.GetIterator());
 }
 
 // The text of one saved and reloaded name.
 CString RoundTripName(const std::filesystem::path& file, const CString& name) {
-    CXmlNode* node = NewNode("");
-    node->m_Name = name;
-    const CKWGuid id = node->GetInstanceID();
-    EXPECT_EQ(1, SaveGraph(file, node));
-    ReleaseAllNodes();
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(file);
+    CSamplePart* part = NewPart("");
+    part->m_Name = name;
+    const CKWGuid id = part->GetInstanceID();
+    EXPECT_EQ(1, SaveXmlFile(file, part));
+    ReleaseAllParts();
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(file);
     EXPECT_TRUE(archive->Open(CKWArchive::modeRead));
-    CXmlNode* loaded = LoadNode(archive.get(), id);
+    CSamplePart* loaded = LoadPart(archive.get(), id);
     archive->Close();
     return loaded ? loaded->m_Name : CString("<not loaded>");
 }
@@ -57,24 +52,24 @@ TEST_F(XmlRoundTrip, GraphWithCycleIsWrittenAndLoadedOnceWithAllFields) {
     const SSavedGraph ids = SaveCycle(Path("graph.xml"));
     const std::string text = ReadText(Path("graph.xml"));
     for (const CKWGuid& id : {ids.a, ids.b, ids.c}) {
-        const std::string open = "<" + id.GetCStringXMLElement().GetStdString() + ">";
+        const std::string open = "<" + ElementName(id) + ">";
         EXPECT_NE(std::string::npos, text.find(open));
         EXPECT_EQ(text.find(open), text.rfind(open));
     }
-    KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("graph.xml"));
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("graph.xml"));
     ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
-    CXmlNode* a = LoadNode(archive.get(), ids.a);
+    CSamplePart* a = LoadPart(archive.get(), ids.a);
     ASSERT_NE(nullptr, a);
-    EXPECT_EQ(3, LiveNodeCount());
+    EXPECT_EQ(3, LivePartCount());
 
-    CXmlNode* b = a->m_pLink;
+    CSamplePart* b = a->m_pLink;
     ASSERT_NE(nullptr, b);
     ASSERT_EQ(2u, Links(a).size());
-    CXmlNode* c = Links(a)[1];
+    CSamplePart* c = Links(a)[1];
     EXPECT_EQ(b, Links(a)[0]);
     EXPECT_EQ(ids.b, b->GetInstanceID());
     EXPECT_EQ(ids.c, c->GetInstanceID());
-    EXPECT_EQ(std::vector<CXmlNode*>{c}, Links(b));
+    EXPECT_EQ(std::vector<CSamplePart*>{c}, Links(b));
     EXPECT_EQ(a, c->m_pLink);
     EXPECT_EQ(2147483647, a->m_iCount);
     EXPECT_EQ(-42, b->m_iCount);
@@ -107,13 +102,13 @@ TEST_F(XmlRoundTrip, TextXmlCannotCarryFailsTheSaveAndTheFileStillLoads) {
     const CString unfit[] = {"bad \xFF\xFE UTF-8", "control \x01", CString("nul \0 inside", 13),
                              "U+FFFF \xEF\xBF\xBF"};
     for (const CString& text : unfit) {
-        CXmlNode* node = NewNode("");
-        node->m_Name = text;
-        EXPECT_EQ(0, SaveGraph(Path("bad.xml"), node));
-        KWOwned<CKWXMLFileArchive> archive = NewArchive(Path("bad.xml"));
+        CSamplePart* part = NewPart("");
+        part->m_Name = text;
+        EXPECT_EQ(0, SaveXmlFile(Path("bad.xml"), part));
+        KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("bad.xml"));
         EXPECT_TRUE(archive->Open(CKWArchive::modeRead));
         EXPECT_TRUE(archive->Close());
-        ReleaseAllNodes();
+        ReleaseAllParts();
     }
 }
 

@@ -1,24 +1,8 @@
-#include "SerialTestTypes.h"
+#include "CMemArchive.h"
 
-#include "kwcore/object/CKWTypeSystem.h"
-
-KW_IMPLEMENT_SERIAL_TYPE(CTestPart, kPartTypeID, kSerialObjectTypeID)
-KW_BEGIN_FIELDS(CTestPart)
-KW_FIELD(m_Name, kNameFieldID, kTextTypeID, KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_iCount, kCountFieldID, kIntTypeID, KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_Tag, kTagFieldID, kGuidTypeID, KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_pNext, kNextFieldID, kPartTypeID, KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_Parts, kPartsFieldID, kPartTypeID, KW_FIELD_LOAD_SAVE)
-KW_END_FIELDS()
-
-KW_IMPLEMENT_SERIAL_TYPE(CTestAssembly, kAssemblyTypeID, kPartTypeID)
-KW_BEGIN_FIELDS(CTestAssembly)
-KW_FIELD(m_Index, kIndexFieldID, kPartTypeID, KW_FIELD_LOAD_SAVE)
-KW_FIELD(m_LoadOnly, kLoadOnlyFieldID, kTextTypeID, KW_FIELD_LOAD)
-KW_FIELD(m_SaveOnly, kSaveOnlyFieldID, kTextTypeID, KW_FIELD_SAVE)
-KW_END_FIELDS()
-
-// ---------------------------------------------------------------- memory back-end
+#include "KWTestObjects.h"
+#include "kwcore/serial/IKWField.h"
+#include "kwcore/serial/IKWFieldData.h"
 
 KW_IMPLEMENT_TYPE(CMemFieldStream, "{3F51737B-E204-4649-8FF1-1234B0D1F205}",
                   "{3F68C1C9-F7A2-4E46-BEA7-64ED4D22827D}")
@@ -150,9 +134,6 @@ IKWObjectType* CMemArchive::GetDocumentType() const {
     return CMemDocument::GetCMemDocumentType();
 }
 
-// The test program is a host: it collects its types once they exist.
 namespace {
-struct CollectSerialTestTypes {
-    CollectSerialTestTypes() { CKWTypeSystem::Initialize(kSerialTestRepositoryID); }
-} s_collectSerialTestTypes;
+const SCollectTypes s_collectMemoryBackEnd(kKWTestRepositoryID);
 }  // namespace

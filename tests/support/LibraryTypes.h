@@ -1,0 +1,32 @@
+// Checks of how the type system holds the library's own types.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <initializer_list>
+#include <string>
+
+#include "kwcore/object/CKWTypeSystem.h"
+
+struct SLibraryType {
+    const char* typeID;
+    const char* name;
+    const char* parentID;
+    int abstract;
+};
+
+// Each type is found under its ID in the library's repository, with that
+// name, abstractness and parent, linked to the parent's type object.
+inline void ExpectLibraryTypes(std::initializer_list<SLibraryType> types) {
+    for (const SLibraryType& row : types) {
+        IKWObjectType* type = CKWTypeSystem::FindType(CKWGuid(row.typeID));
+        ASSERT_NE(type, nullptr) << row.name;
+        EXPECT_EQ(std::string(type->GetName()), row.name);
+        EXPECT_EQ(type->GetParentTypeID(), CKWGuid(row.parentID)) << row.name;
+        EXPECT_EQ(type->GetParentType(), CKWTypeSystem::FindType(CKWGuid(row.parentID)))
+            << row.name;
+        EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
+        EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID))
+            << row.name;
+    }
+}
