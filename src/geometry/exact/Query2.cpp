@@ -15,12 +15,6 @@ int SignOf(const Value& value) {
     return value > Value(0) ? 1 : (value < Value(0) ? -1 : 0);
 }
 
-// The sign of a ToLine determinant as the result: right of the line is +1.
-template <class Real>
-int SignOfReal(Real value) {
-    return value > Real(0) ? 1 : (value < Real(0) ? -1 : 0);
-}
-
 // Wrapping 64-bit arithmetic: defined for every input, exact without overflow.
 inline std::int64_t Wrap(std::uint64_t bits) {
     return static_cast<std::int64_t>(bits);
@@ -59,7 +53,7 @@ int Query2<Real, Other>::ToLine(const Vector2& rkP, int iV0, int iV1) const {
     const Vector2& v0 = m_akVertex[iV0];
     const Vector2& v1 = m_akVertex[iV1];
     const Real det = Det2(rkP.X() - v0.X(), rkP.Y() - v0.Y(), v1.X() - v0.X(), v1.Y() - v0.Y());
-    return SignOfReal(det);
+    return SignOf(det);
 }
 
 template <class Real, class Other>
@@ -101,7 +95,7 @@ int Query2<Real, Other>::ToCircumcircle(const Vector2& rkP, int iV0, int iV1, in
     const Real x2 = v2.X() - rkP.X(), y2 = v2.Y() - rkP.Y();
     const Real det = Det3(x0, y0, Lift(x0, y0), x1, y1, Lift(x1, y1), x2, y2, Lift(x2, y2));
     // Positive for a point inside the circle of a counter-clockwise triangle.
-    return -SignOfReal(det);
+    return -SignOf(det);
 }
 
 template <class Real, class Other>
@@ -421,12 +415,13 @@ int Query2Filtered<Real, Other>::ToLine(const Vector2& rkP, int iV0, int iV1) co
         // Exactly decided, cheaply where the differences are exact in
         // double, else by rationals.
         int sign = 0;
-        if (detail::ExactLineSign(rkP.X(), rkP.Y(), v0.X(), v0.Y(), v1.X(), v1.Y(), sign)) {
+        if (kwErrorFreeArithmetic::ExactLineSign(rkP.X(), rkP.Y(), v0.X(), v0.Y(), v1.X(), v1.Y(),
+                                                 sign)) {
             return sign;
         }
         return m_kRQuery.ToLine(rkP, iV0, iV1);
     }
-    return SignOfReal(det);
+    return SignOf(det);
 }
 
 template <class Real, class Other>
@@ -447,7 +442,7 @@ int Query2Filtered<Real, Other>::ToCircumcircle(const Vector2& rkP, int iV0, int
     if (!(std::fabs(det) >= m_fUncertainty * scale)) {
         return m_kRQuery.ToCircumcircle(rkP, iV0, iV1, iV2);
     }
-    return -SignOfReal(det);
+    return -SignOf(det);
 }
 
 template class Query2<float, double>;

@@ -315,8 +315,8 @@ bool CKWReflexIndex::PointOutside(double dX, double dY, const STriangle& rkTri) 
     // Close to an edge's line: exactly on it is not strictly inside either.
     for (const SEdge& edge : rkTri.Edge) {
         int sign = -1;
-        if (kwRationalArithmetic::detail::ExactLineSign(dX, dY, edge.AX, edge.AY, edge.BX, edge.BY,
-                                                        sign) &&
+        if (kwErrorFreeArithmetic::ExactLineSign(dX, dY, edge.AX, edge.AY, edge.BX, edge.BY,
+                                                 sign) &&
             sign >= 0) {
             return true;
         }
