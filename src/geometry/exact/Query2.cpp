@@ -35,6 +35,27 @@ Int Lift(const Int& x, const Int& y) {
     return x * x + y * y;
 }
 
+// ToTriangle from the point's sides of the three edge lines, asked lazily
+// (toLine(a, b) is ToLine(p, a, b)). Inside a counter-clockwise triangle
+// means left of v1->v2 and v0->v1 and right of v0->v2; any clear answer the
+// other way decides "outside".
+template <class ToLine>
+int TriangleSide(ToLine toLine, int iV0, int iV1, int iV2) {
+    const int sign0 = toLine(iV1, iV2);
+    if (sign0 > 0) {
+        return 1;
+    }
+    const int sign1 = toLine(iV0, iV2);
+    if (sign1 < 0) {
+        return 1;
+    }
+    const int sign2 = toLine(iV0, iV1);
+    if (sign2 > 0) {
+        return 1;
+    }
+    return (sign0 != 0 && sign1 != 0 && sign2 != 0) ? -1 : 0;
+}
+
 }  // namespace
 
 Query::~Query() = default;
@@ -63,21 +84,8 @@ int Query2<Real, Other>::ToLine(int i, int iV0, int iV1) const {
 
 template <class Real, class Other>
 int Query2<Real, Other>::ToTriangle(const Vector2& rkP, int iV0, int iV1, int iV2) const {
-    // Inside a counter-clockwise triangle means left of v1->v2 and v0->v1 and
-    // right of v0->v2; any clear answer the other way decides "outside".
-    const int sign0 = ToLine(rkP, iV1, iV2);
-    if (sign0 > 0) {
-        return 1;
-    }
-    const int sign1 = ToLine(rkP, iV0, iV2);
-    if (sign1 < 0) {
-        return 1;
-    }
-    const int sign2 = ToLine(rkP, iV0, iV1);
-    if (sign2 > 0) {
-        return 1;
-    }
-    return (sign0 != 0 && sign1 != 0 && sign2 != 0) ? -1 : 0;
+    return TriangleSide([this, &rkP](int iA, int iB) { return ToLine(rkP, iA, iB); }, iV0, iV1,
+                        iV2);
 }
 
 template <class Real, class Other>
@@ -346,19 +354,8 @@ int Query2TRational<Real, Other>::ToLine(const RVector2& rkP, int iV0, int iV1) 
 
 template <class Real, class Other>
 int Query2TRational<Real, Other>::ToTriangle(const RVector2& rkP, int iV0, int iV1, int iV2) const {
-    const int sign0 = ToLine(rkP, iV1, iV2);
-    if (sign0 > 0) {
-        return 1;
-    }
-    const int sign1 = ToLine(rkP, iV0, iV2);
-    if (sign1 < 0) {
-        return 1;
-    }
-    const int sign2 = ToLine(rkP, iV0, iV1);
-    if (sign2 > 0) {
-        return 1;
-    }
-    return (sign0 != 0 && sign1 != 0 && sign2 != 0) ? -1 : 0;
+    return TriangleSide([this, &rkP](int iA, int iB) { return ToLine(rkP, iA, iB); }, iV0, iV1,
+                        iV2);
 }
 
 template <class Real, class Other>
