@@ -5,7 +5,7 @@
 #include <cmath>
 #include <new>
 
-#include "CKWReflexIndex.h"
+#include "KWReflexVertexIndex.h"
 
 using kwRationalArithmetic::Query;
 
@@ -137,7 +137,7 @@ void CKWTriangulateEarClipping<Real, Other>::Triangulate(int iVQuantity, const V
     for (int i = m_iRFirst; i != -1; i = V(i).SNext) {
         reflex.push_back(i);
     }
-    m_pkReflexIndex = new CKWReflexIndex(m_kIndexX.data(), m_kIndexY.data(), n);
+    m_pkReflexIndex = new kwEarClipping::CReflexVertexIndex(m_kIndexX.data(), m_kIndexY.data(), n);
     m_pkReflexIndex->Build(reflex);
 
     for (int i = m_iCFirst; i != -1; i = V(i).SNext) {

@@ -33,11 +33,13 @@
 
 #include <vector>
 
-#include "kwcore/geometry/linear/CKWVector2T.h"
 #include "kwcore/geometry/exact/Query2.h"
+#include "kwcore/geometry/linear/CKWVector2T.h"
 #include "kwcore/platform/Export.h"
 
-class CKWReflexIndex;
+namespace kwEarClipping {
+class CReflexVertexIndex;
+}
 
 template <class Real, class Other>
 class KWCORE_API CKWTriangulateEarClipping {
@@ -88,7 +90,7 @@ private:
     kwRationalArithmetic::Query2<Real, Other>* m_pkQuery = nullptr;
     Vector2* m_akScaled = nullptr;  // scaled coordinates, for the types that scale
     std::vector<double> m_kIndexX, m_kIndexY;
-    CKWReflexIndex* m_pkReflexIndex = nullptr;
+    kwEarClipping::CReflexVertexIndex* m_pkReflexIndex = nullptr;
     std::vector<SVertex> m_kVertex;
     int m_iCFirst = -1, m_iCLast = -1;
     int m_iRFirst = -1, m_iRLast = -1;
