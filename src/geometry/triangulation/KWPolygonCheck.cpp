@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
+#include "KWPolygonTriangulationImpl.h"
 
 namespace kwPolygonTriangulation {
 namespace {
@@ -321,31 +321,28 @@ CheckCode CSweepCheck::Run(CheckResult& result) {
 
 }  // namespace
 
-CheckCode Polygon::Check(CheckResult* out) const {
-    CheckResult local;
-    CheckResult& result = out != 0 ? *out : local;
-    result = CheckResult();
+CheckCode PolygonImpl::Check(CheckResult& result) const {
     // A refused contour explains what follows from it (a missing outer contour).
     if (m_bRefused) {
         result.code = CHECK_DUPLICATED_POINT;
         result.message = "a contour was refused: one of its points repeats a point already held";
         return result.code;
     }
-    if (m_nVertices.empty()) {
+    if (m_contourSizes.empty()) {
         result.code = CHECK_TOO_FEW_POINTS;
         result.message = "the polygon has no contour";
         return result.code;
     }
     std::size_t total = 0;
-    for (std::size_t c = 0; c < m_nVertices.size(); ++c) {
-        if (m_nVertices[c] < 3) {
+    for (std::size_t c = 0; c < m_contourSizes.size(); ++c) {
+        if (m_contourSizes[c] < 3) {
             result.code = CHECK_TOO_FEW_POINTS;
             result.contour = static_cast<int>(c);
             result.message = Format("contour %g has %g points; a contour needs at least 3",
-                                    static_cast<double>(c + 1), m_nVertices[c]);
+                                    static_cast<double>(c + 1), m_contourSizes[c]);
             return result.code;
         }
-        total += m_nVertices[c];
+        total += m_contourSizes[c];
     }
     // total ids, the largest total: exactly 1..total.
     if (m_bRenumbered || m_pointCount != total || m_maxPointId != total) {
@@ -367,8 +364,8 @@ CheckCode Polygon::Check(CheckResult* out) const {
     contours.prev.resize(total);
     contours.next.resize(total);
     unsigned offset = 0;
-    for (std::size_t c = 0; c < m_nVertices.size(); ++c) {
-        const unsigned count = m_nVertices[c];
+    for (std::size_t c = 0; c < m_contourSizes.size(); ++c) {
+        const unsigned count = m_contourSizes[c];
         contours.first.push_back(offset);
         contours.size.push_back(count);
         for (unsigned k = 0; k < count; ++k) {
