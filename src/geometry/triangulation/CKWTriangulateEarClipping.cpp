@@ -56,6 +56,9 @@ private:
     const SVertex& Vertex(int i) const { return m_vertices[static_cast<std::size_t>(i)]; }
     bool IsConvex(int i);
     bool IsEar(int i);
+    // Appends i to the list from riFirst to riLast linked through the two
+    // fields (the convex and reflex lists, or the ear ring before it closes).
+    void Append(int i, int& riFirst, int& riLast, int SVertex::*piPrev, int SVertex::*piNext);
     void InsertAfterC(int i);
     void InsertAfterR(int i);
     void InsertBeforeE(int i);
@@ -296,37 +299,31 @@ bool CEarClipperT<Real, Other>::IsEar(int i) {
 }
 
 template <class Real, class Other>
-void CEarClipperT<Real, Other>::InsertAfterC(int i) {
-    if (m_iCFirst == -1) {
-        m_iCFirst = i;
+void CEarClipperT<Real, Other>::Append(int i, int& riFirst, int& riLast, int SVertex::*piPrev,
+                                       int SVertex::*piNext) {
+    if (riFirst == -1) {
+        riFirst = i;
     } else {
-        Vertex(m_iCLast).SNext = i;
-        Vertex(i).SPrev = m_iCLast;
+        Vertex(riLast).*piNext = i;
+        Vertex(i).*piPrev = riLast;
     }
-    m_iCLast = i;
+    riLast = i;
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::InsertAfterC(int i) {
+    Append(i, m_iCFirst, m_iCLast, &SVertex::SPrev, &SVertex::SNext);
 }
 
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::InsertAfterR(int i) {
-    if (m_iRFirst == -1) {
-        m_iRFirst = i;
-    } else {
-        Vertex(m_iRLast).SNext = i;
-        Vertex(i).SPrev = m_iRLast;
-    }
-    m_iRLast = i;
+    Append(i, m_iRFirst, m_iRLast, &SVertex::SPrev, &SVertex::SNext);
     Vertex(i).IsReflexListed = true;
 }
 
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::InsertEndE(int i) {
-    if (m_iEFirst == -1) {
-        m_iEFirst = i;
-    } else {
-        Vertex(m_iELast).ENext = i;
-        Vertex(i).EPrev = m_iELast;
-    }
-    m_iELast = i;
+    Append(i, m_iEFirst, m_iELast, &SVertex::EPrev, &SVertex::ENext);
 }
 
 template <class Real, class Other>
