@@ -59,34 +59,21 @@ inline void TwoProduct(double a, double b, double& product, double& error) {
     error = aLow * bLow - rest;
 }
 
-// Adds one double to an expansion of `count` components; drops zero
-// components. h may not alias e. Returns the new count.
-inline int GrowExpansion(int count, const double* e, double b, double* h) {
-    int out = 0;
-    double running = b;
-    for (int i = 0; i < count; ++i) {
-        double error;
-        TwoSum(running, e[i], running, error);
-        if (error != 0.0) {
-            h[out++] = error;
-        }
-    }
-    if (running != 0.0 || out == 0) {
-        h[out++] = running;
-    }
-    return out;
-}
-
-// An expansion accumulator of at most Capacity components (two a product).
+// An expansion of at most Capacity components (two for each product added),
+// grown in place. Zero components are kept: they change neither the sum nor
+// the largest nonzero component, and not testing for them is cheaper on the
+// short expansions of the predicates.
 template <int Capacity>
 class CExpansionT {
 public:
     void Add(double value) {
-        double grown[Capacity];
-        m_iCount = GrowExpansion(m_iCount, m_adComponent, value, grown);
+        double carry = value;
         for (int i = 0; i < m_iCount; ++i) {
-            m_adComponent[i] = grown[i];
+            double sum;
+            TwoSum(carry, m_adComponent[i], sum, m_adComponent[i]);
+            carry = sum;
         }
+        m_adComponent[m_iCount++] = carry;
     }
     // Adds a * b exactly.
     void AddProduct(double a, double b) {
@@ -103,11 +90,18 @@ public:
         }
         return sum;
     }
-    // The largest component: the sign of the exact value.
-    double Largest() const { return m_iCount > 0 ? m_adComponent[m_iCount - 1] : 0.0; }
+    // The largest nonzero component, whose sign is the exact value's.
+    double Largest() const {
+        for (int i = m_iCount - 1; i >= 0; --i) {
+            if (m_adComponent[i] != 0.0) {
+                return m_adComponent[i];
+            }
+        }
+        return 0.0;
+    }
 
 private:
-    double m_adComponent[Capacity] = {};
+    double m_adComponent[Capacity];
     int m_iCount = 0;
 };
 

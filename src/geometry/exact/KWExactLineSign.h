@@ -20,6 +20,14 @@ inline bool ExactDifference(double a, double b, double& difference) {
     return error == 0;
 }
 
+// The sign of a * b - c * d, exactly.
+inline int ExactProductDifferenceSign(double a, double b, double c, double d) {
+    CExpansionT<4> exact;
+    exact.AddProduct(a, b);
+    exact.AddProduct(-c, d);
+    return SignOf(exact.Largest());
+}
+
 // The exact sign of (p - v0) x (v1 - v0) when the coordinate differences are
 // exact in double and no product leaves the safe range: the two products
 // become two-term expansions and their difference is summed exactly. Returns
@@ -56,10 +64,7 @@ inline bool ExactLineSign(double px, double py, double x0, double y0, double x1,
         sign = determinant > 0 ? 1 : -1;
         return true;
     }
-    CExpansionT<4> exact;
-    exact.AddProduct(d[0], d[3]);
-    exact.AddProduct(-d[1], d[2]);
-    sign = SignOf(exact.Largest());
+    sign = ExactProductDifferenceSign(d[0], d[3], d[1], d[2]);
     return true;
 }
 
