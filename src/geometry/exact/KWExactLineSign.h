@@ -1,42 +1,31 @@
 // The exact side of a point relative to a line, for doubles, by error-free
 // transformations: cheap where the coordinate differences are exact, and
-// undecided (false) otherwise, where callers fall back on rationals. Needs
-// every operation rounded on its own (no contraction into fused
-// multiply-adds), which the build sets for the sources that include it.
+// undecided (false) otherwise, where callers fall back on rationals.
 #pragma once
 
 #include <cmath>
 
-namespace kwRationalArithmetic {
-namespace detail {
+#include "KWErrorFreeArithmetic.h"
 
-// Error-free transformations on doubles: a + b = sum + error exactly, and
-// a * b = product + error exactly (Dekker's splitting; no fused multiply-add
-// needed). Valid while nothing overflows or underflows, which the caller
-// checks.
-inline void TwoSum(double a, double b, double& sum, double& error) {
-    sum = a + b;
-    const double bVirtual = sum - a;
-    const double aVirtual = sum - bVirtual;
-    error = (a - aVirtual) + (b - bVirtual);
-}
-
-inline void Split(double a, double& high, double& low) {
-    const double c = 134217729.0 * a;  // 2^27 + 1
-    high = c - (c - a);
-    low = a - high;
-}
-
-inline void TwoProduct(double a, double b, double& product, double& error) {
-    product = a * b;
-    double aHigh, aLow, bHigh, bLow;
-    Split(a, aHigh, aLow);
-    Split(b, bHigh, bLow);
-    error = aLow * bLow - (((product - aHigh * bHigh) - aLow * bHigh) - aHigh * bLow);
-}
+namespace kwErrorFreeArithmetic {
 
 inline int SignOf(double value) {
     return (value > 0) - (value < 0);
+}
+
+// a - b, when it is exact in double.
+inline bool ExactDifference(double a, double b, double& difference) {
+    double error;
+    TwoSum(a, -b, difference, error);
+    return error == 0;
+}
+
+// The sign of a * b - c * d, exactly.
+inline int ExactProductDifferenceSign(double a, double b, double c, double d) {
+    CExpansionT<4> exact;
+    exact.AddProduct(a, b);
+    exact.AddProduct(-c, d);
+    return SignOf(exact.Largest());
 }
 
 // The exact sign of (p - v0) x (v1 - v0) when the coordinate differences are
@@ -45,21 +34,9 @@ inline int SignOf(double value) {
 // false when it cannot decide (the caller then uses rationals).
 inline bool ExactLineSign(double px, double py, double x0, double y0, double x1, double y1,
                           int& sign) {
-    double d[4], error;
-    TwoSum(px, -x0, d[0], error);
-    if (error != 0) {
-        return false;
-    }
-    TwoSum(py, -y0, d[1], error);
-    if (error != 0) {
-        return false;
-    }
-    TwoSum(x1, -x0, d[2], error);
-    if (error != 0) {
-        return false;
-    }
-    TwoSum(y1, -y0, d[3], error);
-    if (error != 0) {
+    double d[4];
+    if (!ExactDifference(px, x0, d[0]) || !ExactDifference(py, y0, d[1]) ||
+        !ExactDifference(x1, x0, d[2]) || !ExactDifference(y1, y0, d[3])) {
         return false;
     }
     // When one product is zero or the two differ in sign, the signs of the
@@ -78,41 +55,17 @@ inline bool ExactLineSign(double px, double py, double x0, double y0, double x1,
         }
     }
     // The rounded determinant, when it is further from zero than its
-    // rounding error can reach (the classic bound (3 + 16e)e of the
-    // orientation test, e = 2^-53).
+    // rounding error can reach.
     const double left = d[0] * d[3];
     const double right = d[1] * d[2];
     const double determinant = left - right;
-    const double bound = (3.0 + 16.0 * 0x1p-53) * 0x1p-53 * (std::fabs(left) + std::fabs(right));
+    const double bound = kDeterminantBound * (std::fabs(left) + std::fabs(right));
     if (determinant > bound || -determinant > bound) {
         sign = determinant > 0 ? 1 : -1;
         return true;
     }
-    double term[4];
-    TwoProduct(d[0], d[3], term[2], term[0]);
-    TwoProduct(-d[1], d[2], term[3], term[1]);
-    // Grow an expansion from the four terms; its largest nonzero component
-    // carries the sign of the exact sum.
-    double expansion[4];
-    int count = 0;
-    for (double value : term) {
-        double carry = value;
-        for (int k = 0; k < count; ++k) {
-            double sum;
-            TwoSum(carry, expansion[k], sum, expansion[k]);
-            carry = sum;
-        }
-        expansion[count++] = carry;
-    }
-    sign = 0;
-    for (int k = count - 1; k >= 0; --k) {
-        if (expansion[k] != 0) {
-            sign = expansion[k] > 0 ? 1 : -1;
-            break;
-        }
-    }
+    sign = ExactProductDifferenceSign(d[0], d[3], d[1], d[2]);
     return true;
 }
 
-}  // namespace detail
-}  // namespace kwRationalArithmetic
+}  // namespace kwErrorFreeArithmetic

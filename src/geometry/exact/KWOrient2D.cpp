@@ -1,109 +1,27 @@
-// Adaptive orientation test in floating-point expansion arithmetic.
-//
-// An expansion is a sum of doubles, ordered by increasing magnitude, whose
-// components do not overlap; its sign is the sign of its largest component.
-// The error-free transformations below (sum, difference and product of two
-// doubles as a rounded value plus its exact error) build such expansions
-// without any wider type, under round-to-nearest double arithmetic.
+// Adaptive orientation test in floating-point expansion arithmetic: each
+// stage refines the determinant with more of its exact terms until its sign
+// is certain, under round-to-nearest double arithmetic and no wider type.
 #include "kwcore/geometry/exact/KWOrient2D.h"
 
 #include <cmath>
 
+#include "KWErrorFreeArithmetic.h"
+
 namespace kwPolygonTriangulation {
 namespace {
 
-// Half an ulp of 1 (2^-53), the relative rounding error of one operation.
-constexpr double kEpsilon = 1.0 / 9007199254740992.0;
-// 2^27 + 1: splits a double into two halves of 26 significant bits each.
-constexpr double kSplitter = 134217729.0;
-// Forward error bounds of the three stages, relative to |detleft| + |detright|
+using kwErrorFreeArithmetic::kDeterminantBound;
+using kwErrorFreeArithmetic::kEpsilon;
+using kwErrorFreeArithmetic::TwoDiffTail;
+
+// Forward error bounds of the later stages, relative to |detleft| + |detright|
 // (the last one relative to the stage's own estimate).
-constexpr double kBoundA = (3.0 + 16.0 * kEpsilon) * kEpsilon;
 constexpr double kBoundB = (2.0 + 12.0 * kEpsilon) * kEpsilon;
 constexpr double kBoundC = (9.0 + 64.0 * kEpsilon) * kEpsilon * kEpsilon;
 constexpr double kResultBound = (3.0 + 8.0 * kEpsilon) * kEpsilon;
 
-// a + b = sum + error exactly.
-inline void TwoSum(double a, double b, double& sum, double& error) {
-    sum = a + b;
-    const double bVirtual = sum - a;
-    const double aVirtual = sum - bVirtual;
-    error = (a - aVirtual) + (b - bVirtual);
-}
-
-// The rounding error of difference = a - b.
-inline double TwoDiffTail(double a, double b, double difference) {
-    const double bVirtual = a - difference;
-    const double aVirtual = difference + bVirtual;
-    return (a - aVirtual) + (bVirtual - b);
-}
-
-inline void Split(double a, double& high, double& low) {
-    const double scaled = kSplitter * a;
-    high = scaled - (scaled - a);
-    low = a - high;
-}
-
-// a * b = product + error exactly (Dekker's product over split halves).
-inline void TwoProduct(double a, double b, double& product, double& error) {
-    product = a * b;
-    double aHigh, aLow, bHigh, bLow;
-    Split(a, aHigh, aLow);
-    Split(b, bHigh, bLow);
-    const double rest = product - aHigh * bHigh - aLow * bHigh - aHigh * bLow;
-    error = aLow * bLow - rest;
-}
-
-// Adds one double to an expansion of `count` components; drops zero
-// components. h may not alias e. Returns the new count.
-int GrowExpansion(int count, const double* e, double b, double* h) {
-    int out = 0;
-    double running = b;
-    for (int i = 0; i < count; ++i) {
-        double error;
-        TwoSum(running, e[i], running, error);
-        if (error != 0.0) {
-            h[out++] = error;
-        }
-    }
-    if (running != 0.0 || out == 0) {
-        h[out++] = running;
-    }
-    return out;
-}
-
-// Expansion accumulator of at most 32 components, enough for the orientation
-// determinant's sixteen exact products.
-class CExpansion {
-public:
-    void Add(double value) {
-        double grown[kCapacity];
-        m_count = GrowExpansion(m_count, m_components, value, grown);
-        for (int i = 0; i < m_count; ++i) {
-            m_components[i] = grown[i];
-        }
-    }
-    // Adds a * b exactly.
-    void AddProduct(double a, double b) {
-        double product, error;
-        TwoProduct(a, b, product, error);
-        Add(error);
-        Add(product);
-    }
-    double Estimate() const {
-        double sum = 0.0;
-        for (int i = 0; i < m_count; ++i) {
-            sum += m_components[i];
-        }
-        return sum;
-    }
-    double Largest() const { return m_count > 0 ? m_components[m_count - 1] : 0.0; }
-
-private:
-    static constexpr int kCapacity = 32;
-    double m_components[kCapacity] = {};
-    int m_count = 0;
-};
+// Enough for the orientation determinant's sixteen exact products.
+typedef kwErrorFreeArithmetic::CExpansionT<32> CExpansion;
 
 // The rounded differences and their rounding errors.
 struct SDifferences {
@@ -191,7 +109,7 @@ double orient2d(double ax, double ay, double bx, double by, double cx, double cy
         return det;
     }
 
-    const double bound = kBoundA * detSum;
+    const double bound = kDeterminantBound * detSum;
     if (det >= bound || -det >= bound) {
         return det;
     }

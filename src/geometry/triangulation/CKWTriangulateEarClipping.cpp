@@ -1,5 +1,415 @@
-// The exported instantiations of CKWTriangulateEarClipping.
-#include "CKWTriangulateEarClipping.inl"
+// CKWTriangulateEarClipping and its exported instantiations. The constructor
+// runs one CEarClipperT, which holds the query, the vertex records and the
+// lists for the length of the construction.
+#include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
+
+#include <climits>
+#include <cmath>
+#include <memory>
+#include <new>
+#include <vector>
+
+#include "KWReflexVertexIndex.h"
+
+using kwRationalArithmetic::Query;
+using kwRationalArithmetic::Query2;
+using kwRationalArithmetic::Query2Filtered;
+using kwRationalArithmetic::Query2Int64;
+using kwRationalArithmetic::Query2TInteger;
+using kwRationalArithmetic::Query2TRational;
+
+namespace {
+
+template <class Real, class Other>
+class CEarClipperT {
+public:
+    typedef CKWVector2T<Real, Other> Vector2;
+
+    // Builds the query and the coordinates the reflex index works on.
+    CEarClipperT(int iVQuantity, const Vector2* akPoint, Query::Type eQueryType, Real fEpsilon);
+    // Writes the n - 2 triangles to aiIndex.
+    void Triangulate(int* aiIndex);
+
+private:
+    // One polygon vertex: its neighbours in the remaining polygon ring, its
+    // links in the convex or the reflex list, and in the ear ring (-1: none).
+    struct SVertex {
+        bool IsConvex = false;
+        bool IsEar = false;
+        bool IsReflexListed = false;
+        int VPrev = -1, VNext = -1;
+        int SPrev = -1, SNext = -1;
+        int EPrev = -1, ENext = -1;
+    };
+
+    void PrepareExactQuery(const Vector2* akPoint, Query::Type eQueryType, Real fEpsilon);
+    void PrepareScaledQuery(const Vector2* akPoint, Query::Type eQueryType);
+    // Links the vertex ring and sorts every vertex into the convex or the
+    // reflex list.
+    void Classify();
+    void WriteFan(int* aiOut) const;
+    // Indexes the reflex vertices and rings the convex vertices that are ears.
+    void FindEars();
+    void ClipEars(int* aiOut);
+
+    SVertex& Vertex(int i) { return m_vertices[static_cast<std::size_t>(i)]; }
+    const SVertex& Vertex(int i) const { return m_vertices[static_cast<std::size_t>(i)]; }
+    bool IsConvex(int i);
+    bool IsEar(int i);
+    // Appends i to the list from riFirst to riLast linked through the two
+    // fields (the convex and reflex lists, or the ear ring before it closes).
+    void Append(int i, int& riFirst, int& riLast, int SVertex::*piPrev, int SVertex::*piNext);
+    void InsertAfterC(int i);
+    void InsertAfterR(int i);
+    void InsertBeforeE(int i);
+    void InsertEndE(int i);
+    void RemoveV(int i);
+    int RemoveE(int i);
+    void RemoveR(int i);
+    // Writes the triangle of ear i and takes i out of the vertex ring.
+    void Clip(int i, int*& raiOut);
+    // After a clip: re-examines a former neighbour of the clipped vertex.
+    void Update(int i);
+
+    std::unique_ptr<Query2<Real, Other>> m_spQuery;
+    std::unique_ptr<Vector2[]> m_spScaled;  // scaled coordinates, for the types that scale
+    std::vector<double> m_indexX, m_indexY;
+    std::unique_ptr<kwEarClipping::CReflexVertexIndex> m_spReflexIndex;
+    std::vector<SVertex> m_vertices;
+    int m_iCFirst = -1, m_iCLast = -1;
+    int m_iRFirst = -1, m_iRLast = -1;
+    int m_iEFirst = -1, m_iELast = -1;
+};
+
+template <class Real, class Other>
+CEarClipperT<Real, Other>::CEarClipperT(int iVQuantity, const Vector2* akPoint,
+                                        Query::Type eQueryType, Real fEpsilon)
+    : m_indexX(static_cast<std::size_t>(iVQuantity)),
+      m_indexY(static_cast<std::size_t>(iVQuantity)),
+      m_vertices(static_cast<std::size_t>(iVQuantity)) {
+    if (eQueryType == Query::QT_RATIONAL || eQueryType == Query::QT_FILTERED) {
+        PrepareExactQuery(akPoint, eQueryType, fEpsilon);
+    } else {
+        PrepareScaledQuery(akPoint, eQueryType);
+    }
+}
+
+// The exact queries work on the points as given.
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::PrepareExactQuery(const Vector2* akPoint, Query::Type eQueryType,
+                                                  Real fEpsilon) {
+    const int count = static_cast<int>(m_vertices.size());
+    if (eQueryType == Query::QT_RATIONAL) {
+        m_spQuery.reset(new Query2TRational<Real, Other>(count, akPoint));
+    } else {
+        m_spQuery.reset(new Query2Filtered<Real, Other>(count, akPoint, fEpsilon));
+    }
+    // As the exact arithmetic reads them: non-finite values count as 0.
+    for (std::size_t i = 0; i < m_vertices.size(); ++i) {
+        const double x = static_cast<double>(akPoint[i].X());
+        const double y = static_cast<double>(akPoint[i].Y());
+        m_indexX[i] = std::isfinite(x) ? x : 0.0;
+        m_indexY[i] = std::isfinite(y) ? y : 0.0;
+    }
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::PrepareScaledQuery(const Vector2* akPoint, Query::Type eQueryType) {
+    const int count = static_cast<int>(m_vertices.size());
+    Vector2 minimum, maximum;
+    Vector2::ComputeExtremes(count, akPoint, minimum, maximum);
+    const Real rangeX = maximum.X() - minimum.X();
+    const Real rangeY = maximum.Y() - minimum.Y();
+    const Real range = rangeX >= rangeY ? rangeX : rangeY;
+    // The factor multiplies by the extent rather than dividing by it; the
+    // integer queries' results depend on exactly this scaling.
+    Real factor = range;
+    if (eQueryType == Query::QT_INT64) {
+        factor = range * static_cast<Real>(1 << 20);
+    } else if (eQueryType == Query::QT_INTEGER) {
+        factor = range * static_cast<Real>(1 << 24);
+    }
+    m_spScaled.reset(new Vector2[m_vertices.size()]);
+    for (std::size_t i = 0; i < m_vertices.size(); ++i) {
+        const Vector2 scaled((akPoint[i].X() - minimum.X()) * factor,
+                             (akPoint[i].Y() - minimum.Y()) * factor);
+        m_spScaled[i] = scaled;
+        double x = static_cast<double>(scaled.X());
+        double y = static_cast<double>(scaled.Y());
+        if (eQueryType == Query::QT_INT64) {
+            x = static_cast<double>(Query2Int64<Real, Other>::Truncate(scaled.X()));
+            y = static_cast<double>(Query2Int64<Real, Other>::Truncate(scaled.Y()));
+        } else if (eQueryType == Query::QT_INTEGER) {
+            x = Query2TInteger<Real, Other>::Truncate(scaled.X());
+            y = Query2TInteger<Real, Other>::Truncate(scaled.Y());
+        }
+        m_indexX[i] = std::isfinite(x) ? x : 0.0;
+        m_indexY[i] = std::isfinite(y) ? y : 0.0;
+    }
+    if (eQueryType == Query::QT_INT64) {
+        m_spQuery.reset(new Query2Int64<Real, Other>(count, m_spScaled.get()));
+    } else if (eQueryType == Query::QT_INTEGER) {
+        m_spQuery.reset(new Query2TInteger<Real, Other>(count, m_spScaled.get()));
+    } else {
+        m_spQuery.reset(new Query2<Real, Other>(count, m_spScaled.get()));
+    }
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::Triangulate(int* aiIndex) {
+    Classify();
+    if (m_iRFirst == -1) {
+        WriteFan(aiIndex);
+        return;
+    }
+    FindEars();
+    ClipEars(aiIndex);
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::Classify() {
+    const int n = static_cast<int>(m_vertices.size());
+    for (int i = 0; i < n; ++i) {
+        Vertex(i).VPrev = i == 0 ? n - 1 : i - 1;
+        Vertex(i).VNext = i == n - 1 ? 0 : i + 1;
+    }
+    for (int i = 0; i < n; ++i) {
+        if (IsConvex(i)) {
+            InsertAfterC(i);
+        } else {
+            InsertAfterR(i);
+        }
+    }
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::WriteFan(int* aiOut) const {
+    const int n = static_cast<int>(m_vertices.size());
+    for (int i = 1; i + 1 < n; ++i) {
+        *aiOut++ = 0;
+        *aiOut++ = i;
+        *aiOut++ = i + 1;
+    }
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::FindEars() {
+    std::vector<int> reflex;
+    for (int i = m_iRFirst; i != -1; i = Vertex(i).SNext) {
+        reflex.push_back(i);
+    }
+    m_spReflexIndex.reset(new kwEarClipping::CReflexVertexIndex(
+        m_indexX.data(), m_indexY.data(), static_cast<int>(m_vertices.size())));
+    m_spReflexIndex->Build(reflex);
+
+    for (int i = m_iCFirst; i != -1; i = Vertex(i).SNext) {
+        if (IsEar(i)) {
+            InsertEndE(i);
+        }
+    }
+    if (m_iEFirst != -1) {
+        Vertex(m_iEFirst).EPrev = m_iELast;
+        Vertex(m_iELast).ENext = m_iEFirst;
+    }
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::ClipEars(int* aiOut) {
+    const int n = static_cast<int>(m_vertices.size());
+    // Without an ear (input outside the contract) the clip falls back on the
+    // clipped vertex's successor, or on vertex 0 at the start.
+    int ear = m_iEFirst != -1 ? m_iEFirst : 0;
+    int prev = Vertex(ear).VPrev;
+    int next = Vertex(ear).VNext;
+    Clip(ear, aiOut);
+    for (int k = 0; k < n - 4; ++k) {
+        Update(prev);
+        Update(next);
+        if (Vertex(ear).IsEar) {
+            RemoveE(ear);
+        }
+        ear = m_iEFirst != -1 ? m_iEFirst : next;
+        prev = Vertex(ear).VPrev;
+        next = Vertex(ear).VNext;
+        Clip(ear, aiOut);
+    }
+    if (n > 3) {
+        if (Vertex(ear).IsEar) {
+            RemoveE(ear);
+        }
+        const int last = m_iEFirst != -1 ? m_iEFirst : next;
+        *aiOut++ = Vertex(last).VPrev;
+        *aiOut++ = last;
+        *aiOut++ = Vertex(last).VNext;
+    }
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::Clip(int i, int*& raiOut) {
+    *raiOut++ = Vertex(i).VPrev;
+    *raiOut++ = i;
+    *raiOut++ = Vertex(i).VNext;
+    RemoveV(i);
+    if (Vertex(i).IsReflexListed) {
+        RemoveR(i);
+    }
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::Update(int i) {
+    if (!Vertex(i).IsEar) {
+        if (IsConvex(i)) {
+            if (Vertex(i).IsReflexListed) {
+                RemoveR(i);
+            }
+            if (IsEar(i)) {
+                InsertBeforeE(i);
+            }
+        }
+    } else if (!IsEar(i)) {
+        RemoveE(i);
+    }
+}
+
+template <class Real, class Other>
+bool CEarClipperT<Real, Other>::IsConvex(int i) {
+    SVertex& vertex = Vertex(i);
+    vertex.IsConvex = m_spQuery->ToLine(i, vertex.VPrev, vertex.VNext) > 0;
+    return vertex.IsConvex;
+}
+
+template <class Real, class Other>
+bool CEarClipperT<Real, Other>::IsEar(int i) {
+    SVertex& vertex = Vertex(i);
+    if (m_iRFirst == -1) {
+        vertex.IsEar = true;
+        return true;
+    }
+    const int prev = vertex.VPrev;
+    const int next = vertex.VNext;
+    const Query2<Real, Other>* query = m_spQuery.get();
+    // Reflex vertices on the triangle's boundary do not block the ear. The
+    // triangle's own corners are skipped: with a zero difference vector every
+    // query finds them on the boundary, and the filtered query would pay for
+    // an exact evaluation to say so.
+    vertex.IsEar = !m_spReflexIndex->AnyInside(prev, i, next, [query, prev, i, next](int r) {
+        return r != prev && r != next && query->ToTriangle(r, prev, i, next) < 0;
+    });
+    return vertex.IsEar;
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::Append(int i, int& riFirst, int& riLast, int SVertex::*piPrev,
+                                       int SVertex::*piNext) {
+    if (riFirst == -1) {
+        riFirst = i;
+    } else {
+        Vertex(riLast).*piNext = i;
+        Vertex(i).*piPrev = riLast;
+    }
+    riLast = i;
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::InsertAfterC(int i) {
+    Append(i, m_iCFirst, m_iCLast, &SVertex::SPrev, &SVertex::SNext);
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::InsertAfterR(int i) {
+    Append(i, m_iRFirst, m_iRLast, &SVertex::SPrev, &SVertex::SNext);
+    Vertex(i).IsReflexListed = true;
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::InsertEndE(int i) {
+    Append(i, m_iEFirst, m_iELast, &SVertex::EPrev, &SVertex::ENext);
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::InsertBeforeE(int i) {
+    if (m_iEFirst == -1) {
+        m_iEFirst = m_iELast = i;
+        Vertex(i).EPrev = Vertex(i).ENext = i;
+        return;
+    }
+    // Just before the first ear: at the end of the ring.
+    Vertex(i).EPrev = m_iELast;
+    Vertex(i).ENext = m_iEFirst;
+    Vertex(m_iELast).ENext = i;
+    Vertex(m_iEFirst).EPrev = i;
+    m_iELast = i;
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::RemoveV(int i) {
+    const int prev = Vertex(i).VPrev;
+    const int next = Vertex(i).VNext;
+    Vertex(prev).VNext = next;
+    Vertex(next).VPrev = prev;
+}
+
+template <class Real, class Other>
+int CEarClipperT<Real, Other>::RemoveE(int i) {
+    SVertex& vertex = Vertex(i);
+    const int prev = vertex.EPrev;
+    const int next = vertex.ENext;
+    vertex.IsEar = false;
+    vertex.EPrev = vertex.ENext = -1;
+    if (next == i) {
+        m_iEFirst = m_iELast = -1;
+        return -1;
+    }
+    Vertex(prev).ENext = next;
+    Vertex(next).EPrev = prev;
+    if (i == m_iEFirst) {
+        m_iEFirst = next;
+    }
+    if (i == m_iELast) {
+        m_iELast = prev;
+    }
+    return next;
+}
+
+template <class Real, class Other>
+void CEarClipperT<Real, Other>::RemoveR(int i) {
+    SVertex& vertex = Vertex(i);
+    if (vertex.SPrev != -1) {
+        Vertex(vertex.SPrev).SNext = vertex.SNext;
+    } else {
+        m_iRFirst = vertex.SNext;
+    }
+    if (vertex.SNext != -1) {
+        Vertex(vertex.SNext).SPrev = vertex.SPrev;
+    } else {
+        m_iRLast = vertex.SPrev;
+    }
+    vertex.SPrev = vertex.SNext = -1;
+    vertex.IsReflexListed = false;
+    m_spReflexIndex->Remove(i);
+}
+
+}  // namespace
+
+template <class Real, class Other>
+CKWTriangulateEarClipping<Real, Other>::CKWTriangulateEarClipping(int iVQuantity,
+                                                                  const Vector2* akPoint,
+                                                                  Query::Type eQueryType,
+                                                                  Real fEpsilon, int*& raiIndex) {
+    raiIndex = nullptr;
+    if (iVQuantity < 3 || iVQuantity > INT_MAX / 3 || akPoint == nullptr ||
+        eQueryType < Query::QT_INT64 || eQueryType > Query::QT_FILTERED) {
+        return;
+    }
+    raiIndex = new (std::nothrow) int[3 * static_cast<std::size_t>(iVQuantity - 1)];
+    if (raiIndex == nullptr) {
+        return;
+    }
+    CEarClipperT<Real, Other>(iVQuantity, akPoint, eQueryType, fEpsilon).Triangulate(raiIndex);
+}
+
+template <class Real, class Other>
+CKWTriangulateEarClipping<Real, Other>::~CKWTriangulateEarClipping() = default;
 
 template class CKWTriangulateEarClipping<float, double>;
 template class CKWTriangulateEarClipping<double, float>;

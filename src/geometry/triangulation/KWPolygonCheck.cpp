@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
+#include "KWPolygonTriangulationImpl.h"
 
 namespace kwPolygonTriangulation {
 namespace {
@@ -24,6 +24,18 @@ std::string Format(const char* format, double a = 0, double b = 0, double c = 0,
     char text[256];
     std::snprintf(text, sizeof text, format, a, b, c, d);
     return text;
+}
+
+// Fills every field of result with one problem; returns its code.
+CheckCode Report(CheckResult& result, CheckCode code, const std::string& message, int contour = -1,
+                 int otherContour = -1, double x = 0.0, double y = 0.0) {
+    result.code = code;
+    result.contour = contour;
+    result.otherContour = otherContour;
+    result.x = x;
+    result.y = y;
+    result.message = message;
+    return code;
 }
 
 // The contours as flat arrays; vertex i of the whole polygon is id i + 1.
@@ -36,7 +48,11 @@ struct SContours {
 
 class CSweepCheck {
 public:
-    explicit CSweepCheck(const SContours& contours) : m_c(contours) {}
+    explicit CSweepCheck(const SContours& contours)
+        : m_c(contours),
+          m_status(SOrder{this}),
+          m_handle(contours.x.size(), m_status.end()),
+          m_contourSeen(contours.size.size(), false) {}
 
     CheckCode Run(CheckResult& result);
 
@@ -65,8 +81,24 @@ private:
     CheckCode Crossing(unsigned s, unsigned t, unsigned near, CheckResult& result) const;
     bool TestNeighbours(Status::iterator it, unsigned near, CheckResult& result) const;
 
+    // The phases of Run: each true when it found a problem, in result.
+    bool FindDuplicatedPoint(const std::vector<unsigned>& order, CheckResult& result) const;
+    bool FindTurnBack(CheckResult& result) const;
+    bool FindCrossing(const std::vector<unsigned>& order, CheckResult& result);
+    // The sweep at vertex v: its edges leave the status (v is their lower
+    // end) or enter it (v is their upper end).
+    bool RemoveEdgesEndingAt(unsigned v, CheckResult& result);
+    bool InsertEdgesStartingAt(unsigned v, Status::iterator inserted[2], int& insertedCount,
+                               CheckResult& result);
+    // At the topmost vertex v of its contour: the contour's orientation, and
+    // whether it lies where it should, remembered for the end of the sweep.
+    void CheckContourAt(unsigned v, const Status::iterator inserted[2], int insertedCount);
+
     const SContours& m_c;
-    const Status* m_status = nullptr;
+    Status m_status;
+    std::vector<Status::iterator> m_handle;  // by edge
+    std::vector<bool> m_contourSeen;
+    CheckResult m_orientation, m_containment;
     unsigned m_inserting = 0;
     mutable bool m_bContact = false;
     mutable unsigned m_contactWith = 0;
@@ -158,24 +190,20 @@ void CSweepCheck::Meeting(unsigned s, unsigned t, unsigned near, double& x, doub
 }
 
 CheckCode CSweepCheck::Crossing(unsigned s, unsigned t, unsigned near, CheckResult& result) const {
-    result.code = CHECK_SELF_INTERSECTION;
-    result.contour = m_c.contour[s];
-    result.otherContour = m_c.contour[t];
-    Meeting(s, t, near, result.x, result.y);
-    if (result.contour == result.otherContour) {
-        result.message = Format("contour %g crosses or touches itself near (%g, %g)",
-                                result.contour + 1, result.x, result.y);
-    } else {
-        result.message =
-            Format("contours %g and %g cross or touch near (%g, %g)",
-                   std::min(result.contour, result.otherContour) + 1,
-                   std::max(result.contour, result.otherContour) + 1, result.x, result.y);
-    }
-    return result.code;
+    const int contour = m_c.contour[s], otherContour = m_c.contour[t];
+    double x, y;
+    Meeting(s, t, near, x, y);
+    const std::string message =
+        contour == otherContour
+            ? Format("contour %g crosses or touches itself near (%g, %g)", contour + 1, x, y)
+            : Format("contours %g and %g cross or touch near (%g, %g)",
+                     std::min(contour, otherContour) + 1, std::max(contour, otherContour) + 1, x,
+                     y);
+    return Report(result, CHECK_SELF_INTERSECTION, message, contour, otherContour, x, y);
 }
 
 bool CSweepCheck::TestNeighbours(Status::iterator it, unsigned near, CheckResult& result) const {
-    if (it != m_status->begin()) {
+    if (it != m_status.begin()) {
         const unsigned left = *std::prev(it);
         if (Intersect(left, *it)) {
             Crossing(left, *it, near, result);
@@ -183,7 +211,7 @@ bool CSweepCheck::TestNeighbours(Status::iterator it, unsigned near, CheckResult
         }
     }
     const Status::iterator right = std::next(it);
-    if (right != m_status->end() && Intersect(*it, *right)) {
+    if (right != m_status.end() && Intersect(*it, *right)) {
         Crossing(*it, *right, near, result);
         return true;
     }
@@ -197,23 +225,38 @@ CheckCode CSweepCheck::Run(CheckResult& result) {
         order[i] = i;
     }
     std::sort(order.begin(), order.end(), [this](unsigned a, unsigned b) { return Above(a, b); });
+    if (FindDuplicatedPoint(order, result) || FindTurnBack(result) || FindCrossing(order, result)) {
+        return result.code;
+    }
+    if (m_orientation.code != CHECK_OK) {
+        result = m_orientation;
+    } else if (m_containment.code != CHECK_OK) {
+        result = m_containment;
+    }
+    return result.code;
+}
 
-    for (unsigned k = 1; k < n; ++k) {
+// In sweep order, equal points are neighbours.
+bool CSweepCheck::FindDuplicatedPoint(const std::vector<unsigned>& order,
+                                      CheckResult& result) const {
+    for (std::size_t k = 1; k < order.size(); ++k) {
         const unsigned a = order[k - 1], b = order[k];
         if (m_c.x[a] == m_c.x[b] && m_c.y[a] == m_c.y[b]) {
-            result.code = CHECK_DUPLICATED_POINT;
-            result.contour = std::min(m_c.contour[a], m_c.contour[b]);
-            result.otherContour = std::max(m_c.contour[a], m_c.contour[b]);
-            result.x = m_c.x[a];
-            result.y = m_c.y[a];
-            result.message =
-                Format("the point (%g, %g) occurs twice (contours %g and %g)", result.x, result.y,
-                       result.contour + 1, result.otherContour + 1);
-            return result.code;
+            const int contour = std::min(m_c.contour[a], m_c.contour[b]);
+            const int otherContour = std::max(m_c.contour[a], m_c.contour[b]);
+            Report(result, CHECK_DUPLICATED_POINT,
+                   Format("the point (%g, %g) occurs twice (contours %g and %g)", m_c.x[a],
+                          m_c.y[a], contour + 1, otherContour + 1),
+                   contour, otherContour, m_c.x[a], m_c.y[a]);
+            return true;
         }
     }
-    // Neighbouring edges overlap when a contour turns straight back.
-    for (unsigned v = 0; v < n; ++v) {
+    return false;
+}
+
+// Neighbouring edges overlap when a contour turns straight back.
+bool CSweepCheck::FindTurnBack(CheckResult& result) const {
+    for (unsigned v = 0; v < m_c.x.size(); ++v) {
         const unsigned p = m_c.prev[v], q = m_c.next[v];
         if (Orient(p, v, q) != 0) {
             continue;
@@ -221,154 +264,126 @@ CheckCode CSweepCheck::Run(CheckResult& result) {
         const bool sameSide = m_c.x[p] != m_c.x[v] ? (m_c.x[p] < m_c.x[v]) == (m_c.x[q] < m_c.x[v])
                                                    : (m_c.y[p] < m_c.y[v]) == (m_c.y[q] < m_c.y[v]);
         if (sameSide) {
-            return Crossing(p, v, v, result);
+            Crossing(p, v, v, result);
+            return true;
         }
     }
-
-    Status status(SOrder{this});
-    m_status = &status;
-    std::vector<Status::iterator> handle(n, status.end());
-    std::vector<bool> contourSeen(m_c.size.size(), false);
-    CheckResult orientation, containment;
-    for (unsigned v : order) {
-        const unsigned edges[2] = {m_c.prev[v], v};  // entering and leaving v
-        for (unsigned s : edges) {
-            if (Lower(s) != v) {
-                continue;
-            }
-            const Status::iterator it = handle[s];
-            const bool hasLeft = it != status.begin();
-            const Status::iterator left = hasLeft ? std::prev(it) : status.end();
-            const Status::iterator right = status.erase(it);
-            if (hasLeft && right != status.end() && Intersect(*left, *right)) {
-                return Crossing(*left, *right, v, result);
-            }
-        }
-        Status::iterator inserted[2] = {status.end(), status.end()};
-        int insertedCount = 0;
-        for (unsigned s : edges) {
-            if (Upper(s) != v) {
-                continue;
-            }
-            m_inserting = s;
-            m_bContact = false;
-            const Status::iterator it = status.insert(s).first;
-            handle[s] = it;
-            if (m_bContact) {
-                return Crossing(m_contactWith, s, v, result);
-            }
-            if (TestNeighbours(it, v, result)) {
-                return result.code;
-            }
-            inserted[insertedCount++] = it;
-        }
-        const int c = m_c.contour[v];
-        if (contourSeen[c]) {
-            continue;
-        }
-        // v is the topmost vertex of its contour: both its edges start here.
-        contourSeen[c] = true;
-        const bool counterClockwise = Orient(m_c.prev[v], v, m_c.next[v]) > 0;
-        if (counterClockwise != (c == 0) && orientation.code == CHECK_OK) {
-            orientation.code = CHECK_WRONG_ORIENTATION;
-            orientation.contour = c;
-            orientation.x = m_c.x[v];
-            orientation.y = m_c.y[v];
-            orientation.message =
-                c == 0 ? std::string(
-                             "the outer contour runs clockwise; it must run "
-                             "counter-clockwise")
-                       : Format(
-                             "contour %g (a hole) runs counter-clockwise; holes must run "
-                             "clockwise",
-                             c + 1);
-        }
-        // The edge directly left of v decides whether v lies in the area
-        // bounded by the contours seen so far: it does when that edge runs
-        // downwards (the area is on the left of every edge).
-        Status::iterator leftmost = inserted[0];
-        if (insertedCount == 2 && std::next(inserted[1]) == inserted[0]) {
-            leftmost = inserted[1];
-        }
-        bool inside = false;
-        int outerContour = -1;
-        if (leftmost != status.begin()) {
-            const unsigned left = *std::prev(leftmost);
-            inside = Upper(left) == left;
-            outerContour = m_c.contour[left];
-        }
-        if (inside != (c != 0) && containment.code == CHECK_OK) {
-            containment.code = CHECK_HOLE_OUTSIDE;
-            containment.contour = c;
-            containment.otherContour = outerContour;
-            containment.x = m_c.x[v];
-            containment.y = m_c.y[v];
-            containment.message =
-                c == 0 ? std::string("the outer contour lies inside a hole")
-                       : Format(
-                             "contour %g (a hole) is not inside the outer contour, or lies "
-                             "inside another hole",
-                             c + 1);
-        }
-    }
-    if (orientation.code != CHECK_OK) {
-        result = orientation;
-    } else if (containment.code != CHECK_OK) {
-        result = containment;
-    }
-    return result.code;
+    return false;
 }
 
-}  // namespace
-
-CheckCode Polygon::Check(CheckResult* out) const {
-    CheckResult local;
-    CheckResult& result = out != 0 ? *out : local;
-    result = CheckResult();
-    // A refused contour explains what follows from it (a missing outer contour).
-    if (m_bRefused) {
-        result.code = CHECK_DUPLICATED_POINT;
-        result.message = "a contour was refused: one of its points repeats a point already held";
-        return result.code;
-    }
-    if (m_nVertices.empty()) {
-        result.code = CHECK_TOO_FEW_POINTS;
-        result.message = "the polygon has no contour";
-        return result.code;
-    }
-    std::size_t total = 0;
-    for (std::size_t c = 0; c < m_nVertices.size(); ++c) {
-        if (m_nVertices[c] < 3) {
-            result.code = CHECK_TOO_FEW_POINTS;
-            result.contour = static_cast<int>(c);
-            result.message = Format("contour %g has %g points; a contour needs at least 3",
-                                    static_cast<double>(c + 1), m_nVertices[c]);
-            return result.code;
+bool CSweepCheck::FindCrossing(const std::vector<unsigned>& order, CheckResult& result) {
+    for (unsigned v : order) {
+        if (RemoveEdgesEndingAt(v, result)) {
+            return true;
         }
-        total += m_nVertices[c];
+        Status::iterator inserted[2] = {m_status.end(), m_status.end()};
+        int insertedCount = 0;
+        if (InsertEdgesStartingAt(v, inserted, insertedCount, result)) {
+            return true;
+        }
+        const int c = m_c.contour[v];
+        if (!m_contourSeen[c]) {
+            // v is the topmost vertex of its contour: both its edges start here.
+            m_contourSeen[c] = true;
+            CheckContourAt(v, inserted, insertedCount);
+        }
     }
-    // total ids, the largest total: exactly 1..total.
-    if (m_bRenumbered || m_pointCount != total || m_maxPointId != total) {
-        result.code = CHECK_BAD_NUMBERING;
-        result.message =
-            "a reversed contour numbers its vertices from 1, so only the first contour may be "
-            "reversed";
-        return result.code;
-    }
+    return false;
+}
 
+// The two edges that become neighbours when one between them leaves.
+bool CSweepCheck::RemoveEdgesEndingAt(unsigned v, CheckResult& result) {
+    for (unsigned s : {m_c.prev[v], v}) {
+        if (Lower(s) != v) {
+            continue;
+        }
+        const Status::iterator it = m_handle[s];
+        const bool hasLeft = it != m_status.begin();
+        const Status::iterator left = hasLeft ? std::prev(it) : m_status.end();
+        const Status::iterator right = m_status.erase(it);
+        if (hasLeft && right != m_status.end() && Intersect(*left, *right)) {
+            Crossing(*left, *right, v, result);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool CSweepCheck::InsertEdgesStartingAt(unsigned v, Status::iterator inserted[2],
+                                        int& insertedCount, CheckResult& result) {
+    for (unsigned s : {m_c.prev[v], v}) {
+        if (Upper(s) != v) {
+            continue;
+        }
+        m_inserting = s;
+        m_bContact = false;
+        const Status::iterator it = m_status.insert(s).first;
+        m_handle[s] = it;
+        if (m_bContact) {
+            Crossing(m_contactWith, s, v, result);
+            return true;
+        }
+        if (TestNeighbours(it, v, result)) {
+            return true;
+        }
+        inserted[insertedCount++] = it;
+    }
+    return false;
+}
+
+void CSweepCheck::CheckContourAt(unsigned v, const Status::iterator inserted[2],
+                                 int insertedCount) {
+    const int c = m_c.contour[v];
+    const bool counterClockwise = Orient(m_c.prev[v], v, m_c.next[v]) > 0;
+    if (counterClockwise != (c == 0) && m_orientation.code == CHECK_OK) {
+        Report(m_orientation, CHECK_WRONG_ORIENTATION,
+               c == 0 ? std::string("the outer contour runs clockwise; it must run "
+                                    "counter-clockwise")
+                      : Format("contour %g (a hole) runs counter-clockwise; holes must run "
+                               "clockwise",
+                               c + 1),
+               c, -1, m_c.x[v], m_c.y[v]);
+    }
+    // The edge directly left of v decides whether v lies in the area bounded
+    // by the contours seen so far: it does when that edge runs downwards (the
+    // area is on the left of every edge).
+    Status::iterator leftmost = inserted[0];
+    if (insertedCount == 2 && std::next(inserted[1]) == inserted[0]) {
+        leftmost = inserted[1];
+    }
+    bool inside = false;
+    int outerContour = -1;
+    if (leftmost != m_status.begin()) {
+        const unsigned left = *std::prev(leftmost);
+        inside = Upper(left) == left;
+        outerContour = m_c.contour[left];
+    }
+    if (inside != (c != 0) && m_containment.code == CHECK_OK) {
+        Report(m_containment, CHECK_HOLE_OUTSIDE,
+               c == 0 ? std::string("the outer contour lies inside a hole")
+                      : Format("contour %g (a hole) is not inside the outer contour, or lies "
+                               "inside another hole",
+                               c + 1),
+               c, outerContour, m_c.x[v], m_c.y[v]);
+    }
+}
+
+// The contours as flat arrays, vertex i of the whole polygon at index i - 1.
+SContours Flatten(const std::vector<Pointbase*>& pointById, const std::vector<unsigned>& sizes,
+                  std::size_t total) {
     SContours contours;
     contours.x.reserve(total);
     contours.y.reserve(total);
     for (std::size_t id = 1; id <= total; ++id) {
-        contours.x.push_back(m_pointById[id]->x);
-        contours.y.push_back(m_pointById[id]->y);
+        contours.x.push_back(pointById[id]->x);
+        contours.y.push_back(pointById[id]->y);
     }
     contours.contour.resize(total);
     contours.prev.resize(total);
     contours.next.resize(total);
     unsigned offset = 0;
-    for (std::size_t c = 0; c < m_nVertices.size(); ++c) {
-        const unsigned count = m_nVertices[c];
+    for (std::size_t c = 0; c < sizes.size(); ++c) {
+        const unsigned count = sizes[c];
         contours.first.push_back(offset);
         contours.size.push_back(count);
         for (unsigned k = 0; k < count; ++k) {
@@ -376,17 +391,59 @@ CheckCode Polygon::Check(CheckResult* out) const {
             contours.contour[v] = static_cast<int>(c);
             contours.next[v] = offset + (k + 1) % count;
             contours.prev[v] = offset + (k + count - 1) % count;
-            if (!std::isfinite(contours.x[v]) || !std::isfinite(contours.y[v])) {
-                result.code = CHECK_NOT_FINITE;
-                result.contour = static_cast<int>(c);
-                result.message = Format(
-                    "vertex %g of contour %g has a coordinate that is not a "
-                    "finite number",
-                    k + 1.0, static_cast<double>(c + 1));
-                return result.code;
-            }
         }
         offset += count;
+    }
+    return contours;
+}
+
+bool FindNotFinite(const SContours& contours, CheckResult& result) {
+    for (std::size_t c = 0; c < contours.size.size(); ++c) {
+        for (unsigned k = 0; k < contours.size[c]; ++k) {
+            const unsigned v = contours.first[c] + k;
+            if (!std::isfinite(contours.x[v]) || !std::isfinite(contours.y[v])) {
+                Report(result, CHECK_NOT_FINITE,
+                       Format("vertex %g of contour %g has a coordinate that is not a finite "
+                              "number",
+                              k + 1.0, static_cast<double>(c + 1)),
+                       static_cast<int>(c));
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+CheckCode PolygonImpl::Check(CheckResult& result) const {
+    // A refused contour explains what follows from it (a missing outer contour).
+    if (m_bRefused) {
+        return Report(result, CHECK_DUPLICATED_POINT,
+                      "a contour was refused: one of its points repeats a point already held");
+    }
+    if (m_contourSizes.empty()) {
+        return Report(result, CHECK_TOO_FEW_POINTS, "the polygon has no contour");
+    }
+    std::size_t total = 0;
+    for (std::size_t c = 0; c < m_contourSizes.size(); ++c) {
+        if (m_contourSizes[c] < 3) {
+            return Report(result, CHECK_TOO_FEW_POINTS,
+                          Format("contour %g has %g points; a contour needs at least 3",
+                                 static_cast<double>(c + 1), m_contourSizes[c]),
+                          static_cast<int>(c));
+        }
+        total += m_contourSizes[c];
+    }
+    // total ids, the largest total: exactly 1..total.
+    if (m_bRenumbered || m_pointCount != total || m_maxPointId != total) {
+        return Report(result, CHECK_BAD_NUMBERING,
+                      "a reversed contour numbers its vertices from 1, so only the first "
+                      "contour may be reversed");
+    }
+    const SContours contours = Flatten(m_pointById, m_contourSizes, total);
+    if (FindNotFinite(contours, result)) {
+        return result.code;
     }
     return CSweepCheck(contours).Run(result);
 }

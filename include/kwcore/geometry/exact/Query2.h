@@ -24,9 +24,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "kwcore/geometry/linear/CKWVector2T.h"
 #include "kwcore/geometry/exact/TInteger.h"
 #include "kwcore/geometry/exact/TRational.h"
+#include "kwcore/geometry/linear/CKWVector2T.h"
 #include "kwcore/platform/Export.h"
 
 namespace kwRationalArithmetic {
@@ -77,6 +77,19 @@ protected:
     const Vector2* m_akVertex;
 };
 
+// What each query below declares alike: its vector type, the index forms of
+// ToLine and ToCircumcircle kept from Query2 beside the point forms it
+// evaluates in its own arithmetic, and its type. Undefined at the end.
+#define KWCORE_QUERY2_POINT_FORMS(eType)                             \
+    typedef CKWVector2T<Real, Other> Vector2;                        \
+    using Query2<Real, Other>::ToLine;                               \
+    using Query2<Real, Other>::ToCircumcircle;                       \
+    Query::Type GetType() const override {                           \
+        return Query::eType;                                         \
+    }                                                                \
+    int ToLine(const Vector2& rkP, int iV0, int iV1) const override; \
+    int ToCircumcircle(const Vector2& rkP, int iV0, int iV1, int iV2) const override
+
 // 64-bit integer arithmetic on the coordinates truncated toward zero
 // (saturated at the int64 range; NaN counts as 0). Products wrap modulo 2^64,
 // so the answers are exact only while |coordinates| stay below 2^30 (lines)
@@ -84,15 +97,9 @@ protected:
 template <class Real, class Other>
 class KWCORE_API Query2Int64 : public Query2<Real, Other> {
 public:
-    typedef CKWVector2T<Real, Other> Vector2;
-    using Query2<Real, Other>::ToLine;
-    using Query2<Real, Other>::ToCircumcircle;
+    KWCORE_QUERY2_POINT_FORMS(QT_INT64);
 
     Query2Int64(int iVQuantity, const Vector2* akVertex);
-
-    Query::Type GetType() const override { return Query::QT_INT64; }
-    int ToLine(const Vector2& rkP, int iV0, int iV1) const override;
-    int ToCircumcircle(const Vector2& rkP, int iV0, int iV1, int iV2) const override;
 
     // The coordinate as the query sees it.
     static std::int64_t Truncate(Real fValue);
@@ -112,15 +119,9 @@ private:
 template <class Real, class Other>
 class KWCORE_API Query2TInteger : public Query2<Real, Other> {
 public:
-    typedef CKWVector2T<Real, Other> Vector2;
-    using Query2<Real, Other>::ToLine;
-    using Query2<Real, Other>::ToCircumcircle;
+    KWCORE_QUERY2_POINT_FORMS(QT_INTEGER);
 
     Query2TInteger(int iVQuantity, const Vector2* akVertex);
-
-    Query::Type GetType() const override { return Query::QT_INTEGER; }
-    int ToLine(const Vector2& rkP, int iV0, int iV1) const override;
-    int ToCircumcircle(const Vector2& rkP, int iV0, int iV1, int iV2) const override;
 
     // The coordinate as the query sees it: an integer-valued double.
     static double Truncate(Real fValue);
@@ -133,19 +134,16 @@ public:
 template <class Real, class Other>
 class KWCORE_API Query2TRational : public Query2<Real, Other> {
 public:
-    typedef CKWVector2T<Real, Other> Vector2;
+    KWCORE_QUERY2_POINT_FORMS(QT_RATIONAL);
     typedef TRational<32> Rational;
     typedef TRVector<2, 32> RVector2;
 
     Query2TRational(int iVQuantity, const Vector2* akVertex);
     ~Query2TRational() override;
 
-    Query::Type GetType() const override { return Query::QT_RATIONAL; }
-    int ToLine(const Vector2& rkP, int iV0, int iV1) const override;
     int ToLine(int i, int iV0, int iV1) const override;
     int ToTriangle(const Vector2& rkP, int iV0, int iV1, int iV2) const override;
     int ToTriangle(int i, int iV0, int iV1, int iV2) const override;
-    int ToCircumcircle(const Vector2& rkP, int iV0, int iV1, int iV2) const override;
     int ToCircumcircle(int i, int iV0, int iV1, int iV2) const override;
 
 private:
@@ -173,21 +171,17 @@ private:
 template <class Real, class Other>
 class KWCORE_API Query2Filtered : public Query2<Real, Other> {
 public:
-    typedef CKWVector2T<Real, Other> Vector2;
-    using Query2<Real, Other>::ToLine;
-    using Query2<Real, Other>::ToCircumcircle;
+    KWCORE_QUERY2_POINT_FORMS(QT_FILTERED);
 
     Query2Filtered(int iVQuantity, const Vector2* akVertex, Real fUncertainty);
     ~Query2Filtered() override;
-
-    Query::Type GetType() const override { return Query::QT_FILTERED; }
-    int ToLine(const Vector2& rkP, int iV0, int iV1) const override;
-    int ToCircumcircle(const Vector2& rkP, int iV0, int iV1, int iV2) const override;
 
 private:
     Query2TRational<Real, Other> m_kRQuery;
     Real m_fUncertainty;
 };
+
+#undef KWCORE_QUERY2_POINT_FORMS
 
 extern template class Query2<float, double>;
 extern template class Query2<double, float>;

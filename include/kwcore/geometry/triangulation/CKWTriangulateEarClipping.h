@@ -31,13 +31,9 @@
 //   delete[] indices;
 #pragma once
 
-#include <vector>
-
-#include "kwcore/geometry/linear/CKWVector2T.h"
 #include "kwcore/geometry/exact/Query2.h"
+#include "kwcore/geometry/linear/CKWVector2T.h"
 #include "kwcore/platform/Export.h"
-
-class CKWReflexIndex;
 
 template <class Real, class Other>
 class KWCORE_API CKWTriangulateEarClipping {
@@ -47,52 +43,12 @@ public:
     CKWTriangulateEarClipping(int iVQuantity, const Vector2* akPoint,
                               kwRationalArithmetic::Query::Type eQueryType, Real fEpsilon,
                               int*& raiIndex);
+    // Nothing to release: the query, the vertex records and every scratch
+    // array live only as long as the construction.
     ~CKWTriangulateEarClipping();
 
     CKWTriangulateEarClipping(const CKWTriangulateEarClipping&) = delete;
     CKWTriangulateEarClipping& operator=(const CKWTriangulateEarClipping&) = delete;
-
-private:
-    // One polygon vertex: its neighbours in the remaining polygon ring, its
-    // links in the convex or the reflex list, and in the ear ring (-1: none).
-    struct SVertex {
-        bool IsConvex = false;
-        bool IsEar = false;
-        bool IsReflexListed = false;
-        int VPrev = -1, VNext = -1;
-        int SPrev = -1, SNext = -1;
-        int EPrev = -1, ENext = -1;
-    };
-
-    void Triangulate(int iVQuantity, const Vector2* akPoint,
-                     kwRationalArithmetic::Query::Type eQueryType, Real fEpsilon, int* aiIndex);
-    // Builds the query and the coordinates the reflex index works on.
-    void PrepareQuery(int iVQuantity, const Vector2* akPoint,
-                      kwRationalArithmetic::Query::Type eQueryType, Real fEpsilon);
-
-    SVertex& V(int i) { return m_kVertex[static_cast<std::size_t>(i)]; }
-    bool IsConvex(int i);
-    bool IsEar(int i);
-    void InsertAfterC(int i);
-    void InsertAfterR(int i);
-    void InsertBeforeE(int i);
-    void InsertEndE(int i);
-    void RemoveV(int i);
-    int RemoveE(int i);
-    void RemoveR(int i);
-    // Writes the triangle of ear i and takes i out of the vertex ring.
-    void Clip(int i, int*& raiOut);
-    // After a clip: re-examines a former neighbour of the clipped vertex.
-    void Update(int i);
-
-    kwRationalArithmetic::Query2<Real, Other>* m_pkQuery = nullptr;
-    Vector2* m_akScaled = nullptr;  // scaled coordinates, for the types that scale
-    std::vector<double> m_kIndexX, m_kIndexY;
-    CKWReflexIndex* m_pkReflexIndex = nullptr;
-    std::vector<SVertex> m_kVertex;
-    int m_iCFirst = -1, m_iCLast = -1;
-    int m_iRFirst = -1, m_iRLast = -1;
-    int m_iEFirst = -1, m_iELast = -1;
 };
 
 extern template class CKWTriangulateEarClipping<float, double>;

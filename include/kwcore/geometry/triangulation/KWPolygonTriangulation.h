@@ -31,12 +31,10 @@
 #include <memory>
 #include <memory_resource>
 #include <queue>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "kwcore/geometry/linear/CKWPoint2T.h"
-#include "kwcore/geometry/exact/KWOrient2D.h"
 #include "kwcore/geometry/triangulation/KWSplayTree.h"
 #include "kwcore/platform/Export.h"
 
@@ -165,6 +163,9 @@ typedef std::vector<Monopoly> Monopolys;
 typedef std::array<unsigned, 3> Triangle;
 typedef std::vector<Triangle> Triangles;
 
+// The vertices, edges and working state of a Polygon, private to the library.
+class PolygonImpl;
+
 class KWCORE_API Polygon {
 public:
     Polygon();
@@ -204,153 +205,24 @@ public:
     PointbaseMap& points();
     LineMap& edges();
     const LineMap& diagonals() const;
-    const Monopolys& monotonePieces() const { return m_mpolys; }
+    const Monopolys& monotonePieces() const;
     // Each triangle is three vertex ids, counter-clockwise, in the order made.
-    const Triangles& triangles() const { return m_triangles; }
-    unsigned triangleCount() const { return static_cast<unsigned>(m_triangles.size()); }
-    unsigned contourCount() const { return m_ncontours; }
-    const std::vector<unsigned>& contourSizes() const { return m_nVertices; }
-    double xmin() const { return m_xmin; }
-    double xmax() const { return m_xmax; }
-    double ymin() const { return m_ymin; }
-    double ymax() const { return m_ymax; }
+    const Triangles& triangles() const;
+    unsigned triangleCount() const;
+    unsigned contourCount() const;
+    const std::vector<unsigned>& contourSizes() const;
+    double xmin() const;
+    double xmax() const;
+    double ymin() const;
+    double ymax() const;
 
     // Tracing of the sweep, the loop extraction and the triangulation, into
     // the polygon's own stream.
     void setDebugOption(bool on);
-    std::string traceText() const { return m_pTrace ? m_pTrace->str() : std::string(); }
+    std::string traceText() const;
 
 private:
-    void initializate();
-    unsigned prev(unsigned id) const;
-    unsigned next(unsigned id) const;
-    // A vertex as the sweep meets it, with what its handler reads: the
-    // handlers then need no lookups by id for the vertex itself.
-    struct SEvent {
-        double y, x;
-        Linebase* leaving;   // the contour edge starting at the vertex
-        Linebase* entering;  // the contour edge ending at it
-        Pointbase* vertex;
-        unsigned id;
-        Type type;
-    };
-    void handleStartVertex(const SEvent& v);
-    void handleEndVertex(const SEvent& v);
-    void handleSplitVertex(const SEvent& v);
-    void handleMergeVertex(const SEvent& v);
-    void handleRegularVertexUp(const SEvent& v);
-    void handleRegularVertexDown(const SEvent& v);
-    void addDiagonal(unsigned i, unsigned j);
-    Linebase* selectNextEdge(Linebase* edge);
-    double angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const;
-    void triangulateMonotone(const Monopoly& piece);
-
-    Pointbase* point(unsigned id) const;
-    Linebase* edge(unsigned id) const;
-    bool isMergeVertex(unsigned id) const;
-    void insertEdge(Linebase* edge, unsigned helper, double y);
-    void removeEdge(Linebase* edge, double y);
-    void setHelper(Linebase* edge, unsigned helper);
-    void useEdge(Linebase* edge);
-    bool isUsedFrom(const Linebase* edge, unsigned startId) const;
-    Linebase* findLeftEdge(const SEvent& v);
-    Linebase* closeEnteringEdge(const SEvent& v);
-    void endEdge(const SEvent& v);
-    void addTriangle(unsigned a, unsigned b, unsigned c);
-    std::ostream& trace();
-    bool consistent() const;
-
-    struct SCoordinateIndex;
-
-    // Storage that keeps addresses: blocks that are never reallocated, each
-    // at least twice the one before (or as large as reserved). Memory is
-    // touched only as it is used.
-    template <class T>
-    class BlockStore {
-    public:
-        T* add(const T& value) {
-            if (m_blocks.empty() || m_blocks.back().size() == m_blocks.back().capacity()) {
-                addBlock(m_blocks.empty() ? 64 : 2 * m_blocks.back().capacity());
-            }
-            m_blocks.back().push_back(value);
-            return &m_blocks.back().back();
-        }
-        // Room for count more in one block.
-        void reserve(std::size_t count) {
-            if (m_blocks.empty() || m_blocks.back().capacity() - m_blocks.back().size() < count) {
-                addBlock(count);
-            }
-        }
-
-    private:
-        void addBlock(std::size_t capacity) {
-            m_blocks.emplace_back();
-            m_blocks.back().reserve(capacity);
-        }
-        std::vector<std::vector<T> > m_blocks;
-    };
-
-    // The edge ids at one vertex, ascending: a few in place, more on the
-    // heap. Half a cache line: the sweep reaches them in random order.
-    class IncidentEdges {
-    public:
-        const unsigned* begin() const { return m_pMore ? m_pMore->data() : m_ids; }
-        const unsigned* end() const { return begin() + size(); }
-        std::size_t size() const { return m_pMore ? m_pMore->size() : m_count; }
-        void push_back(unsigned id);
-        void sort();
-        void erase(unsigned id);
-
-    private:
-        unsigned m_ids[5];
-        unsigned m_count = 0;
-        std::unique_ptr<std::vector<unsigned> > m_pMore;
-    };
-
-    std::pmr::monotonic_buffer_resource m_pool;  // before the maps that use it
-    // Made by points(), edges() and diagonals() when out of date.
-    PointbaseMap m_points;
-    LineMap m_edges;
-    mutable LineMap m_diagonals;
-    bool m_bPointsStale, m_bEdgesStale;
-    mutable bool m_bDiagonalsStale;
-    unsigned m_ncontours;
-    std::vector<unsigned> m_nVertices;
-    double m_xmin, m_xmax, m_ymin, m_ymax;
-    unsigned m_l_id;
-    // The vertices in sweep order (top first), sorted once, and the next one
-    // to handle: a heap would jump across the whole array at every pop.
-    std::vector<SEvent> m_events;
-    std::size_t m_nextEvent;
-    EdgeBST m_edgebst;
-    std::vector<IncidentEdges> m_startAdjEdgeMap;  // by vertex id
-    Monopolys m_mpolys;
-    // Buffers reused from piece to piece by the loop walk and the last phase.
-    Monopoly m_pieceScratch;
-    std::vector<Pointbase*> m_loopScratch, m_stackScratch;
-    Triangles m_triangles;
-    bool m_debug;
-    std::unique_ptr<std::ostringstream> m_pTrace;  // made when tracing is first asked for
-
-    // Vertices and edges by id (null where none), each vertex's contour
-    // neighbours, each edge's original start, and which directions of each
-    // edge the loop walk has used.
-    unsigned m_pointCount;  // ids held
-    unsigned m_maxPointId;
-    std::vector<Pointbase*> m_pointById;
-    std::vector<unsigned char> m_bMerge;  // by vertex id: a MERGE vertex
-    std::vector<Linebase*> m_edgeById;
-    std::vector<unsigned> m_prevId, m_nextId;
-    std::vector<unsigned> m_edgeStart;
-    std::vector<unsigned char> m_edgeUsed;
-    bool m_bRefused;
-    bool m_bRenumbered;
-    bool m_bFinished;
-    bool m_bInitialized;
-    std::unique_ptr<SCoordinateIndex> m_pCoordinates;
-    // The vertices and edges themselves; everything else points into these.
-    BlockStore<Pointbase> m_pointStore;
-    BlockStore<Linebase> m_lineStore;
+    std::unique_ptr<PolygonImpl> m_spImpl;
 };
 
 }  // namespace kwPolygonTriangulation

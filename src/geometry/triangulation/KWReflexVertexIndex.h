@@ -1,5 +1,5 @@
-// CKWReflexIndex: the reflex vertices of an ear-clipping run in a bounding
-// volume hierarchy, so that an ear test visits only the vertices that might
+// kwEarClipping::CReflexVertexIndex: the reflex vertices of an ear-clipping
+// run in a bounding volume hierarchy, so that an ear test visits only the vertices that might
 // lie in its triangle instead of all of them. Vertices leave the index when
 // they stop being reflex; the hierarchy itself is built once.
 //
@@ -21,23 +21,25 @@
 
 #include <vector>
 
-class CKWReflexIndex {
+namespace kwEarClipping {
+
+class CReflexVertexIndex {
 public:
     // The coordinates of every polygon vertex, by vertex index (kept, not copied).
-    CKWReflexIndex(const double* adX, const double* adY, int iVQuantity);
+    CReflexVertexIndex(const double* x, const double* y, int count);
 
-    void Build(const std::vector<int>& kReflex);
+    void Build(const std::vector<int>& reflex);
     void Remove(int i);
 
-    // True when fConfirm(r) holds for some indexed vertex r that the index
-    // cannot exclude from the triangle (iV0, iV1, iV2).
+    // True when confirm(r) holds for some indexed vertex r that the index
+    // cannot exclude from the triangle (v0, v1, v2).
     template <class Confirm>
-    bool AnyInside(int iV0, int iV1, int iV2, Confirm fConfirm) const;
+    bool AnyInside(int v0, int v1, int v2, Confirm confirm) const;
 
 private:
     struct SNode {
         double X0, Y0, X1, Y1;  // bounding box of the node's vertices
-        int Begin, End;         // range in m_kOrder
+        int Begin, End;         // range in m_order
         int Right;              // second child (the first is the next node); -1 for a leaf
         int Parent;
         int Live;  // vertices of the range still in the index
@@ -59,59 +61,59 @@ private:
         double PX[3], PY[3];  // the corners
     };
 
-    int BuildNode(int iBegin, int iEnd, int iParent);
-    static void Extend(SNode& rkNode, double dX0, double dY0, double dX1, double dY1, bool bFirst);
-    void ChooseAxis(SNode& rkNode) const;
+    int BuildNode(int begin, int end, int parent);
+    static void Extend(SNode& node, double x0, double y0, double x1, double y1, bool first);
+    void ChooseAxis(SNode& node) const;
     // The oriented box of a leaf from its live vertices, of an inner node
     // from its live children's boxes.
-    void FitLeaf(SNode& rkNode) const;
-    void FitInner(int iNode);
+    void FitLeaf(SNode& node) const;
+    void FitInner(int index);
     // Strictly right of the directed line a -> b, proven despite rounding.
-    void MakeTriangle(int iV0, int iV1, int iV2, STriangle& rkTri) const;
-    static bool SurelyRight(double dX, double dY, const SEdge& rkEdge) {
-        return (dX - rkEdge.AX) * rkEdge.EY - (dY - rkEdge.AY) * rkEdge.EX > rkEdge.Tol;
+    void MakeTriangle(int v0, int v1, int v2, STriangle& triangle) const;
+    static bool SurelyRight(double x, double y, const SEdge& edge) {
+        return (x - edge.AX) * edge.EY - (y - edge.AY) * edge.EX > edge.Tol;
     }
-    bool BoxOutside(const SNode& rkNode, const STriangle& rkTri) const;
-    bool Reaches(int iNode, const STriangle& rkTri) const {
-        const SNode& node = m_kNode[static_cast<std::size_t>(iNode)];
-        return node.Live > 0 && !BoxOutside(node, rkTri);
+    bool BoxOutside(const SNode& node, const STriangle& triangle) const;
+    bool Reaches(int index, const STriangle& triangle) const {
+        const SNode& node = m_nodes[static_cast<std::size_t>(index)];
+        return node.Live > 0 && !BoxOutside(node, triangle);
     }
-    static bool PointOutside(double dX, double dY, const STriangle& rkTri);
+    static bool PointOutside(double x, double y, const STriangle& triangle);
 
-    const double* m_adX;
-    const double* m_adY;
+    const double* m_pX;
+    const double* m_pY;
     double m_dExtentX = 0, m_dExtentY = 0;  // extent of all vertices
     double m_dScale = 0;                    // largest |coordinate|
     double m_dMargin = 0;                   // widening of the oriented boxes
     bool m_bOriented = false;               // whether the oriented boxes are used
-    std::vector<int> m_kOrder;              // vertex indices, leaf by leaf
+    std::vector<int> m_order;               // vertex indices, leaf by leaf
     // Coordinates and liveness in the same order, for the leaf scans.
-    std::vector<double> m_kPointX, m_kPointY;
-    std::vector<char> m_kPointLive;
-    std::vector<int> m_kPositionOf;  // position in m_kOrder by vertex index
-    std::vector<SNode> m_kNode;
-    std::vector<int> m_kLeafOf;
-    std::vector<char> m_kLive;
-    mutable std::vector<int> m_kStack;
+    std::vector<double> m_pointX, m_pointY;
+    std::vector<char> m_pointLive;
+    std::vector<int> m_positionOf;  // position in m_order by vertex index
+    std::vector<SNode> m_nodes;
+    std::vector<int> m_leafOf;
+    std::vector<char> m_live;
+    mutable std::vector<int> m_stack;
 };
 
 template <class Confirm>
-bool CKWReflexIndex::AnyInside(int iV0, int iV1, int iV2, Confirm fConfirm) const {
-    if (m_kNode.empty() || m_kNode[0].Live == 0) {
+bool CReflexVertexIndex::AnyInside(int v0, int v1, int v2, Confirm confirm) const {
+    if (m_nodes.empty() || m_nodes[0].Live == 0) {
         return false;
     }
     STriangle tri;
-    MakeTriangle(iV0, iV1, iV2, tri);
+    MakeTriangle(v0, v1, v2, tri);
     // Depth first; a child is entered only when its box may meet the triangle.
-    m_kStack.clear();
+    m_stack.clear();
     int current = Reaches(0, tri) ? 0 : -1;
     while (current >= 0) {
-        const SNode& node = m_kNode[static_cast<std::size_t>(current)];
+        const SNode& node = m_nodes[static_cast<std::size_t>(current)];
         if (node.Right >= 0) {
             const bool left = Reaches(current + 1, tri);
             const bool right = Reaches(node.Right, tri);
             if (left && right) {
-                m_kStack.push_back(node.Right);
+                m_stack.push_back(node.Right);
             }
             if (left || right) {
                 current = left ? current + 1 : node.Right;
@@ -120,17 +122,19 @@ bool CKWReflexIndex::AnyInside(int iV0, int iV1, int iV2, Confirm fConfirm) cons
         } else {
             for (int k = node.Begin; k < node.End; ++k) {
                 const std::size_t at = static_cast<std::size_t>(k);
-                if (m_kPointLive[at] && !PointOutside(m_kPointX[at], m_kPointY[at], tri) &&
-                    fConfirm(m_kOrder[at])) {
+                if (m_pointLive[at] && !PointOutside(m_pointX[at], m_pointY[at], tri) &&
+                    confirm(m_order[at])) {
                     return true;
                 }
             }
         }
-        if (m_kStack.empty()) {
+        if (m_stack.empty()) {
             break;
         }
-        current = m_kStack.back();
-        m_kStack.pop_back();
+        current = m_stack.back();
+        m_stack.pop_back();
     }
     return false;
 }
+
+}  // namespace kwEarClipping
