@@ -14,6 +14,3 @@ inline void Prefetch(const void* address) {
 }
 
 }  // namespace kwMemory
-
-// The name the triangulation sweep still uses; it goes once the sweep says kwMemory.
-namespace kwPlatform = kwMemory;

@@ -92,10 +92,10 @@ void PolygonImpl::partition2Monotone() {
         const std::size_t ahead = m_nextEvent + kPrefetchDistance;
         if (ahead < m_events.size()) {
             const SEvent& next = m_events[ahead];
-            kwPlatform::Prefetch(next.leaving);
-            kwPlatform::Prefetch(next.entering);
-            kwPlatform::Prefetch(next.vertex);
-            kwPlatform::Prefetch(&m_incidentEdges[next.id]);
+            kwMemory::Prefetch(next.leaving);
+            kwMemory::Prefetch(next.entering);
+            kwMemory::Prefetch(next.vertex);
+            kwMemory::Prefetch(&m_incidentEdges[next.id]);
         }
         const SEvent& v = m_events[m_nextEvent++];
         m_status.SetKeyRefresh(v.y);
