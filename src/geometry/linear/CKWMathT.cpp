@@ -37,10 +37,12 @@ const Real CKWMathT<Real, Other>::E = Real(2.71828182845904523536f);
 // pi/180 and 180/pi from the single-precision pi, divided in Real: the two
 // pairs differ here. The degree constants repeat the expression rather than
 // read DEG_TO_RAD, so that all of them are constants at load time.
+namespace {
 template <class Real>
 constexpr Real DegreeInRadians() {
     return Real(3.14159265358979323846f) / Real(180);
 }
+}  // namespace
 template <class Real, class Other>
 const Real CKWMathT<Real, Other>::DEG_TO_RAD = DegreeInRadians<Real>();
 template <class Real, class Other>
@@ -59,7 +61,7 @@ const Real CKWMathT<Real, Other>::TEN_DEGREES = Real(10) * DegreeInRadians<Real>
 // Fast approximations: near-minimax polynomials (fitted for this library by
 // reweighted least squares on each function's domain), evaluated in Real.
 
-namespace kwFastApprox {
+namespace {
 constexpr double kSin0[3] = {9.99696773433902914e-01, -1.65673079725274889e-01,
                              7.51437729912451537e-03};
 constexpr double kSin1[6] = {9.99999999889852256e-01, -1.66666665414393447e-01,
@@ -93,43 +95,43 @@ Real Horner(const double (&c)[K], Real u) {
     }
     return sum;
 }
-}  // namespace kwFastApprox
+}  // namespace
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastSin0(Real x) {
-    return x * kwFastApprox::Horner(kwFastApprox::kSin0, x * x);
+    return x * Horner(kSin0, x * x);
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastSin1(Real x) {
-    return x * kwFastApprox::Horner(kwFastApprox::kSin1, x * x);
+    return x * Horner(kSin1, x * x);
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastCos0(Real x) {
-    return kwFastApprox::Horner(kwFastApprox::kCos0, x * x);
+    return Horner(kCos0, x * x);
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastCos1(Real x) {
-    return kwFastApprox::Horner(kwFastApprox::kCos1, x * x);
+    return Horner(kCos1, x * x);
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastTan0(Real x) {
-    return x * kwFastApprox::Horner(kwFastApprox::kTan0, x * x);
+    return x * Horner(kTan0, x * x);
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastTan1(Real x) {
-    return x * kwFastApprox::Horner(kwFastApprox::kTan1, x * x);
+    return x * Horner(kTan1, x * x);
 }
 
 // acos(x) ~ sqrt(1 - x) p(x) on [0, 1]; negative x by acos(-x) = pi - acos(x).
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastInvCos(Real x) {
     Real ax = Clamp1(std::fabs(x));
-    Real root = std::sqrt(Real(1) - ax) * kwFastApprox::Horner(kwFastApprox::kInvCos, ax);
+    Real root = std::sqrt(Real(1) - ax) * Horner(kInvCos, ax);
     return x < Real(0) ? PI - root : root;
 }
 
@@ -140,12 +142,12 @@ Real CKWMathT<Real, Other>::FastInvSin(Real x) {
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastInvTan0(Real x) {
-    return x * kwFastApprox::Horner(kwFastApprox::kInvTan0, x * x);
+    return x * Horner(kInvTan0, x * x);
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::FastInvTan1(Real x) {
-    return x * kwFastApprox::Horner(kwFastApprox::kInvTan1, x * x);
+    return x * Horner(kInvTan1, x * x);
 }
 
 // The bit-level first guess of 1/sqrt(x) refined by one Newton step.
@@ -171,47 +173,47 @@ Real CKWMathT<Real, Other>::FastInvSqrt(Real x) {
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::Gamma(Real x) {
-    return static_cast<Real>(kwSpecial::Gamma(x));
+    return static_cast<Real>(kwSpecialFunctions::Gamma(x));
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::LogGamma(Real x) {
-    return static_cast<Real>(kwSpecial::LogGamma(x));
+    return static_cast<Real>(kwSpecialFunctions::LogGamma(x));
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::IncompleteGamma(Real a, Real x) {
-    return static_cast<Real>(kwSpecial::IncompleteGamma(a, x));
+    return static_cast<Real>(kwSpecialFunctions::IncompleteGamma(a, x));
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::IncompleteGammaS(Real a, Real x) {
-    return static_cast<Real>(kwSpecial::IncompleteGammaSeries(a, x));
+    return static_cast<Real>(kwSpecialFunctions::IncompleteGammaSeries(a, x));
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::IncompleteGammaCF(Real a, Real x) {
-    return static_cast<Real>(kwSpecial::IncompleteGammaFraction(a, x));
+    return static_cast<Real>(kwSpecialFunctions::IncompleteGammaFraction(a, x));
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::Erf(Real x) {
-    return static_cast<Real>(kwSpecial::Erf(x));
+    return static_cast<Real>(kwSpecialFunctions::Erf(x));
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::Erfc(Real x) {
-    return static_cast<Real>(kwSpecial::Erfc(x));
+    return static_cast<Real>(kwSpecialFunctions::Erfc(x));
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::ModBessel0(Real x) {
-    return static_cast<Real>(kwSpecial::BesselI(0, x));
+    return static_cast<Real>(kwSpecialFunctions::BesselI(0, x));
 }
 
 template <class Real, class Other>
 Real CKWMathT<Real, Other>::ModBessel1(Real x) {
-    return static_cast<Real>(kwSpecial::BesselI(1, x));
+    return static_cast<Real>(kwSpecialFunctions::BesselI(1, x));
 }
 
 // Random numbers. The divisor is the generator's own maximum (32767 where the

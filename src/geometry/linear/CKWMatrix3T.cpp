@@ -72,7 +72,7 @@ void CKWMatrix3T<Real, Other>::ToAxisAngle(Vector3& axis, Real& angle) const {
 // axes turns R_i(a) R_j(b) R_k(c) into Rx(s a) Ry(s b) Rz(s c), so M(i, k) is
 // s sin b. The conversions are written once on that form.
 
-namespace kwMatrixDetail {
+namespace {
 
 // The rotation by angle about coordinate axis i, with exact zeros and ones.
 template <class Matrix, class Math, class Real>
@@ -87,11 +87,10 @@ Matrix AxisRotation(int i, Real angle) {
     return m;
 }
 
-}  // namespace kwMatrixDetail
+}  // namespace
 
 template <class Real, class Other>
 void CKWMatrix3T<Real, Other>::FromEulerAngles(int i, int j, int k, Real a, Real b, Real c) {
-    using kwMatrixDetail::AxisRotation;
     *this = AxisRotation<CKWMatrix3T, Math>(i, a) * AxisRotation<CKWMatrix3T, Math>(j, b) *
             AxisRotation<CKWMatrix3T, Math>(k, c);
 }
@@ -278,7 +277,7 @@ bool CKWMatrix3T<Real, Other>::QLAlgorithm(Real diag[3], Real subDiag[3], CKWMat
     return true;
 }
 
-namespace kwMatrixDetail {
+namespace {
 
 // Sorts the entries of values ascending (descending when ascending is false)
 // and the columns of vectors (and of others, when given) with them.
@@ -323,7 +322,7 @@ void RotateRows(Matrix& m, int a, int b, Real c, Real s) {
     }
 }
 
-}  // namespace kwMatrixDetail
+}  // namespace
 
 template <class Real, class Other>
 void CKWMatrix3T<Real, Other>::EigenDecomposition(CKWMatrix3T& rotation,
@@ -337,7 +336,7 @@ void CKWMatrix3T<Real, Other>::EigenDecomposition(CKWMatrix3T& rotation,
         diagonal.MakeDiagonal((*this)(0, 0), (*this)(1, 1), (*this)(2, 2));
         return;
     }
-    kwMatrixDetail::SortWithColumns(diag, q, true);
+    SortWithColumns(diag, q, true);
     if (q.Determinant() < Real(0)) {
         for (int r = 0; r < 3; ++r) {
             q(r, 2) = -q(r, 2);
@@ -349,7 +348,7 @@ void CKWMatrix3T<Real, Other>::EigenDecomposition(CKWMatrix3T& rotation,
 
 // Singular-value decomposition ----------------------------------------------
 
-namespace kwMatrixDetail {
+namespace {
 
 // The Householder reflection H = I - 2 v v^T / (v^T v) that maps x, the
 // entries from..2 of a column or row, onto a multiple of its first unit
@@ -377,7 +376,7 @@ bool Householder(const Real x[3], int from, Matrix& h) {
     return true;
 }
 
-}  // namespace kwMatrixDetail
+}  // namespace
 
 template <class Real, class Other>
 void CKWMatrix3T<Real, Other>::Bidiagonalize(CKWMatrix3T& left, CKWMatrix3T& b,
@@ -388,13 +387,13 @@ void CKWMatrix3T<Real, Other>::Bidiagonalize(CKWMatrix3T& left, CKWMatrix3T& b,
     CKWMatrix3T h;
     for (int k = 0; k < 3; ++k) {
         const Real column[3] = {b(0, k), b(1, k), b(2, k)};
-        if (kwMatrixDetail::Householder(column, k, h)) {
+        if (Householder(column, k, h)) {
             b = h * b;
             left = left * h;
         }
         if (k + 1 < 2) {
             const Real row[3] = {b(k, 0), b(k, 1), b(k, 2)};
-            if (kwMatrixDetail::Householder(row, k + 1, h)) {
+            if (Householder(row, k + 1, h)) {
                 b = b * h;
                 right = right * h;
             }
@@ -421,16 +420,16 @@ void CKWMatrix3T<Real, Other>::GolubKahanStep(CKWMatrix3T& left, CKWMatrix3T& b,
         // From the right: zero z against y in columns k, k + 1.
         Real r = std::hypot(y, z);
         Real c = r != Real(0) ? y / r : Real(1), s = r != Real(0) ? z / r : Real(0);
-        kwMatrixDetail::RotateColumns(b, k, k + 1, c, s);
-        kwMatrixDetail::RotateColumns(right, k, k + 1, c, s);
+        RotateColumns(b, k, k + 1, c, s);
+        RotateColumns(right, k, k + 1, c, s);
         // From the left: zero the bulge below the diagonal.
         y = b(k, k);
         z = b(k + 1, k);
         r = std::hypot(y, z);
         c = r != Real(0) ? y / r : Real(1);
         s = r != Real(0) ? z / r : Real(0);
-        kwMatrixDetail::RotateRows(b, k, k + 1, c, s);
-        kwMatrixDetail::RotateColumns(left, k, k + 1, c, s);
+        RotateRows(b, k, k + 1, c, s);
+        RotateColumns(left, k, k + 1, c, s);
         b(k + 1, k) = Real(0);
         if (k + 1 < hi) {
             y = b(k, k + 1);
@@ -493,8 +492,8 @@ void CKWMatrix3T<Real, Other>::SingularValueDecomposition(CKWMatrix3T& left, CKW
                 }
                 // Columns (j, hi): column j' = c column j + s column hi.
                 const Real c = y / r, s = z / r;
-                kwMatrixDetail::RotateColumns(b, j, hi, c, s);
-                kwMatrixDetail::RotateColumns(right, j, hi, c, s);
+                RotateColumns(b, j, hi, c, s);
+                RotateColumns(right, j, hi, c, s);
                 b(j, hi) = Real(0);
             }
             continue;
@@ -507,8 +506,8 @@ void CKWMatrix3T<Real, Other>::SingularValueDecomposition(CKWMatrix3T& left, CKW
             }
             // Rows (j, zero): row j' = c row j + s row zero.
             const Real c = y / r, s = z / r;
-            kwMatrixDetail::RotateRows(b, j, zero, c, s);
-            kwMatrixDetail::RotateColumns(left, j, zero, c, s);
+            RotateRows(b, j, zero, c, s);
+            RotateColumns(left, j, zero, c, s);
             b(zero, j) = Real(0);
         }
     }
@@ -523,7 +522,7 @@ void CKWMatrix3T<Real, Other>::SingularValueDecomposition(CKWMatrix3T& left, CKW
             }
         }
     }
-    kwMatrixDetail::SortWithColumns(values, left, false, &right);
+    SortWithColumns(values, left, false, &right);
     rightTranspose = right.Transpose();
     diagonal.MakeDiagonal(values[0], values[1], values[2]);
 }

@@ -218,7 +218,7 @@ CKWQuaternionT<Real, Other>& CKWQuaternionT<Real, Other>::Align(const Vector3& v
     return *this;
 }
 
-namespace kwQuaternionDetail {
+namespace {
 
 // The part of q about the unit axis: (w, (v . axis) axis) normalized; the
 // identity when that part is (nearly) nothing.
@@ -232,13 +232,13 @@ Quaternion Twist(const Quaternion& q, const Vector3& axis) {
     return twist;
 }
 
-}  // namespace kwQuaternionDetail
+}  // namespace
 
 template <class Real, class Other>
 void CKWQuaternionT<Real, Other>::DecomposeTwistTimesNoTwist(const Vector3& axis,
                                                              CKWQuaternionT& twist,
                                                              CKWQuaternionT& noTwist) const {
-    twist = kwQuaternionDetail::Twist<CKWQuaternionT, Vector3, Real>(*this, axis);
+    twist = Twist<CKWQuaternionT, Vector3, Real>(*this, axis);
     noTwist = twist.Conjugate() * *this;
 }
 
@@ -246,7 +246,7 @@ template <class Real, class Other>
 void CKWQuaternionT<Real, Other>::DecomposeNoTwistTimesTwist(const Vector3& axis,
                                                              CKWQuaternionT& noTwist,
                                                              CKWQuaternionT& twist) const {
-    twist = kwQuaternionDetail::Twist<CKWQuaternionT, Vector3, Real>(*this, axis);
+    twist = Twist<CKWQuaternionT, Vector3, Real>(*this, axis);
     noTwist = *this * twist.Conjugate();
 }
 

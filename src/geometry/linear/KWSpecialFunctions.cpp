@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-namespace kwSpecial {
+namespace kwSpecialFunctions {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
@@ -318,4 +318,4 @@ double BesselI(int order, double x) {
     return order == 1 && x < 0.0 ? -result : result;
 }
 
-}  // namespace kwSpecial
+}  // namespace kwSpecialFunctions
