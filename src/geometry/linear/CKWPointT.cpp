@@ -6,16 +6,6 @@
 #include "kwcore/geometry/linear/CKWPoint3T.h"
 #include "kwcore/geometry/linear/CKWPoint4T.h"
 
-template <int N, class Real, class Other>
-bool CKWPointT<N, Real, Other>::Approx_Equal(const CKWPointT& p, int digits) const {
-    for (int i = 0; i < N; ++i) {
-        if (!Math::Approx_Equal(m_aTuple[i], p.m_aTuple[i], digits)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 #define KW_POINT_TEXT_FORMS(Point, n)                         \
     template <class Real, class Other>                        \
     CString Point<Real, Other>::ToString() const {            \

@@ -7,16 +7,6 @@
 #include "kwcore/geometry/linear/CKWVector3T.h"
 #include "kwcore/geometry/linear/CKWVector4T.h"
 
-template <int N, class Real, class Other>
-bool CKWVectorT<N, Real, Other>::Approx_Equal(const CKWVectorT& v, int digits) const {
-    for (int i = 0; i < N; ++i) {
-        if (!Math::Approx_Equal(m_aTuple[i], v.m_aTuple[i], digits)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 // The generic vector has no cross product of its own.
 template <int N, class Real, class Other>
 CKWVectorT<N, Real, Other> CKWVectorT<N, Real, Other>::Cross(const CKWVectorT&) const {
