@@ -98,17 +98,7 @@ public:
     }
     // The adjugate divided by the determinant (expanded along row 0); ZERO
     // when |det| <= EPSILON or the determinant is not a number.
-    CKWMatrix3T Inverse() const {
-        CKWMatrix3T inverse = Adjoint();
-        const Real* m = this->m_afEntry;
-        const Real* a = inverse.m_afEntry;
-        const Real det = m[0] * a[0] + m[1] * a[3] + m[2] * a[6];
-        if (!(Math::FAbs(det) > Math::EPSILON)) {
-            return CKWMatrix3T();
-        }
-        inverse *= Real(1) / det;
-        return inverse;
-    }
+    CKWMatrix3T Inverse() const { return this->InverseWith(Adjoint()); }
 
     // Gram-Schmidt on the columns in order 0, 1, 2 (a zero column stays zero).
     void Orthonormalize();

@@ -13,18 +13,61 @@
 //   CKWVectorT<3, float, double> v = m * v0;      // m(r, c) * v0[c]
 #pragma once
 
+#include <cmath>
 #include <cstring>
-#include <type_traits>
-
-#if defined(__SSE2__) || defined(_M_X64)
-#include <emmintrin.h>
-#define KWCORE_MATRIX_SSE 1
-#endif
 
 #include "kwcore/geometry/linear/CKWMathT.h"
 #include "kwcore/geometry/linear/CKWPointT.h"
+#include "kwcore/geometry/linear/CKWTupleT.h"
 #include "kwcore/geometry/linear/CKWVectorT.h"
 #include "kwcore/platform/Export.h"
+
+// Vector extensions with __builtin_shufflevector: clang, and GCC from 12 on.
+#if !defined(KWCORE_MATRIX_LANES) && (defined(__clang__) || (defined(__GNUC__) && __GNUC__ >= 12))
+#define KWCORE_MATRIX_LANES 1
+#endif
+
+namespace kwMatrixProduct {
+
+// out = M * in for a row-major N x N matrix, each row's sum taken in column
+// order.
+template <int N, class Real>
+inline void RowsTimesColumn(const Real* m, const Real* in, Real* out) {
+    for (int r = 0; r < N; ++r) {
+        Real sum = m[N * r] * in[0];
+        for (int c = 1; c < N; ++c) {
+            sum += m[N * r + c] * in[c];
+        }
+        out[r] = sum;
+    }
+}
+
+#if KWCORE_MATRIX_LANES
+// The 4x4 float product in four lanes, which hosts inline in their loops: the
+// rows' products are transposed so that each row's sum is taken in column
+// order, with the same bits as above.
+template <>
+inline void RowsTimesColumn<4, float>(const float* m, const float* in, float* out) {
+    typedef float Lanes __attribute__((vector_size(16)));
+    Lanes column, p[4];
+    std::memcpy(&column, in, sizeof(Lanes));
+    for (int r = 0; r < 4; ++r) {
+        std::memcpy(&p[r], m + 4 * r, sizeof(Lanes));
+        p[r] *= column;
+    }
+    const Lanes low01 = __builtin_shufflevector(p[0], p[1], 0, 4, 1, 5);
+    const Lanes low23 = __builtin_shufflevector(p[2], p[3], 0, 4, 1, 5);
+    const Lanes high01 = __builtin_shufflevector(p[0], p[1], 2, 6, 3, 7);
+    const Lanes high23 = __builtin_shufflevector(p[2], p[3], 2, 6, 3, 7);
+    const Lanes sum = __builtin_shufflevector(low01, low23, 0, 1, 4, 5) +
+                      __builtin_shufflevector(low01, low23, 2, 3, 6, 7) +
+                      __builtin_shufflevector(high01, high23, 0, 1, 4, 5) +
+                      __builtin_shufflevector(high01, high23, 2, 3, 6, 7);
+    std::memcpy(out, &sum, sizeof(Lanes));
+}
+#endif
+
+}  // namespace kwMatrixProduct
 
 template <int N, class Real, class Other>
 class KWCORE_API CKWMatrixT {
@@ -101,12 +144,7 @@ public:
     operator const Real*() const { return m_afEntry; }
 
     // Byte-wise: equal only for identical bits; a total order for sorting.
-    bool operator==(const CKWMatrixT& m) const { return CompareArrays(m) == 0; }
-    bool operator!=(const CKWMatrixT& m) const { return CompareArrays(m) != 0; }
-    bool operator<(const CKWMatrixT& m) const { return CompareArrays(m) < 0; }
-    bool operator<=(const CKWMatrixT& m) const { return CompareArrays(m) <= 0; }
-    bool operator>(const CKWMatrixT& m) const { return CompareArrays(m) > 0; }
-    bool operator>=(const CKWMatrixT& m) const { return CompareArrays(m) >= 0; }
+    KW_DECLARE_BYTE_COMPARISONS(CKWMatrixT)
 
     CKWMatrixT operator+(const CKWMatrixT& m) const {
         CKWMatrixT sum(*this);
@@ -120,9 +158,7 @@ public:
     }
     CKWMatrixT operator-() const {
         CKWMatrixT negated(*this);
-        for (int i = 0; i < N * N; ++i) {
-            negated.m_afEntry[i] = -m_afEntry[i];
-        }
+        kwTupleArithmetic::Negate<N * N>(negated.m_afEntry, m_afEntry);
         return negated;
     }
     CKWMatrixT operator*(Real s) const {
@@ -137,31 +173,20 @@ public:
         return quotient;
     }
     CKWMatrixT& operator+=(const CKWMatrixT& m) {
-        for (int i = 0; i < N * N; ++i) {
-            m_afEntry[i] += m.m_afEntry[i];
-        }
+        kwTupleArithmetic::Add<N * N>(m_afEntry, m.m_afEntry);
         return *this;
     }
     CKWMatrixT& operator-=(const CKWMatrixT& m) {
-        for (int i = 0; i < N * N; ++i) {
-            m_afEntry[i] -= m.m_afEntry[i];
-        }
+        kwTupleArithmetic::Subtract<N * N>(m_afEntry, m.m_afEntry);
         return *this;
     }
     CKWMatrixT& operator*=(Real s) {
-        for (int i = 0; i < N * N; ++i) {
-            m_afEntry[i] *= s;
-        }
+        kwTupleArithmetic::Scale<N * N>(m_afEntry, s);
         return *this;
     }
     CKWMatrixT& operator/=(Real s) {
-        if (s == Real(0)) {
-            for (int i = 0; i < N * N; ++i) {
-                m_afEntry[i] = CKWMathT<Real, Other>::MAX_REAL;
-            }
-            return *this;
-        }
-        return *this *= Real(1) / s;
+        kwTupleArithmetic::Divide<N * N, Real, Other>(m_afEntry, s);
+        return *this;
     }
 
     // (A * B)(r, c) = sum over k of A(r, k) * B(k, c).
@@ -251,27 +276,25 @@ protected:
     }
 
     void Multiply(const Real* in, Real* out) const {
-#if KWCORE_MATRIX_SSE
-        if constexpr (N == 4 && std::is_same<Real, float>::value) {
-            // Four row products, transposed so that each row's sum is taken
-            // in the same order as below.
-            const __m128 v = _mm_loadu_ps(in);
-            __m128 p0 = _mm_mul_ps(_mm_loadu_ps(m_afEntry), v);
-            __m128 p1 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 4), v);
-            __m128 p2 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 8), v);
-            __m128 p3 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 12), v);
-            _MM_TRANSPOSE4_PS(p0, p1, p2, p3);
-            _mm_storeu_ps(out, _mm_add_ps(_mm_add_ps(_mm_add_ps(p0, p1), p2), p3));
-            return;
+        kwMatrixProduct::RowsTimesColumn<N>(m_afEntry, in, out);
+    }
+    // The determinant expanded along row 0 with this matrix's adjugate.
+    Real DeterminantWith(const CKWMatrixT& adjugate) const {
+        Real det = m_afEntry[0] * adjugate.m_afEntry[0];
+        for (int c = 1; c < N; ++c) {
+            det += m_afEntry[c] * adjugate.m_afEntry[I(c, 0)];
         }
-#endif
-        for (int r = 0; r < N; ++r) {
-            Real sum = m_afEntry[I(r, 0)] * in[0];
-            for (int c = 1; c < N; ++c) {
-                sum += m_afEntry[I(r, c)] * in[c];
-            }
-            out[r] = sum;
+        return det;
+    }
+    // The adjugate divided by the determinant; zero when |det| <= EPSILON or
+    // the determinant is not a number.
+    CKWMatrixT InverseWith(CKWMatrixT adjugate) const {
+        const Real det = DeterminantWith(adjugate);
+        if (!(std::fabs(det) > CKWMathT<Real, Other>::EPSILON)) {
+            return CKWMatrixT(true);
         }
+        adjugate *= Real(1) / det;
+        return adjugate;
     }
 
     Real m_afEntry[N * N];
