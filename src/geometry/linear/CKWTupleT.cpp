@@ -3,6 +3,14 @@
 #include "kwcore/geometry/linear/CKWTupleT.h"
 
 template <int N, class Real, class Other>
+void CKWTupleT<N, Real, Other>::MakeUnit(int i) {
+    *this = CKWTupleT();
+    if (i >= 0 && i < N) {
+        m_aTuple[i] = Real(1);
+    }
+}
+
+template <int N, class Real, class Other>
 bool CKWTupleT<N, Real, Other>::ApproxEqualTuple(const CKWTupleT& t, int digits) const {
     for (int i = 0; i < N; ++i) {
         if (!CKWMathT<Real, Other>::Approx_Equal(m_aTuple[i], t.m_aTuple[i], digits)) {

@@ -72,102 +72,82 @@ class KWCORE_API CKWTupleT {
 protected:
     constexpr CKWTupleT() : m_aTuple{} {}
     // From N components; a null pointer gives zero.
-    explicit CKWTupleT(const Real* tuple) : m_aTuple{} {
-        if (tuple) {
-            std::memcpy(m_aTuple, tuple, sizeof(m_aTuple));
-        }
-    }
+    explicit CKWTupleT(const Real* tuple);
 
     // Sets the N components in order, each converted to Real.
     template <class... Values>
-    constexpr void Assign(Values... values) {
-        static_assert(sizeof...(Values) == N, "one value per component");
-        int i = 0;
-        ((m_aTuple[i++] = static_cast<Real>(values)), ...);
-    }
+    constexpr void Assign(Values... values);
     // Component i set to 1, the others 0; an index outside [0, N) gives zero.
-    void MakeUnit(int i) {
-        *this = CKWTupleT();
-        if (i >= 0 && i < N) {
-            m_aTuple[i] = Real(1);
-        }
-    }
-    int CompareTuple(const CKWTupleT& t) const {
-        return std::memcmp(m_aTuple, t.m_aTuple, sizeof(m_aTuple));
-    }
+    void MakeUnit(int i);
+    int CompareTuple(const CKWTupleT& t) const;
     bool ApproxEqualTuple(const CKWTupleT& t, int digits) const;
 
     Real m_aTuple[N];
 };
 
+// The tuple's hot members, inline so that hosts' compilers keep them in their
+// loops.
+
+template <int N, class Real, class Other>
+inline CKWTupleT<N, Real, Other>::CKWTupleT(const Real* tuple) : m_aTuple{} {
+    if (tuple) {
+        std::memcpy(m_aTuple, tuple, sizeof(m_aTuple));
+    }
+}
+
+template <int N, class Real, class Other>
+template <class... Values>
+constexpr void CKWTupleT<N, Real, Other>::Assign(Values... values) {
+    static_assert(sizeof...(Values) == N, "one value per component");
+    int i = 0;
+    ((m_aTuple[i++] = static_cast<Real>(values)), ...);
+}
+
+template <int N, class Real, class Other>
+inline int CKWTupleT<N, Real, Other>::CompareTuple(const CKWTupleT& t) const {
+    return std::memcmp(m_aTuple, t.m_aTuple, sizeof(m_aTuple));
+}
+
 // The six comparisons of a value class through its CompareArrays, a byte-wise
 // comparison in memory order.
-#define KW_DECLARE_BYTE_COMPARISONS(Class)  \
-    bool operator==(const Class& o) const { \
-        return CompareArrays(o) == 0;       \
-    }                                       \
-    bool operator!=(const Class& o) const { \
-        return CompareArrays(o) != 0;       \
-    }                                       \
-    bool operator<(const Class& o) const {  \
-        return CompareArrays(o) < 0;        \
-    }                                       \
-    bool operator<=(const Class& o) const { \
-        return CompareArrays(o) <= 0;       \
-    }                                       \
-    bool operator>(const Class& o) const {  \
-        return CompareArrays(o) > 0;        \
-    }                                       \
-    bool operator>=(const Class& o) const { \
-        return CompareArrays(o) >= 0;       \
-    }
+// clang-format off
+#define KW_DECLARE_BYTE_COMPARISONS(Class)                                   \
+    bool operator==(const Class& o) const { return CompareArrays(o) == 0; } \
+    bool operator!=(const Class& o) const { return CompareArrays(o) != 0; } \
+    bool operator<(const Class& o) const { return CompareArrays(o) < 0; }   \
+    bool operator<=(const Class& o) const { return CompareArrays(o) <= 0; } \
+    bool operator>(const Class& o) const { return CompareArrays(o) > 0; }   \
+    bool operator>=(const Class& o) const { return CompareArrays(o) >= 0; }
 
-// The members a class derived from CKWTupleT declares as its own; leaves the
-// class body public.
-#define KW_DECLARE_TUPLE_MEMBERS(Class)                                      \
-public:                                                                      \
-    int GetN() const {                                                       \
-        return N;                                                            \
-    }                                                                        \
-    const Real* GetTuple() const {                                           \
-        return this->m_aTuple;                                               \
-    }                                                                        \
-    Real* GetTuple() {                                                       \
-        return this->m_aTuple;                                               \
-    }                                                                        \
-    operator const Real*() const {                                           \
-        return this->m_aTuple;                                               \
-    }                                                                        \
-    operator Real*() {                                                       \
-        return this->m_aTuple;                                               \
-    }                                                                        \
-    /* i must lie in [0, N). */                                              \
-    Real operator[](int i) const {                                           \
-        return this->m_aTuple[i];                                            \
-    }                                                                        \
-    Real& operator[](int i) {                                                \
-        return this->m_aTuple[i];                                            \
-    }                                                                        \
-    KW_DECLARE_BYTE_COMPARISONS(Class)                                       \
-    bool Approx_Equal(const Class& t, int digits) const {                    \
-        return this->ApproxEqualTuple(t, digits);                            \
-    }                                                                        \
-    static Class ZERO() {                                                    \
-        return Class();                                                      \
-    }                                                                        \
-    /* Component i set to 1, the others 0; outside [0, N) the zero tuple. */ \
-    static Class UNIT(int i) {                                               \
-        Class unit;                                                          \
-        unit.MakeUnit(i);                                                    \
-        return unit;                                                         \
-    }                                                                        \
-                                                                             \
-protected:                                                                   \
-    int CompareArrays(const Class& t) const {                                \
-        return this->CompareTuple(t);                                        \
-    }                                                                        \
-                                                                             \
+// The members a class derived from CKWTupleT declares as its own, so that each
+// class exports them under its name; leaves the class body public.
+#define KW_DECLARE_TUPLE_MEMBERS(Class)                                          \
+public:                                                                          \
+    int GetN() const { return N; }                                               \
+    const Real* GetTuple() const { return this->m_aTuple; }                      \
+    Real* GetTuple() { return this->m_aTuple; }                                  \
+    operator const Real*() const { return this->m_aTuple; }                      \
+    operator Real*() { return this->m_aTuple; }                                  \
+    /* i must lie in [0, N). */                                                  \
+    Real operator[](int i) const { return this->m_aTuple[i]; }                   \
+    Real& operator[](int i) { return this->m_aTuple[i]; }                        \
+    KW_DECLARE_BYTE_COMPARISONS(Class)                                           \
+    bool Approx_Equal(const Class& t, int digits) const {                        \
+        return this->ApproxEqualTuple(t, digits);                                \
+    }                                                                            \
+    static Class ZERO() { return Class(); }                                      \
+    /* Component i set to 1, the others 0; outside [0, N) the zero tuple. */    \
+    static Class UNIT(int i) {                                                   \
+        Class unit;                                                              \
+        unit.MakeUnit(i);                                                        \
+        return unit;                                                             \
+    }                                                                            \
+                                                                                 \
+protected:                                                                       \
+    int CompareArrays(const Class& t) const { return this->CompareTuple(t); }    \
+                                                                                 \
 public:
+// clang-format on
 
 #if !defined(_WIN32)
 extern template class CKWTupleT<2, float, double>;
