@@ -11,37 +11,24 @@ const CKWMatrix2T<Real, Other> CKWMatrix2T<Real, Other>::IDENTITY(Real(1), Real(
 
 template <class Real, class Other>
 CKWMatrix2T<Real, Other>::CKWMatrix2T(const Vector2& u, const Vector2& v, bool columns) {
-    const Vector2 vectors[2] = {u, v};
-    *this = CKWMatrix2T(vectors, columns);
+    const Real* vectors[2] = {u, v};
+    this->SetVectors(vectors, columns);
 }
 
 template <class Real, class Other>
 CKWMatrix2T<Real, Other>::CKWMatrix2T(const Vector2* vectors, bool columns) {
-    for (int i = 0; i < 2; ++i) {
-        if (columns) {
-            this->SetColumn(i, vectors[i]);
-        } else {
-            this->SetRow(i, vectors[i]);
-        }
-    }
+    const Real* components[2] = {vectors[0], vectors[1]};
+    this->SetVectors(components, columns);
 }
 
 template <class Real, class Other>
 CKWMatrix2T<Real, Other>::CKWMatrix2T(const Real* entries, bool rowMajor) {
-    for (int r = 0; r < 2; ++r) {
-        for (int c = 0; c < 2; ++c) {
-            (*this)(r, c) = rowMajor ? entries[2 * r + c] : entries[2 * c + r];
-        }
-    }
+    this->SetEntries(entries, rowMajor);
 }
 
 template <class Real, class Other>
 void CKWMatrix2T<Real, Other>::MakeTensorProduct(const Vector2& u, const Vector2& v) {
-    for (int r = 0; r < 2; ++r) {
-        for (int c = 0; c < 2; ++c) {
-            (*this)(r, c) = u[r] * v[c];
-        }
-    }
+    this->SetTensorProduct(u, v);
 }
 
 template <class Real, class Other>

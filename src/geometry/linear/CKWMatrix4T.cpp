@@ -23,11 +23,7 @@ CKWMatrix4T<Real, Other>::CKWMatrix4T(Real m00, Real m01, Real m02, Real m03, Re
 
 template <class Real, class Other>
 CKWMatrix4T<Real, Other>::CKWMatrix4T(const Real* entries, bool rowMajor) {
-    for (int r = 0; r < 4; ++r) {
-        for (int c = 0; c < 4; ++c) {
-            (*this)(r, c) = rowMajor ? entries[4 * r + c] : entries[4 * c + r];
-        }
-    }
+    this->SetEntries(entries, rowMajor);
 }
 
 namespace {

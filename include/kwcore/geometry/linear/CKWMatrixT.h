@@ -278,27 +278,42 @@ protected:
     void Multiply(const Real* in, Real* out) const {
         kwMatrixProduct::RowsTimesColumn<N>(m_afEntry, in, out);
     }
+    // The N*N entries in row order when rowMajor is true, else in column order.
+    void SetEntries(const Real* entries, bool rowMajor);
+    // The N vectors (N components each) as rows, or as columns when columns.
+    void SetVectors(const Real* const* vectors, bool columns);
+    // The tensor product u * v^T.
+    void SetTensorProduct(const Real* u, const Real* v);
     // The determinant expanded along row 0 with this matrix's adjugate.
-    Real DeterminantWith(const CKWMatrixT& adjugate) const {
-        Real det = m_afEntry[0] * adjugate.m_afEntry[0];
-        for (int c = 1; c < N; ++c) {
-            det += m_afEntry[c] * adjugate.m_afEntry[I(c, 0)];
-        }
-        return det;
-    }
+    Real DeterminantWith(const CKWMatrixT& adjugate) const;
     // The adjugate divided by the determinant; zero when |det| <= EPSILON or
     // the determinant is not a number.
-    CKWMatrixT InverseWith(CKWMatrixT adjugate) const {
-        const Real det = DeterminantWith(adjugate);
-        if (!(std::fabs(det) > CKWMathT<Real, Other>::EPSILON)) {
-            return CKWMatrixT(true);
-        }
-        adjugate *= Real(1) / det;
-        return adjugate;
-    }
+    CKWMatrixT InverseWith(CKWMatrixT adjugate) const;
 
     Real m_afEntry[N * N];
 };
+
+// The inverse's steps, inline for the inverses of orders 2 and 3.
+
+template <int N, class Real, class Other>
+inline Real CKWMatrixT<N, Real, Other>::DeterminantWith(const CKWMatrixT& adjugate) const {
+    Real det = m_afEntry[0] * adjugate.m_afEntry[0];
+    for (int c = 1; c < N; ++c) {
+        det += m_afEntry[c] * adjugate.m_afEntry[I(c, 0)];
+    }
+    return det;
+}
+
+template <int N, class Real, class Other>
+inline CKWMatrixT<N, Real, Other> CKWMatrixT<N, Real, Other>::InverseWith(
+    CKWMatrixT adjugate) const {
+    const Real det = DeterminantWith(adjugate);
+    if (!(std::fabs(det) > CKWMathT<Real, Other>::EPSILON)) {
+        return CKWMatrixT(true);
+    }
+    adjugate *= Real(1) / det;
+    return adjugate;
+}
 
 template <int N, class Real, class Other>
 inline CKWMatrixT<N, Real, Other> operator*(Real s, const CKWMatrixT<N, Real, Other>& m) {
