@@ -16,37 +16,24 @@ const CKWMatrix3T<Real, Other> CKWMatrix3T<Real, Other>::IDENTITY(Real(1), Real(
 template <class Real, class Other>
 CKWMatrix3T<Real, Other>::CKWMatrix3T(const Vector3& u, const Vector3& v, const Vector3& w,
                                       bool columns) {
-    const Vector3 vectors[3] = {u, v, w};
-    *this = CKWMatrix3T(vectors, columns);
+    const Real* vectors[3] = {u, v, w};
+    this->SetVectors(vectors, columns);
 }
 
 template <class Real, class Other>
 CKWMatrix3T<Real, Other>::CKWMatrix3T(const Vector3* vectors, bool columns) {
-    for (int i = 0; i < 3; ++i) {
-        if (columns) {
-            this->SetColumn(i, vectors[i]);
-        } else {
-            this->SetRow(i, vectors[i]);
-        }
-    }
+    const Real* components[3] = {vectors[0], vectors[1], vectors[2]};
+    this->SetVectors(components, columns);
 }
 
 template <class Real, class Other>
 CKWMatrix3T<Real, Other>::CKWMatrix3T(const Real* entries, bool rowMajor) {
-    for (int r = 0; r < 3; ++r) {
-        for (int c = 0; c < 3; ++c) {
-            (*this)(r, c) = rowMajor ? entries[3 * r + c] : entries[3 * c + r];
-        }
-    }
+    this->SetEntries(entries, rowMajor);
 }
 
 template <class Real, class Other>
 void CKWMatrix3T<Real, Other>::MakeTensorProduct(const Vector3& u, const Vector3& v) {
-    for (int r = 0; r < 3; ++r) {
-        for (int c = 0; c < 3; ++c) {
-            (*this)(r, c) = u[r] * v[c];
-        }
-    }
+    this->SetTensorProduct(u, v);
 }
 
 template <class Real, class Other>
@@ -118,55 +105,6 @@ bool CKWMatrix3T<Real, Other>::ToEulerAngles(int i, int j, int k, Real& a, Real&
     b = Math::HALF_PI;
     c = Real(0);
     return false;
-}
-
-template <class Real, class Other>
-void CKWMatrix3T<Real, Other>::FromEulerAnglesXYZ(Real x, Real y, Real z) {
-    FromEulerAngles(0, 1, 2, x, y, z);
-}
-template <class Real, class Other>
-void CKWMatrix3T<Real, Other>::FromEulerAnglesXZY(Real x, Real z, Real y) {
-    FromEulerAngles(0, 2, 1, x, z, y);
-}
-template <class Real, class Other>
-void CKWMatrix3T<Real, Other>::FromEulerAnglesYXZ(Real y, Real x, Real z) {
-    FromEulerAngles(1, 0, 2, y, x, z);
-}
-template <class Real, class Other>
-void CKWMatrix3T<Real, Other>::FromEulerAnglesYZX(Real y, Real z, Real x) {
-    FromEulerAngles(1, 2, 0, y, z, x);
-}
-template <class Real, class Other>
-void CKWMatrix3T<Real, Other>::FromEulerAnglesZXY(Real z, Real x, Real y) {
-    FromEulerAngles(2, 0, 1, z, x, y);
-}
-template <class Real, class Other>
-void CKWMatrix3T<Real, Other>::FromEulerAnglesZYX(Real z, Real y, Real x) {
-    FromEulerAngles(2, 1, 0, z, y, x);
-}
-template <class Real, class Other>
-bool CKWMatrix3T<Real, Other>::ToEulerAnglesXYZ(Real& x, Real& y, Real& z) const {
-    return ToEulerAngles(0, 1, 2, x, y, z);
-}
-template <class Real, class Other>
-bool CKWMatrix3T<Real, Other>::ToEulerAnglesXZY(Real& x, Real& z, Real& y) const {
-    return ToEulerAngles(0, 2, 1, x, z, y);
-}
-template <class Real, class Other>
-bool CKWMatrix3T<Real, Other>::ToEulerAnglesYXZ(Real& y, Real& x, Real& z) const {
-    return ToEulerAngles(1, 0, 2, y, x, z);
-}
-template <class Real, class Other>
-bool CKWMatrix3T<Real, Other>::ToEulerAnglesYZX(Real& y, Real& z, Real& x) const {
-    return ToEulerAngles(1, 2, 0, y, z, x);
-}
-template <class Real, class Other>
-bool CKWMatrix3T<Real, Other>::ToEulerAnglesZXY(Real& z, Real& x, Real& y) const {
-    return ToEulerAngles(2, 0, 1, z, x, y);
-}
-template <class Real, class Other>
-bool CKWMatrix3T<Real, Other>::ToEulerAnglesZYX(Real& z, Real& y, Real& x) const {
-    return ToEulerAngles(2, 1, 0, z, y, x);
 }
 
 template <class Real, class Other>
@@ -322,6 +260,21 @@ void RotateRows(Matrix& m, int a, int b, Real c, Real s) {
     }
 }
 
+// The plane rotation (c, s) that takes (y, z) to (hypot(y, z), 0); when both
+// are 0, the identity (1, 0) and false.
+template <class Real>
+bool PlaneRotation(Real y, Real z, Real& c, Real& s) {
+    const Real r = std::hypot(y, z);
+    if (r == Real(0)) {
+        c = Real(1);
+        s = Real(0);
+        return false;
+    }
+    c = y / r;
+    s = z / r;
+    return true;
+}
+
 }  // namespace
 
 template <class Real, class Other>
@@ -418,16 +371,12 @@ void CKWMatrix3T<Real, Other>::GolubKahanStep(CKWMatrix3T& left, CKWMatrix3T& b,
     Real z = b(lo, lo) * b(lo, lo + 1);
     for (int k = lo; k < hi; ++k) {
         // From the right: zero z against y in columns k, k + 1.
-        Real r = std::hypot(y, z);
-        Real c = r != Real(0) ? y / r : Real(1), s = r != Real(0) ? z / r : Real(0);
+        Real c, s;
+        PlaneRotation(y, z, c, s);
         RotateColumns(b, k, k + 1, c, s);
         RotateColumns(right, k, k + 1, c, s);
         // From the left: zero the bulge below the diagonal.
-        y = b(k, k);
-        z = b(k + 1, k);
-        r = std::hypot(y, z);
-        c = r != Real(0) ? y / r : Real(1);
-        s = r != Real(0) ? z / r : Real(0);
+        PlaneRotation(b(k, k), b(k + 1, k), c, s);
         RotateRows(b, k, k + 1, c, s);
         RotateColumns(left, k, k + 1, c, s);
         b(k + 1, k) = Real(0);
@@ -438,77 +387,99 @@ void CKWMatrix3T<Real, Other>::GolubKahanStep(CKWMatrix3T& left, CKWMatrix3T& b,
     }
 }
 
+namespace {
+
+// The largest magnitude among the nine entries: the scale of the
+// decompositions' tolerances.
+template <class Real>
+Real LargestMagnitude(const Real* entries) {
+    Real norm = Real(0);
+    for (int i = 0; i < 9; ++i) {
+        norm = std::fmax(norm, std::fabs(entries[i]));
+    }
+    return norm;
+}
+
+// Sets the negligible superdiagonal entries of the upper bidiagonal b to 0,
+// which splits it into blocks, and finds the last unreduced block lo..hi;
+// false when b is diagonal.
+template <class Real, class Matrix>
+bool FindLastUnreducedBlock(Matrix& b, Real tolerance, int& lo, int& hi) {
+    for (int i = 0; i < 2; ++i) {
+        if (!(std::fabs(b(i, i + 1)) > tolerance)) {
+            b(i, i + 1) = Real(0);
+        }
+    }
+    hi = 2;
+    while (hi > 0 && b(hi - 1, hi) == Real(0)) {
+        --hi;
+    }
+    lo = hi - 1;
+    while (lo > 0 && b(lo - 1, lo) != Real(0)) {
+        --lo;
+    }
+    return hi > 0;
+}
+
+// The first negligible diagonal entry of the block lo..hi, or -1.
+template <class Real, class Matrix>
+int FindZeroOnDiagonal(const Matrix& b, Real tolerance, int lo, int hi) {
+    for (int i = lo; i <= hi; ++i) {
+        if (!(std::fabs(b(i, i)) > tolerance)) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+// For a negligible b(zero, zero) in the block lo..hi: sets it to 0 and
+// rotates the superdiagonal entry next to it away (against the rows below,
+// or for the last one the columns to its left), which splits the block.
+template <class Real, class Matrix>
+void SplitAtZeroOnDiagonal(Matrix& left, Matrix& b, Matrix& right, int lo, int hi, int zero) {
+    b(zero, zero) = Real(0);
+    if (zero == hi) {
+        for (int j = hi - 1; j >= lo; --j) {
+            // Columns (j, hi): column j' = c column j + s column hi.
+            Real c, s;
+            if (!PlaneRotation(b(j, j), b(j, hi), c, s)) {
+                continue;
+            }
+            RotateColumns(b, j, hi, c, s);
+            RotateColumns(right, j, hi, c, s);
+            b(j, hi) = Real(0);
+        }
+        return;
+    }
+    for (int j = zero + 1; j <= hi; ++j) {
+        // Rows (j, zero): row j' = c row j + s row zero.
+        Real c, s;
+        if (!PlaneRotation(b(j, j), b(zero, j), c, s)) {
+            continue;
+        }
+        RotateRows(b, j, zero, c, s);
+        RotateColumns(left, j, zero, c, s);
+        b(zero, j) = Real(0);
+    }
+}
+
+}  // namespace
+
 template <class Real, class Other>
 void CKWMatrix3T<Real, Other>::SingularValueDecomposition(CKWMatrix3T& left, CKWMatrix3T& diagonal,
                                                           CKWMatrix3T& rightTranspose) const {
     CKWMatrix3T b, right;
     Bidiagonalize(left, b, right);
-    Real norm = Real(0);
-    for (int i = 0; i < 9; ++i) {
-        norm = std::fmax(norm, std::fabs(this->m_afEntry[i]));
-    }
-    const Real tolerance = Real(4) * std::numeric_limits<Real>::epsilon() * norm;
+    const Real tolerance =
+        Real(4) * std::numeric_limits<Real>::epsilon() * LargestMagnitude(this->m_afEntry);
     const int kMaxSteps = 100;
-    for (int step = 0; step < kMaxSteps; ++step) {
-        // Negligible superdiagonal entries split the matrix into blocks.
-        for (int i = 0; i < 2; ++i) {
-            if (!(std::fabs(b(i, i + 1)) > tolerance)) {
-                b(i, i + 1) = Real(0);
-            }
-        }
-        // The last unreduced block lo..hi.
-        int hi = 2;
-        while (hi > 0 && b(hi - 1, hi) == Real(0)) {
-            --hi;
-        }
-        if (hi == 0) {
-            break;
-        }
-        int lo = hi - 1;
-        while (lo > 0 && b(lo - 1, lo) != Real(0)) {
-            --lo;
-        }
-        // A zero on the diagonal: rotate the superdiagonal entry next to it
-        // away (against the rows below, or for the last one the columns to
-        // its left), which splits the block.
-        int zero = -1;
-        for (int i = lo; i <= hi; ++i) {
-            if (!(std::fabs(b(i, i)) > tolerance)) {
-                zero = i;
-                break;
-            }
-        }
+    int lo, hi;
+    for (int step = 0; step < kMaxSteps && FindLastUnreducedBlock(b, tolerance, lo, hi); ++step) {
+        const int zero = FindZeroOnDiagonal(b, tolerance, lo, hi);
         if (zero < 0) {
             GolubKahanStep(left, b, right, lo, hi);
-            continue;
-        }
-        b(zero, zero) = Real(0);
-        if (zero == hi) {
-            for (int j = hi - 1; j >= lo; --j) {
-                const Real y = b(j, j), z = b(j, hi);
-                const Real r = std::hypot(y, z);
-                if (r == Real(0)) {
-                    continue;
-                }
-                // Columns (j, hi): column j' = c column j + s column hi.
-                const Real c = y / r, s = z / r;
-                RotateColumns(b, j, hi, c, s);
-                RotateColumns(right, j, hi, c, s);
-                b(j, hi) = Real(0);
-            }
-            continue;
-        }
-        for (int j = zero + 1; j <= hi; ++j) {
-            const Real y = b(j, j), z = b(zero, j);
-            const Real r = std::hypot(y, z);
-            if (r == Real(0)) {
-                continue;
-            }
-            // Rows (j, zero): row j' = c row j + s row zero.
-            const Real c = y / r, s = z / r;
-            RotateRows(b, j, zero, c, s);
-            RotateColumns(left, j, zero, c, s);
-            b(zero, j) = Real(0);
+        } else {
+            SplitAtZeroOnDiagonal<Real>(left, b, right, lo, hi, zero);
         }
     }
     // Non-negative singular values, descending, with their vectors.
@@ -542,11 +513,8 @@ void CKWMatrix3T<Real, Other>::QDUDecomposition(CKWMatrix3T& q, CKWMatrix3T& d,
     // Gram-Schmidt on the columns. A column that (nearly) depends on the ones
     // before it leaves its place in q to be filled by a unit vector
     // orthogonal to the others, with 0 in d.
-    Real norm = Real(0);
-    for (int i = 0; i < 9; ++i) {
-        norm = std::fmax(norm, std::fabs(this->m_afEntry[i]));
-    }
-    const Real tolerance = Real(16) * std::numeric_limits<Real>::epsilon() * norm;
+    const Real tolerance =
+        Real(16) * std::numeric_limits<Real>::epsilon() * LargestMagnitude(this->m_afEntry);
     Vector3 columns[3];
     bool filled[3] = {false, false, false};
     for (int c = 0; c < 3; ++c) {
