@@ -34,10 +34,14 @@ public:
     // Expanded along row 0.
     Real Determinant() const;
     // The transposed cofactor matrix.
-    CKWMatrix4T Adjoint() const;
+    CKWMatrix4T Adjoint() const {
+        CKWMatrix4T adjoint;
+        Cofactors(adjoint.m_afEntry);
+        return adjoint;
+    }
     // The adjugate divided by the determinant (expanded along row 0 with the
     // same cofactors); ZERO when |det| <= EPSILON or it is not a number.
-    CKWMatrix4T Inverse() const;
+    CKWMatrix4T Inverse() const { return this->InverseWith(Adjoint()); }
 
     // The rotation by angle about axis (x, y, z; normalized here), through
     // the quaternion of axis and angle.
@@ -52,7 +56,7 @@ public:
 
 private:
     // Writes the adjugate (the transposed cofactor matrix) to a.
-    void Cofactors(Real* a) const;
+    void Cofactors(Real* a) const { kwMatrixKernels::Adjugate4(this->m_afEntry, a); }
 };
 
 #if !defined(_WIN32)

@@ -20,54 +20,8 @@
 #include "kwcore/geometry/linear/CKWPointT.h"
 #include "kwcore/geometry/linear/CKWTupleT.h"
 #include "kwcore/geometry/linear/CKWVectorT.h"
+#include "kwcore/geometry/linear/KWMatrixKernels.h"
 #include "kwcore/platform/Export.h"
-
-// Vector extensions with __builtin_shufflevector: clang, and GCC from 12 on.
-#if !defined(KWCORE_MATRIX_LANES) && (defined(__clang__) || (defined(__GNUC__) && __GNUC__ >= 12))
-#define KWCORE_MATRIX_LANES 1
-#endif
-
-namespace kwMatrixProduct {
-
-// out = M * in for a row-major N x N matrix, each row's sum taken in column
-// order.
-template <int N, class Real>
-inline void RowsTimesColumn(const Real* m, const Real* in, Real* out) {
-    for (int r = 0; r < N; ++r) {
-        Real sum = m[N * r] * in[0];
-        for (int c = 1; c < N; ++c) {
-            sum += m[N * r + c] * in[c];
-        }
-        out[r] = sum;
-    }
-}
-
-#if KWCORE_MATRIX_LANES
-// The 4x4 float product in four lanes, which hosts inline in their loops: the
-// rows' products are transposed so that each row's sum is taken in column
-// order, with the same bits as above.
-template <>
-inline void RowsTimesColumn<4, float>(const float* m, const float* in, float* out) {
-    typedef float Lanes __attribute__((vector_size(16)));
-    Lanes column, p[4];
-    std::memcpy(&column, in, sizeof(Lanes));
-    for (int r = 0; r < 4; ++r) {
-        std::memcpy(&p[r], m + 4 * r, sizeof(Lanes));
-        p[r] *= column;
-    }
-    const Lanes low01 = __builtin_shufflevector(p[0], p[1], 0, 4, 1, 5);
-    const Lanes low23 = __builtin_shufflevector(p[2], p[3], 0, 4, 1, 5);
-    const Lanes high01 = __builtin_shufflevector(p[0], p[1], 2, 6, 3, 7);
-    const Lanes high23 = __builtin_shufflevector(p[2], p[3], 2, 6, 3, 7);
-    const Lanes sum = __builtin_shufflevector(low01, low23, 0, 1, 4, 5) +
-                      __builtin_shufflevector(low01, low23, 2, 3, 6, 7) +
-                      __builtin_shufflevector(high01, high23, 0, 1, 4, 5) +
-                      __builtin_shufflevector(high01, high23, 2, 3, 6, 7);
-    std::memcpy(out, &sum, sizeof(Lanes));
-}
-#endif
-
-}  // namespace kwMatrixProduct
 
 template <int N, class Real, class Other>
 class KWCORE_API CKWMatrixT {
@@ -276,7 +230,7 @@ protected:
     }
 
     void Multiply(const Real* in, Real* out) const {
-        kwMatrixProduct::RowsTimesColumn<N>(m_afEntry, in, out);
+        kwMatrixKernels::RowsTimesColumn<N>(m_afEntry, in, out);
     }
     // The N*N entries in row order when rowMajor is true, else in column order.
     void SetEntries(const Real* entries, bool rowMajor);
