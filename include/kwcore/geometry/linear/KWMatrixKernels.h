@@ -111,7 +111,9 @@ inline void ScalarAdjugate(const Real* m, Real* a) {
 inline void LanesAdjugate(const float* m, float* a) {
     typedef float Lanes __attribute__((vector_size(16)));
     Lanes r[4];
-    std::memcpy(r, m, sizeof(r));
+    for (int i = 0; i < 4; ++i) {
+        std::memcpy(&r[i], m + 4 * i, sizeof(Lanes));
+    }
 #define KWCORE_SHUFFLE __builtin_shufflevector
     const Lanes low10 = KWCORE_SHUFFLE(r[1], r[0], 0, 4, 1, 5);
     const Lanes high10 = KWCORE_SHUFFLE(r[1], r[0], 2, 6, 3, 7);
