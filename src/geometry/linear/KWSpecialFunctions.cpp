@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-namespace kwSpecial {
+namespace kwSpecialFunctions {
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
@@ -130,6 +130,24 @@ double GammaPrefactor(double a, double x) {
     return std::sqrt(a / (2.0 * kPi)) * std::exp(a * (std::log1p(t) - t) - StirlingSeries(a));
 }
 
+// P(a, x) where neither the series nor the fraction is needed: NaN for a NaN
+// argument, 0 for a <= 0, x <= 0 or a = +infinity, 1 for x = +infinity.
+// False for every other pair.
+bool IncompleteGammaAtEdge(double a, double x, double* value) {
+    if (std::isnan(a) || std::isnan(x)) {
+        *value = a + x;
+    } else if (!(a > 0.0) || !(x > 0.0)) {
+        *value = 0.0;
+    } else if (std::isinf(x)) {
+        *value = 1.0;
+    } else if (std::isinf(a)) {
+        *value = 0.0;
+    } else {
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 double LogGamma(double x) {
@@ -194,33 +212,17 @@ double Gamma(double x) {
 }
 
 double IncompleteGammaSeries(double a, double x) {
-    if (std::isnan(a) || std::isnan(x)) {
-        return a + x;
-    }
-    if (!(a > 0.0) || !(x > 0.0)) {
-        return 0.0;
-    }
-    if (std::isinf(x)) {
-        return 1.0;
-    }
-    if (std::isinf(a)) {
-        return 0.0;
+    double edge;
+    if (IncompleteGammaAtEdge(a, x, &edge)) {
+        return edge;
     }
     return std::fmin(1.0, GammaPrefactor(a, x) * LowerSeriesSum(a, x));
 }
 
 double IncompleteGammaFraction(double a, double x) {
-    if (std::isnan(a) || std::isnan(x)) {
-        return a + x;
-    }
-    if (!(a > 0.0) || !(x > 0.0)) {
-        return 0.0;
-    }
-    if (std::isinf(x)) {
-        return 1.0;
-    }
-    if (std::isinf(a)) {
-        return 0.0;
+    double edge;
+    if (IncompleteGammaAtEdge(a, x, &edge)) {
+        return edge;
     }
     return std::fmax(0.0, 1.0 - GammaPrefactor(a, x) * UpperFraction(a, x));
 }
@@ -318,4 +320,4 @@ double BesselI(int order, double x) {
     return order == 1 && x < 0.0 ? -result : result;
 }
 
-}  // namespace kwSpecial
+}  // namespace kwSpecialFunctions

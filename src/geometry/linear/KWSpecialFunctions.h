@@ -2,7 +2,7 @@
 // of CKWMathT. Conventions as documented on CKWMathT.
 #pragma once
 
-namespace kwSpecial {
+namespace kwSpecialFunctions {
 
 double Gamma(double x);
 double LogGamma(double x);
@@ -16,4 +16,4 @@ double Erfc(double x);
 // The modified Bessel function of the first kind I_order, order 0 or 1.
 double BesselI(int order, double x);
 
-}  // namespace kwSpecial
+}  // namespace kwSpecialFunctions

@@ -66,16 +66,9 @@ public:
         const Real* m = this->m_afEntry;
         return CKWMatrix2T(m[3], -m[1], -m[2], m[0]);
     }
-    // The adjugate divided by the determinant; ZERO when |det| <= EPSILON.
-    CKWMatrix2T Inverse() const {
-        const Real* m = this->m_afEntry;
-        const Real det = m[0] * m[3] + m[1] * -m[2];
-        if (!(Math::FAbs(det) > Math::EPSILON)) {
-            return CKWMatrix2T();
-        }
-        const Real inv = Real(1) / det;
-        return CKWMatrix2T(m[3] * inv, -m[1] * inv, -m[2] * inv, m[0] * inv);
-    }
+    // The adjugate divided by the determinant (expanded along row 0); ZERO
+    // when |det| <= EPSILON or the determinant is not a number.
+    CKWMatrix2T Inverse() const { return this->InverseWith(Adjoint()); }
 
     // Gram-Schmidt on the columns (a zero column stays zero).
     void Orthonormalize();

@@ -68,20 +68,33 @@ public:
     // near 0 and pi; with no rotation at all the axis is (1, 0, 0).
     void ToAxisAngle(Vector3& axis, Real& angle) const;
 
-    void FromEulerAnglesXYZ(Real x, Real y, Real z);
-    void FromEulerAnglesXZY(Real x, Real z, Real y);
-    void FromEulerAnglesYXZ(Real y, Real x, Real z);
-    void FromEulerAnglesYZX(Real y, Real z, Real x);
-    void FromEulerAnglesZXY(Real z, Real x, Real y);
-    void FromEulerAnglesZYX(Real z, Real y, Real x);
+    // Axes 0, 1, 2 are x, y, z.
+    void FromEulerAnglesXYZ(Real x, Real y, Real z) { FromEulerAngles(0, 1, 2, x, y, z); }
+    void FromEulerAnglesXZY(Real x, Real z, Real y) { FromEulerAngles(0, 2, 1, x, z, y); }
+    void FromEulerAnglesYXZ(Real y, Real x, Real z) { FromEulerAngles(1, 0, 2, y, x, z); }
+    void FromEulerAnglesYZX(Real y, Real z, Real x) { FromEulerAngles(1, 2, 0, y, z, x); }
+    void FromEulerAnglesZXY(Real z, Real x, Real y) { FromEulerAngles(2, 0, 1, z, x, y); }
+    void FromEulerAnglesZYX(Real z, Real y, Real x) { FromEulerAngles(2, 1, 0, z, y, x); }
     // The angles in the order of the name; false at gimbal lock, also when the
     // sine entry is infinite or not a number (middle angle HALF_PI then).
-    bool ToEulerAnglesXYZ(Real& x, Real& y, Real& z) const;
-    bool ToEulerAnglesXZY(Real& x, Real& z, Real& y) const;
-    bool ToEulerAnglesYXZ(Real& y, Real& x, Real& z) const;
-    bool ToEulerAnglesYZX(Real& y, Real& z, Real& x) const;
-    bool ToEulerAnglesZXY(Real& z, Real& x, Real& y) const;
-    bool ToEulerAnglesZYX(Real& z, Real& y, Real& x) const;
+    bool ToEulerAnglesXYZ(Real& x, Real& y, Real& z) const {
+        return ToEulerAngles(0, 1, 2, x, y, z);
+    }
+    bool ToEulerAnglesXZY(Real& x, Real& z, Real& y) const {
+        return ToEulerAngles(0, 2, 1, x, z, y);
+    }
+    bool ToEulerAnglesYXZ(Real& y, Real& x, Real& z) const {
+        return ToEulerAngles(1, 0, 2, y, x, z);
+    }
+    bool ToEulerAnglesYZX(Real& y, Real& z, Real& x) const {
+        return ToEulerAngles(1, 2, 0, y, z, x);
+    }
+    bool ToEulerAnglesZXY(Real& z, Real& x, Real& y) const {
+        return ToEulerAngles(2, 0, 1, z, x, y);
+    }
+    bool ToEulerAnglesZYX(Real& z, Real& y, Real& x) const {
+        return ToEulerAngles(2, 1, 0, z, y, x);
+    }
 
     Real Determinant() const {
         const Real* m = this->m_afEntry;
@@ -98,17 +111,7 @@ public:
     }
     // The adjugate divided by the determinant (expanded along row 0); ZERO
     // when |det| <= EPSILON or the determinant is not a number.
-    CKWMatrix3T Inverse() const {
-        CKWMatrix3T inverse = Adjoint();
-        const Real* m = this->m_afEntry;
-        const Real* a = inverse.m_afEntry;
-        const Real det = m[0] * a[0] + m[1] * a[3] + m[2] * a[6];
-        if (!(Math::FAbs(det) > Math::EPSILON)) {
-            return CKWMatrix3T();
-        }
-        inverse *= Real(1) / det;
-        return inverse;
-    }
+    CKWMatrix3T Inverse() const { return this->InverseWith(Adjoint()); }
 
     // Gram-Schmidt on the columns in order 0, 1, 2 (a zero column stays zero).
     void Orthonormalize();
@@ -159,6 +162,7 @@ protected:
                                int hi);
 
 private:
+    // The rotations about axes i, j, k in that order (Ri(a) Rj(b) Rk(c)).
     void FromEulerAngles(int i, int j, int k, Real a, Real b, Real c);
     bool ToEulerAngles(int i, int j, int k, Real& a, Real& b, Real& c) const;
 };

@@ -13,17 +13,14 @@
 //   CKWVectorT<3, float, double> v = m * v0;      // m(r, c) * v0[c]
 #pragma once
 
+#include <cmath>
 #include <cstring>
-#include <type_traits>
-
-#if defined(__SSE2__) || defined(_M_X64)
-#include <emmintrin.h>
-#define KWCORE_MATRIX_SSE 1
-#endif
 
 #include "kwcore/geometry/linear/CKWMathT.h"
 #include "kwcore/geometry/linear/CKWPointT.h"
+#include "kwcore/geometry/linear/CKWTupleT.h"
 #include "kwcore/geometry/linear/CKWVectorT.h"
+#include "kwcore/geometry/linear/KWMatrixKernels.h"
 #include "kwcore/platform/Export.h"
 
 template <int N, class Real, class Other>
@@ -101,12 +98,7 @@ public:
     operator const Real*() const { return m_afEntry; }
 
     // Byte-wise: equal only for identical bits; a total order for sorting.
-    bool operator==(const CKWMatrixT& m) const { return CompareArrays(m) == 0; }
-    bool operator!=(const CKWMatrixT& m) const { return CompareArrays(m) != 0; }
-    bool operator<(const CKWMatrixT& m) const { return CompareArrays(m) < 0; }
-    bool operator<=(const CKWMatrixT& m) const { return CompareArrays(m) <= 0; }
-    bool operator>(const CKWMatrixT& m) const { return CompareArrays(m) > 0; }
-    bool operator>=(const CKWMatrixT& m) const { return CompareArrays(m) >= 0; }
+    KW_DECLARE_BYTE_COMPARISONS(CKWMatrixT)
 
     CKWMatrixT operator+(const CKWMatrixT& m) const {
         CKWMatrixT sum(*this);
@@ -120,9 +112,7 @@ public:
     }
     CKWMatrixT operator-() const {
         CKWMatrixT negated(*this);
-        for (int i = 0; i < N * N; ++i) {
-            negated.m_afEntry[i] = -m_afEntry[i];
-        }
+        kwTupleArithmetic::Negate<N * N>(negated.m_afEntry, m_afEntry);
         return negated;
     }
     CKWMatrixT operator*(Real s) const {
@@ -137,31 +127,20 @@ public:
         return quotient;
     }
     CKWMatrixT& operator+=(const CKWMatrixT& m) {
-        for (int i = 0; i < N * N; ++i) {
-            m_afEntry[i] += m.m_afEntry[i];
-        }
+        kwTupleArithmetic::Add<N * N>(m_afEntry, m.m_afEntry);
         return *this;
     }
     CKWMatrixT& operator-=(const CKWMatrixT& m) {
-        for (int i = 0; i < N * N; ++i) {
-            m_afEntry[i] -= m.m_afEntry[i];
-        }
+        kwTupleArithmetic::Subtract<N * N>(m_afEntry, m.m_afEntry);
         return *this;
     }
     CKWMatrixT& operator*=(Real s) {
-        for (int i = 0; i < N * N; ++i) {
-            m_afEntry[i] *= s;
-        }
+        kwTupleArithmetic::Scale<N * N>(m_afEntry, s);
         return *this;
     }
     CKWMatrixT& operator/=(Real s) {
-        if (s == Real(0)) {
-            for (int i = 0; i < N * N; ++i) {
-                m_afEntry[i] = CKWMathT<Real, Other>::MAX_REAL;
-            }
-            return *this;
-        }
-        return *this *= Real(1) / s;
+        kwTupleArithmetic::Divide<N * N, Real, Other>(m_afEntry, s);
+        return *this;
     }
 
     // (A * B)(r, c) = sum over k of A(r, k) * B(k, c).
@@ -251,31 +230,44 @@ protected:
     }
 
     void Multiply(const Real* in, Real* out) const {
-#if KWCORE_MATRIX_SSE
-        if constexpr (N == 4 && std::is_same<Real, float>::value) {
-            // Four row products, transposed so that each row's sum is taken
-            // in the same order as below.
-            const __m128 v = _mm_loadu_ps(in);
-            __m128 p0 = _mm_mul_ps(_mm_loadu_ps(m_afEntry), v);
-            __m128 p1 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 4), v);
-            __m128 p2 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 8), v);
-            __m128 p3 = _mm_mul_ps(_mm_loadu_ps(m_afEntry + 12), v);
-            _MM_TRANSPOSE4_PS(p0, p1, p2, p3);
-            _mm_storeu_ps(out, _mm_add_ps(_mm_add_ps(_mm_add_ps(p0, p1), p2), p3));
-            return;
-        }
-#endif
-        for (int r = 0; r < N; ++r) {
-            Real sum = m_afEntry[I(r, 0)] * in[0];
-            for (int c = 1; c < N; ++c) {
-                sum += m_afEntry[I(r, c)] * in[c];
-            }
-            out[r] = sum;
-        }
+        kwMatrixKernels::RowsTimesColumn<N>(m_afEntry, in, out);
     }
+    // The N*N entries in row order when rowMajor is true, else in column order.
+    void SetEntries(const Real* entries, bool rowMajor);
+    // The N vectors (N components each) as rows, or as columns when columns.
+    void SetVectors(const Real* const* vectors, bool columns);
+    // The tensor product u * v^T.
+    void SetTensorProduct(const Real* u, const Real* v);
+    // The determinant expanded along row 0 with this matrix's adjugate.
+    Real DeterminantWith(const CKWMatrixT& adjugate) const;
+    // The adjugate divided by the determinant; zero when |det| <= EPSILON or
+    // the determinant is not a number.
+    CKWMatrixT InverseWith(CKWMatrixT adjugate) const;
 
     Real m_afEntry[N * N];
 };
+
+// The inverse's steps, inline for the inverses of orders 2 and 3.
+
+template <int N, class Real, class Other>
+inline Real CKWMatrixT<N, Real, Other>::DeterminantWith(const CKWMatrixT& adjugate) const {
+    Real det = m_afEntry[0] * adjugate.m_afEntry[0];
+    for (int c = 1; c < N; ++c) {
+        det += m_afEntry[c] * adjugate.m_afEntry[I(c, 0)];
+    }
+    return det;
+}
+
+template <int N, class Real, class Other>
+inline CKWMatrixT<N, Real, Other> CKWMatrixT<N, Real, Other>::InverseWith(
+    CKWMatrixT adjugate) const {
+    const Real det = DeterminantWith(adjugate);
+    if (!(std::fabs(det) > CKWMathT<Real, Other>::EPSILON)) {
+        return CKWMatrixT(true);
+    }
+    adjugate *= Real(1) / det;
+    return adjugate;
+}
 
 template <int N, class Real, class Other>
 inline CKWMatrixT<N, Real, Other> operator*(Real s, const CKWMatrixT<N, Real, Other>& m) {

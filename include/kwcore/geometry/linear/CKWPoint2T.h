@@ -20,22 +20,17 @@ public:
     constexpr CKWPoint2T() = default;
     constexpr CKWPoint2T(const CKWPoint2T& p) = default;
     constexpr CKWPoint2T(const Base& p) : Base(p) {}
-    constexpr CKWPoint2T(Real x, Real y) : Base() {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-    }
-    constexpr CKWPoint2T(Other x, Other y)
-        : CKWPoint2T(static_cast<Real>(x), static_cast<Real>(y)) {}
+    constexpr CKWPoint2T(Real x, Real y) { this->Assign(x, y); }
+    constexpr CKWPoint2T(Other x, Other y) { this->Assign(x, y); }
     // Whole numbers, which would otherwise fit Real and Other equally well.
     template <class Int, std::enable_if_t<std::is_integral_v<Int>, int> = 0>
-    constexpr CKWPoint2T(Int x, Int y) : CKWPoint2T(static_cast<Real>(x), static_cast<Real>(y)) {}
+    constexpr CKWPoint2T(Int x, Int y) {
+        this->Assign(x, y);
+    }
     CKWPoint2T& operator=(const CKWPoint2T& p) = default;
 
-    void Set(Real x, Real y) {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-    }
-    void Set(Other x, Other y) { Set(static_cast<Real>(x), static_cast<Real>(y)); }
+    void Set(Real x, Real y) { this->Assign(x, y); }
+    void Set(Other x, Other y) { this->Assign(x, y); }
     Real X() const { return this->m_aTuple[0]; }
     Real& X() { return this->m_aTuple[0]; }
     Real Y() const { return this->m_aTuple[1]; }

@@ -20,27 +20,17 @@ public:
     constexpr CKWPoint3T() = default;
     constexpr CKWPoint3T(const CKWPoint3T& p) = default;
     constexpr CKWPoint3T(const Base& p) : Base(p) {}
-    constexpr CKWPoint3T(Real x, Real y, Real z) : Base() {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-        this->m_aTuple[2] = z;
-    }
-    constexpr CKWPoint3T(Other x, Other y, Other z)
-        : CKWPoint3T(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z)) {}
+    constexpr CKWPoint3T(Real x, Real y, Real z) { this->Assign(x, y, z); }
+    constexpr CKWPoint3T(Other x, Other y, Other z) { this->Assign(x, y, z); }
     // Whole numbers, which would otherwise fit Real and Other equally well.
     template <class Int, std::enable_if_t<std::is_integral_v<Int>, int> = 0>
-    constexpr CKWPoint3T(Int x, Int y, Int z)
-        : CKWPoint3T(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z)) {}
+    constexpr CKWPoint3T(Int x, Int y, Int z) {
+        this->Assign(x, y, z);
+    }
     CKWPoint3T& operator=(const CKWPoint3T& p) = default;
 
-    void Set(Real x, Real y, Real z) {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-        this->m_aTuple[2] = z;
-    }
-    void Set(Other x, Other y, Other z) {
-        Set(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z));
-    }
+    void Set(Real x, Real y, Real z) { this->Assign(x, y, z); }
+    void Set(Other x, Other y, Other z) { this->Assign(x, y, z); }
     Real X() const { return this->m_aTuple[0]; }
     Real& X() { return this->m_aTuple[0]; }
     Real Y() const { return this->m_aTuple[1]; }

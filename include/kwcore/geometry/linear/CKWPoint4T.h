@@ -23,31 +23,17 @@ public:
     constexpr CKWPoint4T() = default;
     constexpr CKWPoint4T(const CKWPoint4T& p) = default;
     constexpr CKWPoint4T(const Base& p) : Base(p) {}
-    constexpr CKWPoint4T(Real x, Real y, Real z, Real w) : Base() {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-        this->m_aTuple[2] = z;
-        this->m_aTuple[3] = w;
-    }
-    constexpr CKWPoint4T(Other x, Other y, Other z, Other w)
-        : CKWPoint4T(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z),
-                     static_cast<Real>(w)) {}
+    constexpr CKWPoint4T(Real x, Real y, Real z, Real w) { this->Assign(x, y, z, w); }
+    constexpr CKWPoint4T(Other x, Other y, Other z, Other w) { this->Assign(x, y, z, w); }
     // Whole numbers, which would otherwise fit Real and Other equally well.
     template <class Int, std::enable_if_t<std::is_integral_v<Int>, int> = 0>
-    constexpr CKWPoint4T(Int x, Int y, Int z, Int w)
-        : CKWPoint4T(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z),
-                     static_cast<Real>(w)) {}
+    constexpr CKWPoint4T(Int x, Int y, Int z, Int w) {
+        this->Assign(x, y, z, w);
+    }
     CKWPoint4T& operator=(const CKWPoint4T& p) = default;
 
-    void Set(Real x, Real y, Real z, Real w) {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-        this->m_aTuple[2] = z;
-        this->m_aTuple[3] = w;
-    }
-    void Set(Other x, Other y, Other z, Other w) {
-        Set(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z), static_cast<Real>(w));
-    }
+    void Set(Real x, Real y, Real z, Real w) { this->Assign(x, y, z, w); }
+    void Set(Other x, Other y, Other z, Other w) { this->Assign(x, y, z, w); }
     Real X() const { return this->m_aTuple[0]; }
     Real& X() { return this->m_aTuple[0]; }
     Real Y() const { return this->m_aTuple[1]; }

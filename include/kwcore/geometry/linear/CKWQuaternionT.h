@@ -19,6 +19,7 @@
 #include "kwcore/geometry/linear/CKWMathT.h"
 #include "kwcore/geometry/linear/CKWMatrix3T.h"
 #include "kwcore/geometry/linear/CKWMatrix4T.h"
+#include "kwcore/geometry/linear/CKWTupleT.h"
 #include "kwcore/geometry/linear/CKWVector3T.h"
 #include "kwcore/geometry/linear/CKWVector4T.h"
 #include "kwcore/platform/Export.h"
@@ -61,12 +62,7 @@ public:
     operator Real*() { return m_afTuple; }
     operator const Real*() const { return m_afTuple; }
 
-    bool operator==(const CKWQuaternionT& q) const { return CompareArrays(q) == 0; }
-    bool operator!=(const CKWQuaternionT& q) const { return CompareArrays(q) != 0; }
-    bool operator<(const CKWQuaternionT& q) const { return CompareArrays(q) < 0; }
-    bool operator<=(const CKWQuaternionT& q) const { return CompareArrays(q) <= 0; }
-    bool operator>(const CKWQuaternionT& q) const { return CompareArrays(q) > 0; }
-    bool operator>=(const CKWQuaternionT& q) const { return CompareArrays(q) >= 0; }
+    KW_DECLARE_BYTE_COMPARISONS(CKWQuaternionT)
 
     CKWQuaternionT operator+(const CKWQuaternionT& q) const {
         return CKWQuaternionT(m_afTuple[0] + q.m_afTuple[0], m_afTuple[1] + q.m_afTuple[1],
@@ -93,11 +89,8 @@ public:
     CKWQuaternionT& operator-=(const CKWQuaternionT& q) { return *this = *this - q; }
     CKWQuaternionT& operator*=(Real s) { return *this = *this * s; }
     CKWQuaternionT& operator/=(Real s) {
-        if (s == Real(0)) {
-            Set(Math::MAX_REAL, Math::MAX_REAL, Math::MAX_REAL, Math::MAX_REAL);
-            return *this;
-        }
-        return *this *= Real(1) / s;
+        kwTupleArithmetic::Divide<4, Real, Other>(m_afTuple, s);
+        return *this;
     }
 
     // The Hamilton product: (*this * q) rotates by q first, then by *this.
@@ -240,35 +233,9 @@ protected:
     }
     // The rotation matrix into the upper 3x3 of a row-major matrix whose rows
     // are stride entries apart.
-    void RotationEntries(Real* m, int stride) const {
-        const Real w = m_afTuple[0], x = m_afTuple[1], y = m_afTuple[2], z = m_afTuple[3];
-        const Real tx = x + x, ty = y + y, tz = z + z;
-        const Real twx = tx * w, twy = ty * w, twz = tz * w;
-        const Real txx = tx * x, txy = ty * x, txz = tz * x;
-        const Real tyy = ty * y, tyz = tz * y, tzz = tz * z;
-        Real* r0 = m;
-        Real* r1 = m + stride;
-        Real* r2 = m + 2 * stride;
-        r0[0] = Real(1) - (tyy + tzz);
-        r0[1] = txy - twz;
-        r0[2] = txz + twy;
-        r1[0] = txy + twz;
-        r1[1] = Real(1) - (txx + tzz);
-        r1[2] = tyz - twx;
-        r2[0] = txz - twy;
-        r2[1] = tyz + twx;
-        r2[2] = Real(1) - (txx + tyy);
-    }
+    void RotationEntries(Real* m, int stride) const;
     // v + w t + u x t with u = (x, y, z) and t = 2 u x v.
-    void Rotate(const Real* v, Real* out) const {
-        const Real w = m_afTuple[0], x = m_afTuple[1], y = m_afTuple[2], z = m_afTuple[3];
-        const Real tx = Real(2) * (y * v[2] - z * v[1]);
-        const Real ty = Real(2) * (z * v[0] - x * v[2]);
-        const Real tz = Real(2) * (x * v[1] - y * v[0]);
-        out[0] = v[0] + w * tx + (y * tz - z * ty);
-        out[1] = v[1] + w * ty + (z * tx - x * tz);
-        out[2] = v[2] + w * tz + (x * ty - y * tx);
-    }
+    void Rotate(const Real* v, Real* out) const;
 
     Real m_afTuple[4];
 };
@@ -276,6 +243,41 @@ protected:
 template <class Real, class Other>
 inline CKWQuaternionT<Real, Other> operator*(Real s, const CKWQuaternionT<Real, Other>& q) {
     return q * s;
+}
+
+// The rotation's inner loops, inline so that hosts' compilers keep
+// ToRotationMatrix and the rotation of vectors in their loops.
+
+template <class Real, class Other>
+inline void CKWQuaternionT<Real, Other>::RotationEntries(Real* m, int stride) const {
+    const Real w = m_afTuple[0], x = m_afTuple[1], y = m_afTuple[2], z = m_afTuple[3];
+    const Real tx = x + x, ty = y + y, tz = z + z;
+    const Real twx = tx * w, twy = ty * w, twz = tz * w;
+    const Real txx = tx * x, txy = ty * x, txz = tz * x;
+    const Real tyy = ty * y, tyz = tz * y, tzz = tz * z;
+    Real* r0 = m;
+    Real* r1 = m + stride;
+    Real* r2 = m + 2 * stride;
+    r0[0] = Real(1) - (tyy + tzz);
+    r0[1] = txy - twz;
+    r0[2] = txz + twy;
+    r1[0] = txy + twz;
+    r1[1] = Real(1) - (txx + tzz);
+    r1[2] = tyz - twx;
+    r2[0] = txz - twy;
+    r2[1] = tyz + twx;
+    r2[2] = Real(1) - (txx + tyy);
+}
+
+template <class Real, class Other>
+inline void CKWQuaternionT<Real, Other>::Rotate(const Real* v, Real* out) const {
+    const Real w = m_afTuple[0], x = m_afTuple[1], y = m_afTuple[2], z = m_afTuple[3];
+    const Real tx = Real(2) * (y * v[2] - z * v[1]);
+    const Real ty = Real(2) * (z * v[0] - x * v[2]);
+    const Real tz = Real(2) * (x * v[1] - y * v[0]);
+    out[0] = v[0] + w * tx + (y * tz - z * ty);
+    out[1] = v[1] + w * ty + (z * tx - x * tz);
+    out[2] = v[2] + w * tz + (x * ty - y * tx);
 }
 
 #if !defined(_WIN32)

@@ -22,28 +22,16 @@ public:
     constexpr CKWVector2T() = default;
     constexpr CKWVector2T(const CKWVector2T& v) = default;
     constexpr CKWVector2T(const Base& v) : Base(v) {}
-    constexpr CKWVector2T(Real x, Real y) : Base() {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-    }
+    constexpr CKWVector2T(Real x, Real y) { this->Assign(x, y); }
     CKWVector2T& operator=(const CKWVector2T& v) = default;
 
-    void Set(Real x, Real y) {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-    }
+    void Set(Real x, Real y) { this->Assign(x, y); }
     Real X() const { return this->m_aTuple[0]; }
     Real& X() { return this->m_aTuple[0]; }
     Real Y() const { return this->m_aTuple[1]; }
     Real& Y() { return this->m_aTuple[1]; }
 
-    CKWVector2T operator+(const Base& v) const { return Base::operator+(v); }
-    CKWVector2T operator-(const Base& v) const { return Base::operator-(v); }
-    CKWVector2T operator-() const { return Base::operator-(); }
-    CKWVector2T operator*(Real s) const { return Base::operator*(s); }
-    CKWVector2T operator/(Real s) const { return Base::operator/(s); }
-    friend CKWVector2T operator*(Real s, const CKWVector2T& v) { return v * s; }
-    CKWVector2T GetNormalized() const { return Base::GetNormalized(); }
+    KW_DECLARE_VECTOR_ARITHMETIC(CKWVector2T)
 
     CKWVector2T Perp() const { return CKWVector2T(Y(), -X()); }
     CKWVector2T UnitPerp() const { return Perp().GetNormalized(); }

@@ -24,27 +24,17 @@ public:
     constexpr CKWVector3T() = default;
     constexpr CKWVector3T(const CKWVector3T& v) = default;
     constexpr CKWVector3T(const Base& v) : Base(v) {}
-    constexpr CKWVector3T(Real x, Real y, Real z) : Base() {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-        this->m_aTuple[2] = z;
-    }
-    constexpr CKWVector3T(Other x, Other y, Other z)
-        : CKWVector3T(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z)) {}
+    constexpr CKWVector3T(Real x, Real y, Real z) { this->Assign(x, y, z); }
+    constexpr CKWVector3T(Other x, Other y, Other z) { this->Assign(x, y, z); }
     // Whole numbers, which would otherwise fit Real and Other equally well.
     template <class Int, std::enable_if_t<std::is_integral_v<Int>, int> = 0>
-    constexpr CKWVector3T(Int x, Int y, Int z)
-        : CKWVector3T(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z)) {}
+    constexpr CKWVector3T(Int x, Int y, Int z) {
+        this->Assign(x, y, z);
+    }
     CKWVector3T& operator=(const CKWVector3T& v) = default;
 
-    void Set(Real x, Real y, Real z) {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-        this->m_aTuple[2] = z;
-    }
-    void Set(Other x, Other y, Other z) {
-        Set(static_cast<Real>(x), static_cast<Real>(y), static_cast<Real>(z));
-    }
+    void Set(Real x, Real y, Real z) { this->Assign(x, y, z); }
+    void Set(Other x, Other y, Other z) { this->Assign(x, y, z); }
     Real X() const { return this->m_aTuple[0]; }
     Real& X() { return this->m_aTuple[0]; }
     Real Y() const { return this->m_aTuple[1]; }
@@ -52,13 +42,7 @@ public:
     Real Z() const { return this->m_aTuple[2]; }
     Real& Z() { return this->m_aTuple[2]; }
 
-    CKWVector3T operator+(const Base& v) const { return Base::operator+(v); }
-    CKWVector3T operator-(const Base& v) const { return Base::operator-(v); }
-    CKWVector3T operator-() const { return Base::operator-(); }
-    CKWVector3T operator*(Real s) const { return Base::operator*(s); }
-    CKWVector3T operator/(Real s) const { return Base::operator/(s); }
-    friend CKWVector3T operator*(Real s, const CKWVector3T& v) { return v * s; }
-    CKWVector3T GetNormalized() const { return Base::GetNormalized(); }
+    KW_DECLARE_VECTOR_ARITHMETIC(CKWVector3T)
 
     // Right-handed cross product; UnitCross normalizes it (zero when the
     // vectors are parallel). The overloads on CKWVector3T keep the type.

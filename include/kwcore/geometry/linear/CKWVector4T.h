@@ -19,20 +19,10 @@ public:
     constexpr CKWVector4T() = default;
     constexpr CKWVector4T(const CKWVector4T& v) = default;
     constexpr CKWVector4T(const Base& v) : Base(v) {}
-    constexpr CKWVector4T(Real x, Real y, Real z, Real w) : Base() {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-        this->m_aTuple[2] = z;
-        this->m_aTuple[3] = w;
-    }
+    constexpr CKWVector4T(Real x, Real y, Real z, Real w) { this->Assign(x, y, z, w); }
     CKWVector4T& operator=(const CKWVector4T& v) = default;
 
-    void Set(Real x, Real y, Real z, Real w) {
-        this->m_aTuple[0] = x;
-        this->m_aTuple[1] = y;
-        this->m_aTuple[2] = z;
-        this->m_aTuple[3] = w;
-    }
+    void Set(Real x, Real y, Real z, Real w) { this->Assign(x, y, z, w); }
     Real X() const { return this->m_aTuple[0]; }
     Real& X() { return this->m_aTuple[0]; }
     Real Y() const { return this->m_aTuple[1]; }
@@ -42,13 +32,7 @@ public:
     Real W() const { return this->m_aTuple[3]; }
     Real& W() { return this->m_aTuple[3]; }
 
-    CKWVector4T operator+(const Base& v) const { return Base::operator+(v); }
-    CKWVector4T operator-(const Base& v) const { return Base::operator-(v); }
-    CKWVector4T operator-() const { return Base::operator-(); }
-    CKWVector4T operator*(Real s) const { return Base::operator*(s); }
-    CKWVector4T operator/(Real s) const { return Base::operator/(s); }
-    friend CKWVector4T operator*(Real s, const CKWVector4T& v) { return v * s; }
-    CKWVector4T GetNormalized() const { return Base::GetNormalized(); }
+    KW_DECLARE_VECTOR_ARITHMETIC(CKWVector4T)
 
     Base Cross(const Base& v) const final { return CrossOf(v); }
     Base UnitCross(const Base& v) const final { return CrossOf(v).GetNormalized(); }

@@ -16,74 +16,43 @@
 //   float length = v.Normalize();   // 5; v is (0.6, 0, 0.8)
 #pragma once
 
-#include <cstring>
-
 #include "kwcore/geometry/linear/CKWMathT.h"
+#include "kwcore/geometry/linear/CKWTupleT.h"
 
 template <int N, class Real, class Other>
 class KWCORE_API CKWPointT;
 
 template <int N, class Real, class Other>
-class KWCORE_API CKWVectorT {
+class KWCORE_API CKWVectorT : public CKWTupleT<N, Real, Other> {
+    using Tuple = CKWTupleT<N, Real, Other>;
+
 public:
     using Math = CKWMathT<Real, Other>;
 
-    constexpr CKWVectorT() : m_aTuple{} {}
+    constexpr CKWVectorT() : Tuple() {}
     CKWVectorT(const CKWVectorT& v) = default;
     // From N components; a null pointer gives the zero vector.
-    explicit CKWVectorT(const Real* tuple) : m_aTuple{} {
-        if (tuple) {
-            for (int i = 0; i < N; ++i) {
-                m_aTuple[i] = tuple[i];
-            }
-        }
-    }
+    explicit CKWVectorT(const Real* tuple) : Tuple(tuple) {}
     // The vector from the origin to the point.
-    explicit CKWVectorT(const CKWPointT<N, Real, Other>& p) {
-        for (int i = 0; i < N; ++i) {
-            m_aTuple[i] = p[i];
-        }
-    }
+    explicit CKWVectorT(const CKWPointT<N, Real, Other>& p) : Tuple(p.GetTuple()) {}
 
     CKWVectorT& operator=(const CKWVectorT& v) = default;
 
-    int GetN() const { return N; }
-    const Real* GetTuple() const { return m_aTuple; }
-    Real* GetTuple() { return m_aTuple; }
-    operator const Real*() const { return m_aTuple; }
-    operator Real*() { return m_aTuple; }
-    // i must lie in [0, N).
-    Real operator[](int i) const { return m_aTuple[i]; }
-    Real& operator[](int i) { return m_aTuple[i]; }
-
-    bool operator==(const CKWVectorT& v) const { return CompareArrays(v) == 0; }
-    bool operator!=(const CKWVectorT& v) const { return CompareArrays(v) != 0; }
-    bool operator<(const CKWVectorT& v) const { return CompareArrays(v) < 0; }
-    bool operator<=(const CKWVectorT& v) const { return CompareArrays(v) < 1; }
-    bool operator>(const CKWVectorT& v) const { return CompareArrays(v) > 0; }
-    bool operator>=(const CKWVectorT& v) const { return CompareArrays(v) >= 0; }
-    // Component-wise Math::Approx_Equal(a, b, digits).
-    bool Approx_Equal(const CKWVectorT& v, int digits) const;
+    KW_DECLARE_TUPLE_MEMBERS(CKWVectorT)
 
     CKWVectorT operator+(const CKWVectorT& v) const {
-        CKWVectorT r;
-        for (int i = 0; i < N; ++i) {
-            r.m_aTuple[i] = m_aTuple[i] + v.m_aTuple[i];
-        }
+        CKWVectorT r(*this);
+        r += v;
         return r;
     }
     CKWVectorT operator-(const CKWVectorT& v) const {
-        CKWVectorT r;
-        for (int i = 0; i < N; ++i) {
-            r.m_aTuple[i] = m_aTuple[i] - v.m_aTuple[i];
-        }
+        CKWVectorT r(*this);
+        r -= v;
         return r;
     }
     CKWVectorT operator-() const {
         CKWVectorT r;
-        for (int i = 0; i < N; ++i) {
-            r.m_aTuple[i] = -m_aTuple[i];
-        }
+        kwTupleArithmetic::Negate<N>(r.m_aTuple, this->m_aTuple);
         return r;
     }
     CKWVectorT operator*(Real s) const {
@@ -99,45 +68,28 @@ public:
     friend CKWVectorT operator*(Real s, const CKWVectorT& v) { return v * s; }
 
     CKWVectorT& operator+=(const CKWVectorT& v) {
-        for (int i = 0; i < N; ++i) {
-            m_aTuple[i] += v.m_aTuple[i];
-        }
+        kwTupleArithmetic::Add<N>(this->m_aTuple, v.m_aTuple);
         return *this;
     }
     CKWVectorT& operator-=(const CKWVectorT& v) {
-        for (int i = 0; i < N; ++i) {
-            m_aTuple[i] -= v.m_aTuple[i];
-        }
+        kwTupleArithmetic::Subtract<N>(this->m_aTuple, v.m_aTuple);
         return *this;
     }
     CKWVectorT& operator*=(Real s) {
-        for (int i = 0; i < N; ++i) {
-            m_aTuple[i] *= s;
-        }
+        kwTupleArithmetic::Scale<N>(this->m_aTuple, s);
         return *this;
     }
     CKWVectorT& operator/=(Real s) {
-        if (s == Real(0)) {
-            for (int i = 0; i < N; ++i) {
-                m_aTuple[i] = Math::MAX_REAL;
-            }
-            return *this;
-        }
-        return *this *= Real(1) / s;
+        kwTupleArithmetic::Divide<N, Real, Other>(this->m_aTuple, s);
+        return *this;
     }
 
-    Real SquaredLength() const {
-        Real sum = 0;
-        for (int i = 0; i < N; ++i) {
-            sum += m_aTuple[i] * m_aTuple[i];
-        }
-        return sum;
-    }
+    Real SquaredLength() const { return Dot(*this); }
     Real Length() const { return std::sqrt(SquaredLength()); }
     Real Dot(const CKWVectorT& v) const {
         Real sum = 0;
         for (int i = 0; i < N; ++i) {
-            sum += m_aTuple[i] * v.m_aTuple[i];
+            sum += this->m_aTuple[i] * v.m_aTuple[i];
         }
         return sum;
     }
@@ -149,8 +101,8 @@ public:
             *this *= Real(1) / length;
             return length;
         }
-        for (int i = 0; i < N; ++i) {
-            m_aTuple[i] = 0;
+        for (Real& component : this->m_aTuple) {
+            component = Real(0);
         }
         return 0;
     }
@@ -160,27 +112,23 @@ public:
         return r;
     }
 
-    static CKWVectorT ZERO() { return CKWVectorT(); }
-    // Component i set to 1, the others 0; an index outside [0, N) gives zero.
-    static CKWVectorT UNIT(int i) {
-        CKWVectorT r;
-        if (i >= 0 && i < N) {
-            r.m_aTuple[i] = 1;
-        }
-        return r;
-    }
-
     virtual CKWVectorT Cross(const CKWVectorT& v) const;
     virtual CKWVectorT UnitCross(const CKWVectorT& v) const;
-
-protected:
-    // Byte-wise comparison of the components in memory order.
-    int CompareArrays(const CKWVectorT& v) const {
-        return std::memcmp(m_aTuple, v.m_aTuple, N * sizeof(Real));
-    }
-
-    Real m_aTuple[N];
 };
+
+// The arithmetic of a named vector class (CKWVector2T, 3T and 4T) through the
+// generic CKWVectorT, returning the named class so that results keep its
+// members (X(), Cross, ...).
+// clang-format off
+#define KW_DECLARE_VECTOR_ARITHMETIC(Class)                              \
+    Class operator+(const Base& v) const { return Base::operator+(v); } \
+    Class operator-(const Base& v) const { return Base::operator-(v); } \
+    Class operator-() const { return Base::operator-(); }               \
+    Class operator*(Real s) const { return Base::operator*(s); }        \
+    Class operator/(Real s) const { return Base::operator/(s); }        \
+    friend Class operator*(Real s, const Class& v) { return v * s; }    \
+    Class GetNormalized() const { return Base::GetNormalized(); }
+// clang-format on
 
 #if !defined(_WIN32)
 extern template class CKWVectorT<2, float, double>;
