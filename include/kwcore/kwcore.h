@@ -107,6 +107,8 @@
 #include "kwcore/geometry/linear/CKWMatrix3T.h"
 #include "kwcore/geometry/linear/CKWMatrix4T.h"
 #include "kwcore/geometry/linear/CKWMatrixT.h"
+#include "kwcore/geometry/linear/CKWNamedTupleT.h"
+#include "kwcore/geometry/linear/CKWNamedVectorT.h"
 #include "kwcore/geometry/linear/CKWPoint2T.h"
 #include "kwcore/geometry/linear/CKWPoint3T.h"
 #include "kwcore/geometry/linear/CKWPoint4T.h"

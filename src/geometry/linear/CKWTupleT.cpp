@@ -2,6 +2,8 @@
 // two, three and four dimensions, instantiated once for every host.
 #include "kwcore/geometry/linear/CKWTupleT.h"
 
+#include "KWTupleText.h"
+
 template <int N, class Real, class Other>
 void CKWTupleT<N, Real, Other>::MakeUnit(int i) {
     *this = CKWTupleT();
@@ -18,6 +20,16 @@ bool CKWTupleT<N, Real, Other>::ApproxEqualTuple(const CKWTupleT& t, int digits)
         }
     }
     return true;
+}
+
+template <int N, class Real, class Other>
+CString CKWTupleT<N, Real, Other>::FormatTuple() const {
+    return kwTupleText::Format(m_aTuple, N);
+}
+
+template <int N, class Real, class Other>
+int CKWTupleT<N, Real, Other>::ParseTuple(const CString& text) {
+    return kwTupleText::Parse(text, m_aTuple, N);
 }
 
 template class CKWTupleT<2, float, double>;

@@ -1,7 +1,6 @@
 // The vectors' out-of-line template code and the exported vector
 // instantiations (exported through their declarations in the headers).
 
-#include "KWTupleText.h"
 #include "kwcore/geometry/linear/CKWPointT.h"
 #include "kwcore/geometry/linear/CKWVector2T.h"
 #include "kwcore/geometry/linear/CKWVector3T.h"
@@ -18,8 +17,6 @@ CKWVectorT<N, Real, Other> CKWVectorT<N, Real, Other>::UnitCross(const CKWVector
     return CKWVectorT();
 }
 
-template <class Real, class Other>
-const CKWVector2T<Real, Other> CKWVector2T<Real, Other>::ZERO(Real(0), Real(0));
 template <class Real, class Other>
 const CKWVector2T<Real, Other> CKWVector2T<Real, Other>::UNIT_X(Real(1), Real(0));
 template <class Real, class Other>
@@ -45,8 +42,8 @@ template <class Real, class Other>
 void CKWVector2T<Real, Other>::ComputeExtremes(int count, const CKWVector2T* points,
                                                CKWVector2T& min, CKWVector2T& max) {
     if (!points || count < 1) {
-        min = ZERO;
-        max = ZERO;
+        min = CKWVector2T::ZERO;
+        max = CKWVector2T::ZERO;
         return;
     }
     min = points[0];
@@ -62,8 +59,6 @@ void CKWVector2T<Real, Other>::ComputeExtremes(int count, const CKWVector2T* poi
     }
 }
 
-template <class Real, class Other>
-const CKWVector3T<Real, Other> CKWVector3T<Real, Other>::ZERO(Real(0), Real(0), Real(0));
 template <class Real, class Other>
 const CKWVector3T<Real, Other> CKWVector3T<Real, Other>::UNIT_X(Real(1), Real(0), Real(0));
 template <class Real, class Other>
@@ -106,18 +101,6 @@ void CKWVector3T<Real, Other>::GenerateOrthonormalBasis(CKWVector3T& u, CKWVecto
     v = w.Cross(u);
 }
 
-template <class Real, class Other>
-CString CKWVector3T<Real, Other>::ToString() const {
-    return kwTupleText::Format(this->m_aTuple, 3);
-}
-
-template <class Real, class Other>
-int CKWVector3T<Real, Other>::FromString(const CString& text) {
-    return kwTupleText::Parse(text, this->m_aTuple, 3);
-}
-
-template <class Real, class Other>
-const CKWVector4T<Real, Other> CKWVector4T<Real, Other>::ZERO(Real(0), Real(0), Real(0), Real(0));
 template <class Real, class Other>
 const CKWVector4T<Real, Other> CKWVector4T<Real, Other>::UNIT_X(Real(1), Real(0), Real(0), Real(0));
 template <class Real, class Other>

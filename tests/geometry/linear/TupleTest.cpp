@@ -2,6 +2,7 @@
 // that access, comparison and conversion behave alike on both.
 #include <gtest/gtest.h>
 
+#include <string>
 #include <type_traits>
 #include <utility>
 
@@ -50,6 +51,44 @@ static_assert(
     HasTheKnownLayout<3, double, float, CKWPoint3T<double, float>, CKWVector3T<double, float>>());
 static_assert(
     HasTheKnownLayout<4, double, float, CKWPoint4T<double, float>, CKWVector4T<double, float>>());
+
+// The named classes add names, not data, and convert as they always did:
+// from the generic form implicitly, between points and vectors not at all.
+template <class Named, class Generic>
+constexpr bool NamesWithoutData() {
+    static_assert(sizeof(Named) == sizeof(Generic), "no data of its own");
+    static_assert(std::is_standard_layout_v<Named> == std::is_standard_layout_v<Generic>);
+    static_assert(std::is_trivially_copyable_v<Named> == std::is_trivially_copyable_v<Generic>);
+    static_assert(std::is_convertible_v<Generic, Named>, "the generic form converts implicitly");
+    static_assert(!std::is_aggregate_v<Named>, "built only through its constructors");
+    return true;
+}
+
+static_assert(NamesWithoutData<CKWPoint2T<float, double>, CKWPointT<2, float, double>>());
+static_assert(NamesWithoutData<CKWPoint3T<double, float>, CKWPointT<3, double, float>>());
+static_assert(NamesWithoutData<CKWPoint4T<float, double>, CKWPointT<4, float, double>>());
+static_assert(NamesWithoutData<CKWVector2T<double, float>, CKWVectorT<2, double, float>>());
+static_assert(NamesWithoutData<CKWVector3T<float, double>, CKWVectorT<3, float, double>>());
+static_assert(NamesWithoutData<CKWVector4T<double, float>, CKWVectorT<4, double, float>>());
+static_assert(!std::is_convertible_v<CKWPoint3T<float, double>, CKWVector3T<float, double>>);
+static_assert(!std::is_constructible_v<CKWVector3T<float, double>, CKWPoint3T<float, double>>);
+
+// Points and CKWVector3T take whole numbers, Real values and Other values, and
+// values of mixed precision fit neither list better; CKWVector2T and
+// CKWVector4T take Real values only, so mixed precisions convert.
+using P3f = CKWPoint3T<float, double>;
+using V2f = CKWVector2T<float, double>;
+using V3f = CKWVector3T<float, double>;
+using V4f = CKWVector4T<float, double>;
+static_assert(std::is_constructible_v<P3f, int, int, int> &&
+              std::is_constructible_v<P3f, long, long, long>);
+static_assert(std::is_constructible_v<V3f, float, float, float> &&
+              std::is_constructible_v<V3f, double, double, double>);
+static_assert(!std::is_constructible_v<P3f, double, float, double>);
+static_assert(!std::is_constructible_v<V3f, int, long, int>);
+static_assert(std::is_constructible_v<V2f, double, float> &&
+              std::is_constructible_v<V4f, double, float, int, long>);
+static_assert(!std::is_constructible_v<V2f, int, int, int>, "two components, no more");
 
 template <class Pair>
 class TuplePairs : public ::testing::Test {};
@@ -137,6 +176,58 @@ TYPED_TEST(TuplePairs, UnitAndApproxEqualAgreeForPointsAndVectors) {
     EXPECT_TRUE(u.Approx_Equal(v, 1));
     EXPECT_FALSE(u.Approx_Equal(w, 1));
     EXPECT_TRUE(u.Approx_Equal(w, 0));
+}
+
+TYPED_TEST(TuplePairs, NamedComponentsAreTheComponentsInOrder) {
+    using Real = typename TypeParam::first_type;
+    using Other = typename TypeParam::second_type;
+    CKWPoint4T<Real, Other> p(1, 2, 3, 4);
+    CKWVector4T<Real, Other> v(1, 2, 3, 4);
+    const auto& cp = p;
+    const auto& cv = v;
+    const Real x[] = {cp.X(), cp.Y(), cp.Z(), cp.W(), cv.X(), cv.Y(), cv.Z(), cv.W()};
+    for (int i = 0; i < 8; ++i) {
+        EXPECT_EQ(x[i], Real(i % 4 + 1)) << i;
+    }
+    p.SetX(5);
+    v.SetY(6);
+    p.SetZ(7);
+    v.SetW(8);
+    p.W() = 9;
+    v.Z() = 10;
+    EXPECT_EQ(p, (CKWPoint4T<Real, Other>(5, 2, 7, 9)));
+    EXPECT_EQ(v, (CKWVector4T<Real, Other>(1, 6, 10, 8)));
+}
+
+TYPED_TEST(TuplePairs, PointsAndVectorsTakeValuesAndTextAlike) {
+    using Real = typename TypeParam::first_type;
+    using Other = typename TypeParam::second_type;
+    using Vector = CKWVectorT<3, Real, Other>;
+    const Other third = Other(1) / Other(3);
+    CKWPoint3T<Real, Other> p(third, Other(-2), Other(0.1));
+    CKWVector3T<Real, Other> v;
+    v.Set(third, Other(-2), Other(0.1));
+    EXPECT_EQ(p[0], static_cast<Real>(third));
+    EXPECT_EQ(p[2], static_cast<Real>(Other(0.1)));
+    EXPECT_EQ(Vector(p), v);
+    EXPECT_EQ(std::string(p.ToString()), std::string(v.ToString()));
+    EXPECT_EQ(p.FromString("7, 8"), 2);
+    EXPECT_EQ(v.FromString("7, 8"), 2);
+    EXPECT_EQ(Vector(p), v);
+    EXPECT_EQ(p[2], static_cast<Real>(Other(0.1)));
+}
+
+TYPED_TEST(TuplePairs, NamedZeroIsTheGenericZero) {
+    using Real = typename TypeParam::first_type;
+    using Other = typename TypeParam::second_type;
+    using Point2 = CKWPointT<2, Real, Other>;
+    using Point3 = CKWPointT<3, Real, Other>;
+    using Vector2 = CKWVectorT<2, Real, Other>;
+    using Vector4 = CKWVectorT<4, Real, Other>;
+    EXPECT_EQ((CKWPoint2T<Real, Other>::ZERO), Point2::ZERO());
+    EXPECT_EQ((CKWPoint3T<Real, Other>::ZERO), Point3::ZERO());
+    EXPECT_EQ((CKWVector2T<Real, Other>::ZERO), Vector2::ZERO());
+    EXPECT_EQ((CKWVector4T<Real, Other>::ZERO), Vector4::ZERO());
 }
 
 }  // namespace

@@ -6,8 +6,10 @@
 // them. Each declares the common members with KW_DECLARE_TUPLE_MEMBERS, so
 // that every class exports them under its own name: GetN, GetTuple, the
 // conversions to a component pointer, operator[], the byte-order comparisons,
-// Approx_Equal, ZERO() and UNIT(i). Matrices and quaternions use the same
-// comparisons (KW_DECLARE_BYTE_COMPARISONS) and arithmetic (kwTupleArithmetic).
+// Approx_Equal, ZERO() and UNIT(i). The named points and vectors
+// (CKWNamedTupleT) show their text form through FormatTuple and ParseTuple.
+// Matrices and quaternions use the same comparisons
+// (KW_DECLARE_BYTE_COMPARISONS) and arithmetic (kwTupleArithmetic).
 //
 // Equality and ordering compare the component bytes in memory order (0 and -0
 // differ; a NaN equals itself when its bits match): a total order for sorted
@@ -23,6 +25,7 @@
 #include <cstring>
 
 #include "kwcore/geometry/linear/CKWMathT.h"
+#include "kwcore/platform/CString.h"
 #include "kwcore/platform/Export.h"
 
 // Component-wise arithmetic on arrays of Count entries.
@@ -81,6 +84,10 @@ protected:
     void MakeUnit(int i);
     int CompareTuple(const CKWTupleT& t) const;
     bool ApproxEqualTuple(const CKWTupleT& t, int digits) const;
+    // The text form of the named classes: "%f" for each component, joined by
+    // ","; ParseTuple returns the number of components it assigned.
+    CString FormatTuple() const;
+    int ParseTuple(const CString& text);
 
     Real m_aTuple[N];
 };

@@ -116,20 +116,6 @@ public:
     virtual CKWVectorT UnitCross(const CKWVectorT& v) const;
 };
 
-// The arithmetic of a named vector class (CKWVector2T, 3T and 4T) through the
-// generic CKWVectorT, returning the named class so that results keep its
-// members (X(), Cross, ...).
-// clang-format off
-#define KW_DECLARE_VECTOR_ARITHMETIC(Class)                              \
-    Class operator+(const Base& v) const { return Base::operator+(v); } \
-    Class operator-(const Base& v) const { return Base::operator-(v); } \
-    Class operator-() const { return Base::operator-(); }               \
-    Class operator*(Real s) const { return Base::operator*(s); }        \
-    Class operator/(Real s) const { return Base::operator/(s); }        \
-    friend Class operator*(Real s, const Class& v) { return v * s; }    \
-    Class GetNormalized() const { return Base::GetNormalized(); }
-// clang-format on
-
 #if !defined(_WIN32)
 extern template class CKWVectorT<2, float, double>;
 extern template class CKWVectorT<3, float, double>;
