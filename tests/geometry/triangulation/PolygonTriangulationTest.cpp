@@ -102,10 +102,7 @@ TEST(PolygonTriangulation, RefusesAContourThatRepeatsAPoint) {
 
 TEST(PolygonTriangulation, CollinearRunsAndHorizontalEdges) {
     const Contour runs = {0, 0, 1, 0, 2, 0, 3, 0, 3, 1, 3, 2, 2, 2, 2, 1, 1, 1, 1, 2, 0, 2, 0, 1};
-    Polygon polygon;
-    ASSERT_TRUE(Build(polygon, {runs}));
-    Triangulate(polygon);
-    ExpectTiles(polygon, {runs}, true);
+    kwtest::ExpectTriangulationTiles({runs}, true);
 }
 
 TEST(PolygonTriangulation, TilesGeneratedPolygons) {
