@@ -1,12 +1,7 @@
 // Nodes and edges: connecting, disconnecting, neighbours, marks and release.
 #include <gtest/gtest.h>
 
-#include <string>
-
 #include "GraphTestTypes.h"
-#include "LibraryTypes.h"
-#include "kwcore/serial/IKWField.h"
-#include "kwcore/serial/IKWFieldData.h"
 
 namespace {
 
@@ -144,26 +139,6 @@ TEST_F(Graph, AnyReleaseOrderLeavesNothingBehind) {
     }
     EXPECT_EQ(CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount(), 0);
     EXPECT_EQ(CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount(), 3);  // the fixture's
-}
-
-TEST_F(Graph, NodeAndEdgeTypesCarryTheirFields) {
-    auto* nodeType = CKWGraphNode::GetCKWGraphNodeType();
-    IKWField* edges = nodeType->GetField(CKWGuid("{BC46ABAF-175D-4139-9B08-1B063477ADDE}"));
-    ASSERT_NE(edges, nullptr);
-    EXPECT_EQ(std::string(edges->GetName()), "m_EdgeList");
-    EXPECT_EQ(edges->GetDataTypeID(), CKWGuid("{95C92BDC-00F3-4E4E-8BE8-7AAFAA2DC3EB}"));
-    auto* edgeType = CKWGraphEdge::GetCKWGraphEdgeType();
-    IKWField* secondary = edgeType->GetField(CKWGuid("{6DAE28D0-BFB9-4421-B142-F5671EF3A55A}"));
-    ASSERT_NE(secondary, nullptr);
-    EXPECT_EQ(std::string(secondary->GetDescription()), "m_pSecondaryNode");
-    EXPECT_EQ(secondary->GetDataTypeID(), CKWGuid("{A629E578-AB5F-4698-818A-C26C47FF59E6}"));
-    ASSERT_NO_FATAL_FAILURE(ExpectLibraryTypes(
-        {{"{48F087FA-103C-4BB3-8197-06B52EEA4757}", "CKWGraphEdge", kSerialObjectTypeID, 0}}));
-    // An unset link shows as "Not Set".
-    CKWGraphEdge* edge = NewEdge();
-    IKWFieldData* primary = edge->GetFieldData(CKWGuid("{1212F592-7438-407d-8ACB-7A5E5B7AC239}"));
-    ASSERT_NE(primary, nullptr);
-    EXPECT_EQ(std::string(primary->GetStringValue()), "Not Set");
 }
 
 }  // namespace
