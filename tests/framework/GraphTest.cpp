@@ -1,6 +1,8 @@
 // Nodes and edges: connecting, disconnecting, neighbours, marks and release.
 #include <gtest/gtest.h>
 
+#include <vector>
+
 #include "GraphTestTypes.h"
 
 namespace {
@@ -31,16 +33,15 @@ TEST_F(Graph, ConnectAddsTheEdgeToBothNodesInAttachOrder) {
     CKWGraphEdge* ca = Join(m_c, m_a);
     ASSERT_TRUE(ab && ca);
     EXPECT_TRUE(ab->IsConnected());
-    EXPECT_EQ(m_a->GetEdge(0), ab);
-    EXPECT_EQ(m_a->GetEdge(1), ca);
-    EXPECT_EQ(m_a->GetEdge(2), nullptr);
-    EXPECT_EQ(m_a->GetEdge(-1), nullptr);
-    EXPECT_EQ(m_a->GetNeighbor(0), m_b);
-    EXPECT_EQ(m_a->GetNeighbor(1), m_c);
-    EXPECT_EQ(m_a->GetNeighbor(2), nullptr);
-    EXPECT_EQ(m_b->GetEdgeToNeighbor(m_a), ab);
-    EXPECT_EQ(m_b->GetEdgeToNeighbor(m_c), nullptr);
-    EXPECT_EQ(m_b->GetEdgeToNeighbor(nullptr), nullptr);
+    using Edges = std::vector<CKWGraphEdge*>;
+    EXPECT_EQ((Edges{m_a->GetEdge(-1), m_a->GetEdge(0), m_a->GetEdge(1), m_a->GetEdge(2)}),
+              (Edges{nullptr, ab, ca, nullptr}));
+    EXPECT_EQ(
+        (std::vector<CKWGraphNode*>{m_a->GetNeighbor(0), m_a->GetNeighbor(1), m_a->GetNeighbor(2)}),
+        (std::vector<CKWGraphNode*>{m_b, m_c, nullptr}));
+    EXPECT_EQ((Edges{m_b->GetEdgeToNeighbor(m_a), m_b->GetEdgeToNeighbor(m_c),
+                     m_b->GetEdgeToNeighbor(nullptr)}),
+              (Edges{ab, nullptr, nullptr}));
     EXPECT_EQ(m_a->GetEdgeCollection()->GetCount(), 2);
     EXPECT_EQ(m_a->GetEdgeCollection()->Find(ca->GetInstanceID()), ca);
     EXPECT_TRUE(ab->HasNode(m_a) && ab->HasNode(m_b));

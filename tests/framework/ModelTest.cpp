@@ -102,9 +102,9 @@ protected:
 };
 
 TEST_F(ModelTest, ViewsReceiveEveryObservationAndAreFoundAndRemovedByID) {
-    EXPECT_EQ(m_pModel->AddView(m_pView), 1);
-    EXPECT_EQ(m_pModel->AddView(m_pView), 0);
-    EXPECT_EQ(m_pModel->AddView(nullptr), 0);
+    EXPECT_EQ((std::vector<int>{m_pModel->AddView(m_pView), m_pModel->AddView(m_pView),
+                                m_pModel->AddView(nullptr)}),
+              (std::vector<int>{1, 0, 0}));
     auto* derived = KWTestCreate<CObservationC>(CObservationC::GetCObservationCType());
     auto* plain = KWTestCreate<CKWObservation>(CKWObservation::GetCKWObservationType());
     m_pModel->NotifyObservers(derived);
@@ -113,9 +113,10 @@ TEST_F(ModelTest, ViewsReceiveEveryObservationAndAreFoundAndRemovedByID) {
 
     // GetView finds views only; RemoveView takes them out.
     m_pModel->AddObserver(m_pObserver, kBase);
-    EXPECT_EQ(m_pModel->GetView(m_pView->GetInstanceID()), m_pView);
-    EXPECT_EQ(m_pModel->GetView(m_pObserver->GetInstanceID()), nullptr);
-    EXPECT_EQ(m_pModel->GetView(CKWGuid::CreateNewGUID()), nullptr);
+    EXPECT_EQ((std::vector<CKWView*>{m_pModel->GetView(m_pView->GetInstanceID()),
+                                     m_pModel->GetView(m_pObserver->GetInstanceID()),
+                                     m_pModel->GetView(CKWGuid::CreateNewGUID())}),
+              (std::vector<CKWView*>{m_pView, nullptr, nullptr}));
 
     EXPECT_EQ(m_pModel->RemoveView(CKWGuid::CreateNewGUID()), 1);
     EXPECT_EQ(m_pModel->RemoveView(m_pView->GetInstanceID()), 1);
