@@ -54,13 +54,13 @@ struct VectorLayout {
     Real tuple[N];
 };
 
-// Runs check on a point and on a vector of the kind, each with components
-// lists[k] for every k.
+// Runs check(a, b, row) on points, then on vectors, of the components
+// lists[2 * row] and lists[2 * row + 1], for every row.
 template <class Kind, class Check, std::size_t Rows>
-void ForPointsAndVectors(const typename Kind::Real (&lists)[Rows][Kind::N], Check check) {
-    for (std::size_t k = 0; k < Rows; ++k) {
-        check(typename Kind::Point(lists[k]), k);
-        check(typename Kind::Vector(lists[k]), k);
+void ForPairsOfPointsAndVectors(const typename Kind::Real (&lists)[Rows][Kind::N], Check check) {
+    for (std::size_t k = 0; k + 1 < Rows; k += 2) {
+        check(typename Kind::Point(lists[k]), typename Kind::Point(lists[k + 1]), k / 2);
+        check(typename Kind::Vector(lists[k]), typename Kind::Vector(lists[k + 1]), k / 2);
     }
 }
 
@@ -102,11 +102,11 @@ TYPED_TEST(Tuples, ComponentsSitWhereTheyAlwaysDid) {
 TYPED_TEST(Tuples, ComeFromAnArrayOrNullAndUnitsSetOneComponent) {
     using Real = typename TypeParam::Real;
     constexpr int N = TypeParam::N;
-    const Real lists[][N] = {{Real(1.5), Real(-2)}};
-    ForPointsAndVectors<TypeParam>(lists, [&](auto t, std::size_t) {
+    const Real list[N] = {Real(1.5), Real(-2)};
+    const auto check = [&](auto t) {
         using T = decltype(t);
         for (int i = 0; i < N; ++i) {
-            EXPECT_EQ(t[i], lists[0][i]) << i;
+            EXPECT_EQ(t[i], list[i]) << i;
         }
         EXPECT_EQ(T(nullptr), T::ZERO());
         EXPECT_EQ(T(nullptr), T());
@@ -115,11 +115,13 @@ TYPED_TEST(Tuples, ComeFromAnArrayOrNullAndUnitsSetOneComponent) {
                 EXPECT_EQ(T::UNIT(i)[c], i == c ? Real(1) : Real(0)) << i;
             }
         }
-    });
+    };
+    check(typename TypeParam::Point(list));
+    check(typename TypeParam::Vector(list));
 }
 
-// Pairs of component lists (k, k + 1) with the sign of their comparison: equal,
-// -0 against 0, 1 against 2 (greater in memory order: the high bytes of 1 hold
+// Pairs of component lists with the sign of their comparison: equal, -0
+// against 0, 1 against 2 (greater in memory order: the high bytes of 1 hold
 // more bits than those of 2), and a NaN against itself.
 TYPED_TEST(Tuples, CompareComponentBytesInMemoryOrder) {
     using Real = typename TypeParam::Real;
@@ -127,30 +129,26 @@ TYPED_TEST(Tuples, CompareComponentBytesInMemoryOrder) {
     const Real nan = std::nan("");
     const Real lists[][N] = {{1, 2}, {1, 2}, {0, -0.0}, {0, 0}, {1, 0}, {2, 0}, {nan, 1}, {nan, 1}};
     const int signs[] = {0, 1, 1, 0};
-    ForPointsAndVectors<TypeParam>(lists, [&](auto a, std::size_t k) {
-        if (k % 2) {
-            return;
-        }
-        const decltype(a) b(lists[k + 1]);
-        const int sign = signs[k / 2];
-        EXPECT_EQ(a == b, sign == 0) << k;
-        EXPECT_EQ(a != b, sign != 0) << k;
-        EXPECT_EQ(a < b, sign < 0) << k;
-        EXPECT_EQ(a <= b, sign <= 0) << k;
-        EXPECT_EQ(a > b, sign > 0) << k;
-        EXPECT_EQ(a >= b, sign >= 0) << k;
-        EXPECT_EQ(b<a, sign> 0) << k;
+    ForPairsOfPointsAndVectors<TypeParam>(lists, [&](auto a, auto b, std::size_t row) {
+        const int sign = signs[row];
+        EXPECT_EQ(a == b, sign == 0) << row;
+        EXPECT_EQ(a != b, sign != 0) << row;
+        EXPECT_EQ(a < b, sign < 0) << row;
+        EXPECT_EQ(a <= b, sign <= 0) << row;
+        EXPECT_EQ(a > b, sign > 0) << row;
+        EXPECT_EQ(a >= b, sign >= 0) << row;
+        EXPECT_EQ((b < a), sign > 0) << row;
         // A total order: usable as a map key.
         std::map<decltype(a), int> keyed;
         keyed[a] = 1;
         keyed[b] = 2;
         keyed[a] = 3;
-        EXPECT_EQ(keyed.size(), sign ? 2u : 1u) << k;
-        EXPECT_EQ(keyed.begin()->second, sign > 0 ? 2 : 3) << k;
+        EXPECT_EQ(keyed.size(), sign ? 2u : 1u) << row;
+        EXPECT_EQ(keyed.begin()->second, sign > 0 ? 2 : 3) << row;
     });
 }
 
-// Equal after rounding each component to the given digits; the first
+// Equal after rounding each component to 1 digit, and to 0: the first
 // component decides, or the last.
 TYPED_TEST(Tuples, ApproxEqualRoundsEachComponent) {
     using Real = typename TypeParam::Real;
@@ -158,12 +156,9 @@ TYPED_TEST(Tuples, ApproxEqualRoundsEachComponent) {
     Real lists[][N] = {{1.06, 3}, {1.14, 3}, {1.04, 3}, {1.06, 3}, {1.06, 3}, {1.06, 3}};
     lists[5][N - 1] += Real(0.2);
     const bool equal[][2] = {{true, true}, {false, true}, {false, true}};  // 1 digit, 0 digits
-    ForPointsAndVectors<TypeParam>(lists, [&](auto a, std::size_t k) {
-        if (k % 2 == 0) {
-            const decltype(a) b(lists[k + 1]);
-            EXPECT_EQ(a.Approx_Equal(b, 1), equal[k / 2][0]) << k;
-            EXPECT_EQ(a.Approx_Equal(b, 0), equal[k / 2][1]) << k;
-        }
+    ForPairsOfPointsAndVectors<TypeParam>(lists, [&](auto a, auto b, std::size_t row) {
+        EXPECT_EQ(a.Approx_Equal(b, 1), equal[row][0]) << row;
+        EXPECT_EQ(a.Approx_Equal(b, 0), equal[row][1]) << row;
     });
 }
 
