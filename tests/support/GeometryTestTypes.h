@@ -39,29 +39,21 @@ struct GeometryPair {
 };
 
 // Failure messages show the entries, not the address of the conversion.
-template <class Real, int Count>
-void PrintEntries(const Real* entries, std::ostream* os) {
-    *os << "(";
-    for (int i = 0; i < Count; ++i) {
-        *os << (i ? ", " : "") << entries[i];
-    }
-    *os << ")";
-}
 template <class Real, class Other>
 void PrintTo(const CKWMatrix2T<Real, Other>& m, std::ostream* os) {
-    PrintEntries<Real, 4>(m, os);
+    PrintEntries("", static_cast<const Real*>(m), 4, os);
 }
 template <class Real, class Other>
 void PrintTo(const CKWMatrix3T<Real, Other>& m, std::ostream* os) {
-    PrintEntries<Real, 9>(m, os);
+    PrintEntries("", static_cast<const Real*>(m), 9, os);
 }
 template <class Real, class Other>
 void PrintTo(const CKWMatrix4T<Real, Other>& m, std::ostream* os) {
-    PrintEntries<Real, 16>(m, os);
+    PrintEntries("", static_cast<const Real*>(m), 16, os);
 }
 template <class Real, class Other>
 void PrintTo(const CKWQuaternionT<Real, Other>& q, std::ostream* os) {
-    PrintEntries<Real, 4>(q, os);
+    PrintEntries("", static_cast<const Real*>(q), 4, os);
 }
 
 typedef ::testing::Types<GeometryPair<float, double>, GeometryPair<double, float>> GeometryPairs;
