@@ -29,6 +29,9 @@ TEST(Point, AffineArithmetic) {
     EXPECT_EQ(P3f(p.AffineSum(0.5f, q)), P3f(2.5f, 4.0f, 3.0f));
     EXPECT_EQ(P3f(p.AffineSum(0.0f, q)), p);
     EXPECT_EQ(P3f(p.AffineSum(1.0f, q)), q);
+}
+
+TEST(Point, NamedClassesTakeEitherPrecisionAndSetOneComponent) {
     P2d r(1.5, -2.5);
     r.SetY(4.0);
     EXPECT_EQ(r, P2d(1.5, 4.0));
