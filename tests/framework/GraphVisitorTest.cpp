@@ -1,9 +1,11 @@
-// Visitors: sessions, the traversal lock, depth-first order, filters and release.
+// Visitors: sessions, the traversal lock, depth-first order, filters and release,
+// also of a chain of a million nodes on an ordinary stack.
 #include <gtest/gtest.h>
 
 #include <vector>
 
 #include "GraphTestTypes.h"
+#include "KWTestScale.h"
 
 namespace {
 
@@ -183,15 +185,29 @@ TEST_F(Visitors, TheReleaseVisitorReleasesWhatIsReachableAndNothingElse) {
     EXPECT_EQ(releaser->Start(nullptr), 0);
 }
 
-TEST_F(Visitors, VisitorTypesNameTheirParents) {
-    EXPECT_EQ(CKWDFSVisitor::GetCKWDFSVisitorType()->GetParentTypeID(),
-              CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType()->GetID());
-    EXPECT_EQ(CKWReleaseVisitor::GetCKWReleaseVisitorType()->GetParentTypeID(),
-              CKWDFSVisitor::GetCKWDFSVisitorType()->GetID());
-    EXPECT_EQ(CKWFilteredDFSVisitor::GetCKWFilteredDFSVisitorType()->GetID(),
-              CKWGuid("{BD386A1D-1C52-4A9C-A66F-B563BBCC61B1}"));
-    EXPECT_EQ(CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType()->GetParentTypeID(),
-              CKWGuid("{3719246B-C3B0-4AE9-9723-6E998C42484A}"));
+// Far deeper than recursion could go on an 8 MiB stack.
+constexpr int kChainLength = 1000000 / kKWTestScale;
+
+TEST(DeepGraph, AMillionNodeChainIsWalkedInOrderAndReleased) {
+    const std::vector<CKWGraphNode*> chain = NewChain(kChainLength);
+    ASSERT_EQ(chain.size(), static_cast<std::size_t>(kChainLength));
+    auto* recorder = KWTestCreate<CRecordingVisitor>(CRecordingVisitor::GetCRecordingVisitorType());
+    ASSERT_EQ(recorder->Start(chain[0]), 1);
+    EXPECT_EQ(recorder->m_calls, chain);
+    // From the middle: the half towards the front first (that edge came first).
+    recorder->m_calls.clear();
+    ASSERT_EQ(recorder->Start(chain[kChainLength / 2]), 1);
+    ASSERT_EQ(recorder->m_calls.size(), chain.size());
+    EXPECT_EQ(recorder->m_calls[1], chain[kChainLength / 2 - 1]);
+    EXPECT_EQ(recorder->m_calls[kChainLength / 2], chain[0]);
+    EXPECT_EQ(recorder->m_calls[kChainLength / 2 + 1], chain[kChainLength / 2 + 1]);
+
+    auto* releaser = KWTestCreate<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    ASSERT_EQ(releaser->Start(chain[0]), 1);
+    EXPECT_EQ(CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount(), 0);
+    EXPECT_EQ(CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount(), 0);
+    recorder->Release();
+    releaser->Release();
 }
 
 }  // namespace

@@ -167,17 +167,20 @@ TEST_F(ObservableTest, RemoveDuringDeliveryOnlyLeavesTheBaseTypeAfterwards) {
 
 TEST_F(ObservableTest, RegistrationResults) {
     CRecordingObserver* observer = Observer("o");
-    EXPECT_EQ(m_pSubject->AddObserver(nullptr, kBase), 0);
-    EXPECT_EQ(m_pSubject->AddObserver(observer, kBase), 0);
-    EXPECT_EQ(m_pSubject->AddObserver(observer, kA), 1);
+    // Braced lists evaluate left to right: each list is a sequence of calls.
+    EXPECT_EQ((std::vector<int>{m_pSubject->AddObserver(nullptr, kBase),
+                                m_pSubject->AddObserver(observer, kBase),
+                                m_pSubject->AddObserver(observer, kA)}),
+              (std::vector<int>{0, 0, 1}));
     EXPECT_EQ(m_pSubject->GetObserver(kBase, CKWGuid::CreateNewGUID()), nullptr);
     EXPECT_EQ(m_pSubject->GetObserver(kB, observer->GetInstanceID()), nullptr);
-    EXPECT_EQ(m_pSubject->RemoveObserver(observer, kB), 1);
-    EXPECT_EQ(m_pSubject->RemoveObserver(nullptr, kBase), 1);
-    EXPECT_EQ(m_pSubject->RemoveObserver(observer, kBase), 1);
-    EXPECT_EQ(m_pSubject->RemoveObserver(observer, kBase), 1);
-    EXPECT_EQ(m_pSubject->GetObserverCount(kBase), 0);
-    EXPECT_EQ(m_pSubject->GetObserverCount(kA), 1);
+    EXPECT_EQ(
+        (std::vector<int>{m_pSubject->RemoveObserver(observer, kB),
+                          m_pSubject->RemoveObserver(nullptr, kBase),
+                          m_pSubject->RemoveObserver(observer, kBase),
+                          m_pSubject->RemoveObserver(observer, kBase),
+                          m_pSubject->GetObserverCount(kBase), m_pSubject->GetObserverCount(kA)}),
+        (std::vector<int>{1, 1, 1, 1, 0, 1}));
 }
 
 TEST_F(ObservableTest, NullObservationEndsTheDeliveryAndLeavesTheRestQueued) {

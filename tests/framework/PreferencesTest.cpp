@@ -1,12 +1,10 @@
-// Preference sets and sections: fields, new values, lookup and ownership.
+// Preference sets and sections: new values, lookup and ownership.
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "KWTestObjects.h"
-#include "LibraryTypes.h"
 #include "kwcore/framework/CKWPreferences.h"
-#include "kwcore/serial/IKWField.h"
 #include "kwcore/serial/IKWFieldData.h"
 
 namespace {
@@ -41,12 +39,6 @@ TEST_F(Preferences, ANewSectionIsNamedAndDescribedAPreferenceSection) {
     ASSERT_TRUE(name && text);
     EXPECT_EQ(std::string(name->GetStringValue()), "A Preference Section");
     EXPECT_EQ(std::string(text->GetStringValue()), "A Preference Section");
-    EXPECT_EQ(std::string(name->GetField()->GetName()), "Name");
-    EXPECT_EQ(std::string(name->GetField()->GetDescription()),
-              "The name of this Preference Section");
-    EXPECT_EQ(std::string(text->GetField()->GetDescription()),
-              "The description of this Preference Section");
-    EXPECT_EQ(name->GetField()->GetDataTypeID(), CKWGuid("{9FD8ACE1-6007-4A97-BB0A-01A0E7999305}"));
     ASSERT_EQ(name->SetValueFromString("Units"), 1);
     EXPECT_EQ(std::string(fresh->m_Name), "Units");
     fresh->Release();
@@ -75,18 +67,6 @@ TEST_F(Preferences, TheSetFindsAddsRemovesAndReleasesSections) {
     ASSERT_NE(m_set->AddNewSection("b"), nullptr);
     ASSERT_EQ(m_set->Release(), 1);
     EXPECT_EQ(LiveSections(), 0);
-}
-
-TEST_F(Preferences, TheSectionMapIsAFieldOfLinks) {
-    auto* type = CKWPreferences::GetCKWPreferencesType();
-    IKWField* map = type->GetField(CKWGuid("{63E0D0E3-3024-4831-9C71-FDACA82F6FA4}"));
-    ASSERT_NE(map, nullptr);
-    EXPECT_EQ(std::string(map->GetName()), "m_PreferenceSectionMap");
-    EXPECT_EQ(map->GetDataTypeID(), CKWGuid("{95C92BDC-00F3-4E4E-8BE8-7AAFAA2DC3EB}"));
-    ASSERT_NO_FATAL_FAILURE(ExpectLibraryTypes(
-        {{"{AC17C815-DA6A-4DFE-A383-99CFA70517B3}", "CKWPreferences", kSerialObjectTypeID, 0}}));
-    EXPECT_EQ(CKWPreferenceSection::GetCKWPreferenceSectionType()->GetID(),
-              CKWGuid("{7AB10E7B-907C-4EA3-88F8-8415EA83CBA4}"));
 }
 
 }  // namespace

@@ -11,6 +11,10 @@
 
 namespace {
 
+// Braced lists evaluate left to right: a list of calls is a sequence of them.
+using Results = std::vector<int>;
+using Widgets = std::vector<CTestWidget*>;
+
 class Collections : public ::testing::Test {
 protected:
     void SetUp() override { CTestWidget::s_releasedIDs.clear(); }
@@ -39,18 +43,14 @@ TEST_F(Collections, ListHoldsEachObjectOnceInInsertionOrder) {
     CKWObjPtrList<CTestWidget> list;
     CTestWidget* a = Make();
     CTestWidget* b = Make();
-    EXPECT_EQ(list.Add(a), 1);
-    EXPECT_EQ(list.Add(a), 0);
-    EXPECT_EQ(list.Add(nullptr), 0);
-    EXPECT_EQ(list.Add(b), 1);
+    EXPECT_EQ((Results{list.Add(a), list.Add(a), list.Add(nullptr), list.Add(b)}),
+              (Results{1, 0, 0, 1}));
     EXPECT_EQ(list.GetCount(), 2);
-    EXPECT_EQ(ElementsOf(list.GetIterator()), (std::vector<CTestWidget*>{a, b}));
-    EXPECT_EQ(ElementsOf(list.GetReverseIterator()), (std::vector<CTestWidget*>{b, a}));
+    EXPECT_EQ(ElementsOf(list.GetIterator()), (Widgets{a, b}));
+    EXPECT_EQ(ElementsOf(list.GetReverseIterator()), (Widgets{b, a}));
     EXPECT_EQ(list.Find(b->GetInstanceID()), static_cast<void*>(b));
     EXPECT_EQ(list.Find(CKWGuid::CreateNewGUID()), nullptr);
-    EXPECT_EQ(list.Remove(a), 1);
-    EXPECT_EQ(list.Remove(a), 0);
-    EXPECT_EQ(list.Remove(nullptr), 0);
+    EXPECT_EQ((Results{list.Remove(a), list.Remove(a), list.Remove(nullptr)}), (Results{1, 0, 0}));
     EXPECT_FALSE(list.Contains(a));
 }
 
@@ -92,9 +92,8 @@ TEST_F(Collections, ListsAppendedWithoutLookupFindEveryElementAndMoveWhole) {
             ASSERT_TRUE(list.Contains(all[20]));
         }
     }
-    EXPECT_EQ(list.Add(all[99]), 0);
-    EXPECT_EQ(list.Remove(all[70]), 1);
-    EXPECT_EQ(list.Remove(all[70]), 0);
+    EXPECT_EQ((Results{list.Add(all[99]), list.Remove(all[70]), list.Remove(all[70])}),
+              (Results{0, 1, 0}));
     all.erase(all.begin() + 70);
     EXPECT_EQ(ElementsOf(list.GetIterator()), all);
 
@@ -112,31 +111,25 @@ TEST_F(Collections, ListsAppendedWithoutLookupFindEveryElementAndMoveWhole) {
     EXPECT_EQ(list.Add(all[98]), 1);
     assigned.RemoveAll(false);
     assigned.AddNew(all[1]);
-    EXPECT_EQ(ElementsOf(assigned.GetIterator()), (std::vector<CTestWidget*>{all[1]}));
+    EXPECT_EQ(ElementsOf(assigned.GetIterator()), (Widgets{all[1]}));
 }
 
 TEST_F(Collections, ReleaseAllGoesFrontToBackInListsAndByAscendingIDInMaps) {
-    CKWObjPtrList<CTestWidget> list;
-    CKWObjGuidPtrMap<CTestWidget> map;
-    CTestWidget* late = Make("{9F000000-0000-4000-8000-000000000000}");
-    CTestWidget* early = Make("{10000000-0000-4000-8000-000000000000}");
-    const std::vector<CKWGuid> ids{late->GetInstanceID(), early->GetInstanceID()};
-    list.Add(late);
-    list.Add(early);
-    list.RemoveAll(true);
-    EXPECT_EQ(CTestWidget::s_releasedIDs, ids);
-    EXPECT_EQ(list.GetCount(), 0);
-    EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(ids[0]), nullptr);
-
-    CTestWidget::s_releasedIDs.clear();
-    late = Make("{9F000000-0000-4000-8000-000000000000}");
-    early = Make("{10000000-0000-4000-8000-000000000000}");
-    map.Add(late);
-    map.Add(early);
-    map.RemoveAll(true);
-    EXPECT_EQ(CTestWidget::s_releasedIDs, (std::vector<CKWGuid>{ids[1], ids[0]}));
-    EXPECT_EQ(map.GetCount(), 0);
-    m_widgets.clear();
+    // Added late ID first: the list releases in that order, the map reversed.
+    const CKWGuid late("{9F000000-0000-4000-8000-000000000000}");
+    const CKWGuid early("{10000000-0000-4000-8000-000000000000}");
+    const auto releaseAll = [&](auto collection) {
+        CTestWidget::s_releasedIDs.clear();
+        collection.Add(Make(late.GetCString()));
+        collection.Add(Make(early.GetCString()));
+        m_widgets.clear();
+        collection.RemoveAll(true);
+        EXPECT_EQ(collection.GetCount(), 0);
+        EXPECT_EQ(CTestWidget::GetCTestWidgetType()->FindInstance(late), nullptr);
+        return CTestWidget::s_releasedIDs;
+    };
+    EXPECT_EQ(releaseAll(CKWObjPtrList<CTestWidget>()), (std::vector<CKWGuid>{late, early}));
+    EXPECT_EQ(releaseAll(CKWObjGuidPtrMap<CTestWidget>()), (std::vector<CKWGuid>{early, late}));
 }
 
 TEST_F(Collections, ListReleaseAllSurvivesElementsThatRemoveOthers) {
@@ -164,11 +157,9 @@ TEST_F(Collections, MapKeysByInstanceIDAtAddTime) {
     CKWObjGuidPtrMap<CTestWidget> map;
     CTestWidget* a = Make("{00000002-0000-4000-8000-000000000000}");
     CTestWidget* b = Make("{00000001-0000-4000-8000-000000000000}");
-    EXPECT_EQ(map.Add(a), 1);
-    EXPECT_EQ(map.Add(a), 0);
-    EXPECT_EQ(map.Add(nullptr), 0);
-    EXPECT_EQ(map.Add(b), 1);
-    EXPECT_EQ(ElementsOf(map.GetIterator()), (std::vector<CTestWidget*>{b, a}));
+    EXPECT_EQ((Results{map.Add(a), map.Add(a), map.Add(nullptr), map.Add(b)}),
+              (Results{1, 0, 0, 1}));
+    EXPECT_EQ(ElementsOf(map.GetIterator()), (Widgets{b, a}));
     EXPECT_EQ(map.FindObject(a->GetInstanceID()), a);
 
     // The key stays what it was when added.
@@ -177,8 +168,7 @@ TEST_F(Collections, MapKeysByInstanceIDAtAddTime) {
     EXPECT_EQ(map.Remove(a), 0);
     EXPECT_EQ(map.Find(oldID), static_cast<void*>(a));
     a->ChangeInstanceID(oldID);
-    EXPECT_EQ(map.Remove(a), 1);
-    EXPECT_EQ(map.Remove(nullptr), 0);
+    EXPECT_EQ((Results{map.Remove(a), map.Remove(nullptr)}), (Results{1, 0}));
 }
 
 TEST_F(Collections, LargeMapsFindEveryMemberThroughAddRemoveCopyAndClear) {
@@ -211,26 +201,21 @@ TEST_F(Collections, MapRefusesASecondObjectWithTheSameID) {
     CTestWidget* a = Make();
     CTestWidget* twin = Make();
     twin->ChangeInstanceID(a->GetInstanceID());
-    EXPECT_EQ(map.Add(a), 1);
-    EXPECT_EQ(map.Add(twin), 0);
-    EXPECT_EQ(map.GetCount(), 1);
+    EXPECT_EQ((Results{map.Add(a), map.Add(twin), map.GetCount()}), (Results{1, 0, 1}));
     twin->ChangeInstanceID(CKWGuid::CreateNewGUID());
 }
 
 TEST_F(Collections, IteratorsOnEmptyOrDetachedCollectionsGiveNull) {
     CKWObjPtrList<CTestWidget> list;
     CKWObjGuidPtrMap<CTestWidget> map;
-    EXPECT_EQ(list.GetIterator().GetNext(1), nullptr);
-    EXPECT_EQ(list.GetReverseIterator().GetNext(1), nullptr);
-    EXPECT_EQ(map.GetIterator().GetNext(1), nullptr);
-    EXPECT_TRUE(list.GetIterator().IsValid());
-
     CKWObjPtrList<CTestWidget>::Iterator detached;
     CKWObjGuidPtrMap<CTestWidget>::Iterator detachedMap;
+    EXPECT_EQ((Widgets{list.GetIterator().GetNext(1), list.GetReverseIterator().GetNext(1),
+                       map.GetIterator().GetNext(1), detached.GetNext(1), detached.GetNext(0),
+                       detachedMap.GetNext(1)}),
+              Widgets(6, nullptr));
+    EXPECT_TRUE(list.GetIterator().IsValid());
     EXPECT_FALSE(detached.IsValid());
-    EXPECT_EQ(detached.GetNext(1), nullptr);
-    EXPECT_EQ(detached.GetNext(0), nullptr);
-    EXPECT_EQ(detachedMap.GetNext(1), nullptr);
     detached.Reset(1);
     EXPECT_FALSE(detached.IsValid());
 }
@@ -244,17 +229,15 @@ TEST_F(Collections, IteratorsRestartFromTheFirstElement) {
     list.Add(second);
     list.Add(third);
     auto reverse = list.GetReverseIterator();
-    EXPECT_EQ(reverse.GetNext(1), third);
-    EXPECT_EQ(reverse.GetNext(0), second);
+    EXPECT_EQ((Widgets{reverse.GetNext(1), reverse.GetNext(0)}), (Widgets{third, second}));
     reverse.Reset(1);
     EXPECT_EQ(reverse.GetNext(0), third);
     auto forward = list.GetIterator();
     forward.GetNext(1);
     forward.Reset(0);  // without bFromStart the position stays
-    EXPECT_EQ(forward.GetNext(0), second);
-    EXPECT_EQ(forward.GetNext(0), third);
-    EXPECT_EQ(forward.GetNext(0), nullptr);
-    EXPECT_EQ(forward.GetNext(1), first);
+    EXPECT_EQ(
+        (Widgets{forward.GetNext(0), forward.GetNext(0), forward.GetNext(0), forward.GetNext(1)}),
+        (Widgets{second, third, nullptr, first}));
 }
 
 }  // namespace

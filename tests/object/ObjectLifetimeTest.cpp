@@ -64,13 +64,12 @@ TEST_F(ObjectLifetime, RefusedReleaseKeepsTheObjectAliveAndTracked) {
 TEST_F(ObjectLifetime, IsTypeOfFollowsTheParentChain) {
     CTestWidget* gadget = KWTestCreate<CTestWidget>(CTestGadget::GetCTestGadgetType());
     CTestWidget* widget = NewWidget();
-    const CKWGuid objectImplID("{3719246B-C3B0-4AE9-9723-6E998C42484A}");
-    EXPECT_EQ(gadget->IsTypeOf(CKWGuid(kGadgetTypeID)), 1);
-    EXPECT_EQ(gadget->IsTypeOf(CKWGuid(kWidgetTypeID)), 1);
-    EXPECT_EQ(gadget->IsTypeOf(objectImplID), 1);
-    EXPECT_EQ(widget->IsTypeOf(CKWGuid(kGadgetTypeID)), 0);
-    EXPECT_EQ(widget->IsTypeOf(CKWGuid(kShapeTypeID)), 0);
-    EXPECT_EQ(widget->IsTypeOf(CKWGuid()), 0);
+    const CKWGuid gadgetID(kGadgetTypeID), widgetID(kWidgetTypeID), shapeID(kShapeTypeID);
+    EXPECT_EQ(
+        (std::vector<int>{gadget->IsTypeOf(gadgetID), gadget->IsTypeOf(widgetID),
+                          gadget->IsTypeOf(CKWGuid(kObjectImplTypeID)), widget->IsTypeOf(gadgetID),
+                          widget->IsTypeOf(shapeID), widget->IsTypeOf(CKWGuid())}),
+        (std::vector<int>{1, 1, 1, 0, 0, 0}));
     gadget->Release();
     widget->Release();
 }

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -145,14 +147,14 @@ TEST(TypeRegistration, LateTypesWaitForTheNextInitialize) {
 TEST(TypeRegistration, ChildTypesAreRegisteredOnce) {
     CScopedTestType parent(CKWGuid::CreateNewGUID(), CKWGuid(), "Parent");
     CScopedTestType child(CKWGuid::CreateNewGUID(), parent.GetID(), "Child");
-    EXPECT_EQ(child.RegisterWithParentType(&parent), 1);
-    EXPECT_EQ(child.RegisterWithParentType(&parent), 0);
-    EXPECT_EQ(child.RegisterWithParentType(nullptr), 0);
-    EXPECT_EQ(parent.AddChildType(nullptr), 0);
+    EXPECT_EQ((std::vector<int>{
+                  child.RegisterWithParentType(&parent), child.RegisterWithParentType(&parent),
+                  child.RegisterWithParentType(nullptr), parent.AddChildType(nullptr)}),
+              (std::vector<int>{1, 0, 0, 0}));
     EXPECT_EQ(child.GetParentType(), &parent);
 }
 
-TEST(InstanceAccounting, ReleasingATypeReportsAndReleasesLeftoversLowestIDFirst) {
+TEST(InstanceAccounting, ReleasingATypeReportsAndReleasesOnlyLeftoversLowestIDFirst) {
     CScopedTestType type(CKWGuid::CreateNewGUID(), kObjectImplTypeID, "CLeaky");
     CScopedTestType child(CKWGuid::CreateNewGUID(), type.GetID(), "CLeakyChild");
     child.RegisterWithParentType(&type);
@@ -167,14 +169,12 @@ TEST(InstanceAccounting, ReleasingATypeReportsAndReleasesLeftoversLowestIDFirst)
     EXPECT_EQ(type.m_destroyedIDs, (std::vector<CKWGuid>{low, high}));
     EXPECT_EQ(type.GetInstanceCount(), 0);
     EXPECT_EQ(type.HasDerivedTypes(), 0);
-}
 
-TEST(InstanceAccounting, ReleasingATypeWithoutLeftoversSaysNothing) {
-    CScopedTestType type(CKWGuid::CreateNewGUID(), kObjectImplTypeID, "CTidy");
-    type.CreateInstance(CKWGuid())->Release();
-    TraceCapture trace;
-    type.Release();
-    EXPECT_EQ(trace.Text(), "");
+    CScopedTestType tidy(CKWGuid::CreateNewGUID(), kObjectImplTypeID, "CTidy");
+    tidy.CreateInstance(CKWGuid())->Release();
+    TraceCapture quiet;
+    tidy.Release();
+    EXPECT_EQ(quiet.Text(), "");
 }
 
 TEST(InstanceAccounting, ReleasingARepositoryReleasesItsLeftoverInstances) {
@@ -186,6 +186,64 @@ TEST(InstanceAccounting, ReleasingARepositoryReleasesItsLeftoverInstances) {
     CKWTypeSystem::ReleaseRepository(repository);
     EXPECT_EQ(type.m_destroyedIDs.size(), 1u);
     EXPECT_NE(trace.Text().find("1 instances of class CPluginThing"), std::string::npos);
+}
+
+CKWGuid SequentialID(std::uint32_t n) {
+    GUID raw = {n, 0, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 0}};
+    return CKWGuid(raw);
+}
+
+void ExpectTracked(const CScopedTestType& type, const std::map<CKWGuid, IKWObject*>& live) {
+    ASSERT_EQ(type.GetInstanceCount(), static_cast<int>(live.size()));
+    std::list<CKWGuid> listed;
+    type.GetInstanceList(listed);
+    auto expected = live.begin();
+    for (const CKWGuid& id : listed) {
+        ASSERT_EQ(id, expected->first);
+        ASSERT_EQ(type.FindInstance(id), expected->second);
+        ++expected;
+    }
+}
+
+// A type tracks its live instances by ID through any mix of creation and
+// release, and lists them in ascending order.
+TEST(InstanceAccounting, RandomCreationAndReleaseMatchesAnOrderedMap) {
+    CScopedTestType type(CKWGuid::CreateNewGUID(), CKWGuid(), "CTracked");
+    std::map<CKWGuid, IKWObject*> live;
+    std::mt19937 random(12345);
+    for (int step = 0; step < 20000; ++step) {
+        // Sequential IDs from a small range: many collisions of home slots
+        // and many re-uses of released IDs.
+        CKWGuid id = SequentialID(random() % 3000);
+        auto found = live.find(id);
+        if (found == live.end()) {
+            IKWObject* object = type.CreateInstance(id);
+            ASSERT_NE(object, nullptr);
+            live.emplace(id, object);
+        } else {
+            ASSERT_EQ(found->second->Release(), 1);
+            live.erase(found);
+        }
+        if (step % 2500 == 0) {
+            ExpectTracked(type, live);
+        }
+    }
+    ExpectTracked(type, live);
+    EXPECT_EQ(type.FindInstance(SequentialID(999999)), nullptr);
+
+    // Shrinking back after a mass release keeps every survivor reachable.
+    int kept = 0;
+    for (auto it = live.begin(); it != live.end();) {
+        if (++kept % 10) {
+            it->second->Release();
+            it = live.erase(it);
+        } else {
+            ++it;
+        }
+    }
+    ExpectTracked(type, live);
+    type.Release();
+    EXPECT_EQ(type.GetInstanceCount(), 0);
 }
 
 // Releasing the whole type system is the process's last act: run it apart.

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "kwcore/platform/CKWTokenizer.h"
 
@@ -10,12 +11,11 @@ namespace {
 TEST(Tokenizer, SplitsAtEverySeparatorKeepingEmptyPieces) {
     CKWTokenizer tokens(",");
     EXPECT_EQ(tokens.Tokenize("1,,3,"), 4);
-    EXPECT_EQ(std::string(tokens.GetToken(0)), "1");
-    EXPECT_EQ(std::string(tokens.GetToken(1)), "");
-    EXPECT_EQ(std::string(tokens.GetToken(2)), "3");
-    EXPECT_EQ(std::string(tokens.GetToken(3)), "");
-    EXPECT_EQ(std::string(tokens.GetToken(4)), "");
-    EXPECT_EQ(std::string(tokens.GetToken(-1)), "");
+    std::vector<std::string> pieces;
+    for (int i = -1; i <= 4; ++i) {
+        pieces.emplace_back(tokens.GetToken(i));
+    }
+    EXPECT_EQ(pieces, (std::vector<std::string>{"", "1", "", "3", "", ""}));
     EXPECT_EQ(tokens.Tokenize(""), 0);
     EXPECT_EQ(tokens.GetTokenCount(), 0);
     EXPECT_EQ(tokens.Tokenize("no separator"), 1);

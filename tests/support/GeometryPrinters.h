@@ -6,20 +6,22 @@
 #include "kwcore/geometry/linear/CKWPointT.h"
 #include "kwcore/geometry/linear/CKWVectorT.h"
 
-template <int N, class Real, class Other>
-void PrintTo(const CKWVectorT<N, Real, Other>& v, std::ostream* os) {
-    *os << "vector(";
-    for (int i = 0; i < N; ++i) {
-        *os << (i ? ", " : "") << v[i];
+// "kind(e0, e1, ...)" for the first count entries of values.
+template <class Values>
+void PrintEntries(const char* kind, const Values& values, int count, std::ostream* os) {
+    *os << kind << "(";
+    for (int i = 0; i < count; ++i) {
+        *os << (i ? ", " : "") << values[i];
     }
     *os << ")";
 }
 
 template <int N, class Real, class Other>
+void PrintTo(const CKWVectorT<N, Real, Other>& v, std::ostream* os) {
+    PrintEntries("vector", v, N, os);
+}
+
+template <int N, class Real, class Other>
 void PrintTo(const CKWPointT<N, Real, Other>& p, std::ostream* os) {
-    *os << "point(";
-    for (int i = 0; i < N; ++i) {
-        *os << (i ? ", " : "") << p[i];
-    }
-    *os << ")";
+    PrintEntries("point", p, N, os);
 }

@@ -1,10 +1,12 @@
 // The two scalar pairs the library exports, for typed tests of the matrices
-// and quaternions, with tolerances that suit each precision.
+// and quaternions, with tolerances that suit each precision, and the checks
+// those tests share.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <initializer_list>
 #include <ostream>
 #include <type_traits>
 
@@ -13,6 +15,12 @@
 #include "kwcore/geometry/linear/CKWMatrix3T.h"
 #include "kwcore/geometry/linear/CKWMatrix4T.h"
 #include "kwcore/geometry/linear/CKWQuaternionT.h"
+
+#if __has_include(<eigen3/Eigen/Dense>) && __has_include(<eigen3/Eigen/Geometry>)
+#include <eigen3/Eigen/Dense>
+#include <eigen3/Eigen/Geometry>
+#define KWCORE_TEST_WITH_EIGEN 1
+#endif
 
 template <class RealType, class OtherType>
 struct GeometryPair {
@@ -31,29 +39,21 @@ struct GeometryPair {
 };
 
 // Failure messages show the entries, not the address of the conversion.
-template <class Real, int Count>
-void PrintEntries(const Real* entries, std::ostream* os) {
-    *os << "(";
-    for (int i = 0; i < Count; ++i) {
-        *os << (i ? ", " : "") << entries[i];
-    }
-    *os << ")";
-}
 template <class Real, class Other>
 void PrintTo(const CKWMatrix2T<Real, Other>& m, std::ostream* os) {
-    PrintEntries<Real, 4>(m, os);
+    PrintEntries("", static_cast<const Real*>(m), 4, os);
 }
 template <class Real, class Other>
 void PrintTo(const CKWMatrix3T<Real, Other>& m, std::ostream* os) {
-    PrintEntries<Real, 9>(m, os);
+    PrintEntries("", static_cast<const Real*>(m), 9, os);
 }
 template <class Real, class Other>
 void PrintTo(const CKWMatrix4T<Real, Other>& m, std::ostream* os) {
-    PrintEntries<Real, 16>(m, os);
+    PrintEntries("", static_cast<const Real*>(m), 16, os);
 }
 template <class Real, class Other>
 void PrintTo(const CKWQuaternionT<Real, Other>& q, std::ostream* os) {
-    PrintEntries<Real, 4>(q, os);
+    PrintEntries("", static_cast<const Real*>(q), 4, os);
 }
 
 typedef ::testing::Types<GeometryPair<float, double>, GeometryPair<double, float>> GeometryPairs;
@@ -84,6 +84,26 @@ Matrix RandomMatrix(TestValues& values, double diagonalShift = 0) {
     return m;
 }
 
+#if KWCORE_TEST_WITH_EIGEN
+// The oracle's copy of N x N entries in row order.
+template <int N, class Real>
+Eigen::Matrix<Real, N, N, Eigen::RowMajor> ToEigen(const Real* entries) {
+    return Eigen::Map<const Eigen::Matrix<Real, N, N, Eigen::RowMajor>>(entries);
+}
+#endif
+
+// The largest difference of the first count components, of any two values
+// indexed by [] (vectors, quaternions, arrays).
+template <class A, class B>
+double MaxComponentDifference(const A& a, const B& b, int count) {
+    double most = 0;
+    for (int i = 0; i < count; ++i) {
+        most = std::fmax(most, std::fabs(double(a[i]) - double(b[i])));
+    }
+    return most;
+}
+
+// The same for the n x n entries of two matrices indexed by (r, c).
 template <class MatrixA, class MatrixB>
 double MaxDifference(const MatrixA& a, const MatrixB& b, int n) {
     double most = 0;
@@ -109,3 +129,20 @@ double MaxDifference(const MatrixA& a, const MatrixB& b, int n) {
     [[maybe_unused]] const double tolerance = TypeParam::kTolerance
 
 #define EXPECT_MATRIX_NEAR(a, b, n, tolerance) EXPECT_LE(MaxDifference(a, b, n), tolerance)
+#define EXPECT_COMPONENTS_NEAR(a, b, count, tolerance) \
+    EXPECT_LE(MaxComponentDifference(a, b, count), tolerance)
+
+// A rotation of type Rotation about axis by each angle gives back the angle
+// and the axis.
+template <class Rotation, class V3>
+void ExpectAxisAngleRoundTrips(const V3& axis, std::initializer_list<double> angles,
+                               double angleTolerance, double axisTolerance) {
+    for (const double angle : angles) {
+        SCOPED_TRACE(angle);
+        V3 back;
+        std::remove_reference_t<decltype(back[0])> backAngle;
+        Rotation(axis, decltype(backAngle)(angle)).ToAxisAngle(back, backAngle);
+        EXPECT_NEAR(backAngle, angle, angleTolerance);
+        EXPECT_COMPONENTS_NEAR(back, axis, 3, axisTolerance);
+    }
+}

@@ -1,4 +1,4 @@
-// Checks of how the type system holds the library's own types.
+// Checks of how the type system holds the library's own types and their fields.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -7,6 +7,8 @@
 #include <string>
 
 #include "kwcore/object/CKWTypeSystem.h"
+#include "kwcore/serial/CKWSerialObjectTypeImpl.h"
+#include "kwcore/serial/IKWField.h"
 
 struct SLibraryType {
     const char* typeID;
@@ -28,5 +30,28 @@ inline void ExpectLibraryTypes(std::initializer_list<SLibraryType> types) {
         EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
         EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID))
             << row.name;
+    }
+}
+
+struct SLibraryField {
+    const char* typeID;
+    const char* fieldID;
+    const char* name;
+    const char* description;
+    const char* dataTypeID;
+};
+
+// Each field is in its type's table under its ID, with that name,
+// description and value type.
+inline void ExpectLibraryFields(std::initializer_list<SLibraryField> fields) {
+    for (const SLibraryField& row : fields) {
+        auto* type =
+            dynamic_cast<CKWSerialObjectTypeImpl*>(CKWTypeSystem::FindType(CKWGuid(row.typeID)));
+        ASSERT_NE(type, nullptr) << row.name;
+        IKWField* field = type->GetField(CKWGuid(row.fieldID));
+        ASSERT_NE(field, nullptr) << row.name;
+        EXPECT_EQ(std::string(field->GetName()), row.name);
+        EXPECT_EQ(std::string(field->GetDescription()), row.description) << row.name;
+        EXPECT_EQ(field->GetDataTypeID(), CKWGuid(row.dataTypeID)) << row.name;
     }
 }

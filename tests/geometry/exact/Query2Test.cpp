@@ -15,46 +15,40 @@
 #include <random>
 #include <vector>
 
+#include "GeometryTestTypes.h"
 #include "kwcore/geometry/exact/Query2.h"
 
 using namespace kwRationalArithmetic;
 
 namespace {
 
-template <class RealT, class OtherT>
-struct SPair {
-    typedef RealT Real;
-    typedef OtherT Other;
-    typedef CKWVector2T<RealT, OtherT> Vector2;
-    typedef Query2<RealT, OtherT> Base;
+// Every kind of query over the same vertices, in the order of their types.
+template <class Real, class Other>
+std::vector<std::unique_ptr<Query2<Real, Other>>> AllQueries(
+    const std::vector<CKWVector2T<Real, Other>>& v) {
+    const int n = static_cast<int>(v.size());
+    std::vector<std::unique_ptr<Query2<Real, Other>>> queries;
+    queries.emplace_back(new Query2Int64<Real, Other>(n, v.data()));
+    queries.emplace_back(new Query2TInteger<Real, Other>(n, v.data()));
+    queries.emplace_back(new Query2TRational<Real, Other>(n, v.data()));
+    queries.emplace_back(new Query2<Real, Other>(n, v.data()));
+    queries.emplace_back(new Query2Filtered<Real, Other>(n, v.data(), Real(1e-5)));
+    return queries;
+}
 
-    // Every kind of query over the same vertices.
-    static std::vector<std::unique_ptr<Base>> All(const std::vector<Vector2>& v) {
-        const int n = static_cast<int>(v.size());
-        std::vector<std::unique_ptr<Base>> queries;
-        queries.emplace_back(new Query2Int64<RealT, OtherT>(n, v.data()));
-        queries.emplace_back(new Query2TInteger<RealT, OtherT>(n, v.data()));
-        queries.emplace_back(new Query2TRational<RealT, OtherT>(n, v.data()));
-        queries.emplace_back(new Base(n, v.data()));
-        queries.emplace_back(new Query2Filtered<RealT, OtherT>(n, v.data(), RealT(1e-5)));
-        return queries;
-    }
-};
-
-template <class P>
+template <class Pair>
 class Query2Test : public ::testing::Test {};
-typedef ::testing::Types<SPair<float, double>, SPair<double, float>> Pairs;
-TYPED_TEST_SUITE(Query2Test, Pairs);
+TYPED_TEST_SUITE(Query2Test, GeometryPairs);
 
 }  // namespace
 
 TYPED_TEST(Query2Test, EveryKindAgreesOnClearCases) {
-    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::V2 V;
     // 0..2: a counter-clockwise triangle; 3..: probe points.
     const std::vector<V> v = {V(0, 0), V(8, 0),  V(0, 8), V(2, 2), V(6, 6),
                               V(4, 0), V(-1, 3), V(4, 4), V(1, 7), V(4, -4)};
     int kind = 0;
-    for (const auto& query : TypeParam::All(v)) {
+    for (const auto& query : AllQueries(v)) {
         SCOPED_TRACE(kind);
         EXPECT_EQ(query->GetType(), static_cast<Query::Type>(kind++));
         // Right of 0 -> 1 is below the x axis.
@@ -79,11 +73,11 @@ TYPED_TEST(Query2Test, EveryKindAgreesOnClearCases) {
 }
 
 TYPED_TEST(Query2Test, IntegerKindsTruncateTowardZero) {
-    typedef typename TypeParam::Vector2 V;
-    const std::vector<V> v = {V(0, 0), V(10, 0),
-                              V(typename TypeParam::Real(5.9), typename TypeParam::Real(0.9)),
-                              V(typename TypeParam::Real(-0.9), typename TypeParam::Real(-0.5))};
-    const auto queries = TypeParam::All(v);
+    typedef typename TypeParam::V2 V;
+    typedef typename TypeParam::Real Real;
+    const std::vector<V> v = {V(0, 0), V(10, 0), V(Real(5.9), Real(0.9)),
+                              V(Real(-0.9), Real(-0.5))};
+    const auto queries = AllQueries(v);
     // (5.9, 0.9) truncates onto the line, (-0.9, -0.5) onto the origin.
     EXPECT_EQ(queries[Query::QT_INT64]->ToLine(2, 0, 1), 0);
     EXPECT_EQ(queries[Query::QT_INTEGER]->ToLine(2, 0, 1), 0);
@@ -93,13 +87,13 @@ TYPED_TEST(Query2Test, IntegerKindsTruncateTowardZero) {
 }
 
 TYPED_TEST(Query2Test, MultiWordIntegersStayExactWhereInt64Wraps) {
-    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::V2 V;
     typedef typename TypeParam::Real Real;
     const Real big = std::ldexp(Real(1), 40);
     // Det2 = -2^30 * 2^40 = -2^70, which is 0 modulo 2^64.
     const std::vector<V> v = {V(0, 0), V(big, 0), V(0, std::ldexp(Real(1), 30)),
                               V(std::ldexp(Real(1), 100), std::ldexp(Real(1), 101))};
-    const auto queries = TypeParam::All(v);
+    const auto queries = AllQueries(v);
     EXPECT_EQ(queries[Query::QT_INT64]->ToLine(2, 0, 1), 0);
     EXPECT_EQ(queries[Query::QT_INTEGER]->ToLine(2, 0, 1), -1);
     EXPECT_EQ(queries[Query::QT_RATIONAL]->ToLine(2, 0, 1), -1);
@@ -109,7 +103,7 @@ TYPED_TEST(Query2Test, MultiWordIntegersStayExactWhereInt64Wraps) {
 }
 
 TYPED_TEST(Query2Test, ExactKindsDecideNearlyCollinearPoints) {
-    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::V2 V;
     typedef typename TypeParam::Real Real;
     // Points next to the line through (12, 12) and (24, 24): the true side is
     // the sign of y - x, which the rounded determinant often misses.
@@ -120,7 +114,7 @@ TYPED_TEST(Query2Test, ExactKindsDecideNearlyCollinearPoints) {
             v.push_back(V(Real(0.5) + Real(i) * step, Real(0.5) + Real(j) * step));
         }
     }
-    const auto queries = TypeParam::All(v);
+    const auto queries = AllQueries(v);
     int wrongInFloat = 0;
     for (int k = 2; k < static_cast<int>(v.size()); ++k) {
         const Real dy = v[static_cast<std::size_t>(k)].Y() - v[static_cast<std::size_t>(k)].X();
@@ -133,7 +127,7 @@ TYPED_TEST(Query2Test, ExactKindsDecideNearlyCollinearPoints) {
 }
 
 TYPED_TEST(Query2Test, FilterAnswersZeroOnTheLine) {
-    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::V2 V;
     typedef typename TypeParam::Real Real;
     // Points exactly on y = 3x (every coordinate exact), at scales so far
     // apart that p - v0 rounds: the plain determinant is then often nonzero.
@@ -145,7 +139,7 @@ TYPED_TEST(Query2Test, FilterAnswersZeroOnTheLine) {
         const Real t = 1 + std::ldexp(Real(k), -(digits - 4));
         v.push_back(V(t, 3 * t));
     }
-    const auto queries = TypeParam::All(v);
+    const auto queries = AllQueries(v);
     int nonzeroInFloat = 0;
     for (int k = 2; k < static_cast<int>(v.size()); ++k) {
         ASSERT_EQ(queries[Query::QT_FILTERED]->ToLine(k, 0, 1), 0) << k;
@@ -156,7 +150,7 @@ TYPED_TEST(Query2Test, FilterAnswersZeroOnTheLine) {
 }
 
 TYPED_TEST(Query2Test, FilteredMatchesRationalOnRandomInput) {
-    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::V2 V;
     typedef typename TypeParam::Real Real;
     std::mt19937 random(17);
     std::uniform_real_distribution<double> coordinate(-100.0, 100.0);
@@ -172,7 +166,7 @@ TYPED_TEST(Query2Test, FilteredMatchesRationalOnRandomInput) {
             v.push_back(V(Real(coordinate(random)), Real(coordinate(random))));
         }
     }
-    const auto queries = TypeParam::All(v);
+    const auto queries = AllQueries(v);
     for (int k = 2; k < 120; k += 3) {
         ASSERT_EQ(queries[Query::QT_FILTERED]->ToLine(k, k - 2, k - 1),
                   queries[Query::QT_RATIONAL]->ToLine(k, k - 2, k - 1));
@@ -184,7 +178,7 @@ TYPED_TEST(Query2Test, FilteredMatchesRationalOnRandomInput) {
 }
 
 TYPED_TEST(Query2Test, FilteredIsExactOnWideIntegers) {
-    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::V2 V;
     typedef typename TypeParam::Real Real;
     // Integers as wide as Real holds, with every third point on or next to
     // the line through the two before it: the products exceed the precision.
@@ -205,7 +199,7 @@ TYPED_TEST(Query2Test, FilteredIsExactOnWideIntegers) {
                 V(Real(std::floor(coordinate(random))), Real(std::floor(coordinate(random)))));
         }
     }
-    const auto queries = TypeParam::All(v);
+    const auto queries = AllQueries(v);
     int zeros = 0;
     for (int k = 2; k < 300; k += 3) {
         const int exact = queries[Query::QT_RATIONAL]->ToLine(k, k - 2, k - 1);
@@ -216,7 +210,7 @@ TYPED_TEST(Query2Test, FilteredIsExactOnWideIntegers) {
 }
 
 TYPED_TEST(Query2Test, FilteredMatchesRationalAroundAxisParallelLines) {
-    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::V2 V;
     typedef typename TypeParam::Real Real;
     // Lines 0-1 (horizontal), 0-2 (vertical) and 0-3 (diagonal), and a grid
     // of points on, beside and across them, with signs of every mix.
@@ -226,7 +220,7 @@ TYPED_TEST(Query2Test, FilteredMatchesRationalAroundAxisParallelLines) {
             v.push_back(V(Real(1 + x * 0.5), Real(1 + y * 0.25)));
         }
     }
-    const auto queries = TypeParam::All(v);
+    const auto queries = AllQueries(v);
     for (int k = 4; k < static_cast<int>(v.size()); ++k) {
         for (int end = 1; end <= 3; ++end) {
             ASSERT_EQ(queries[Query::QT_FILTERED]->ToLine(k, 0, end),
@@ -240,12 +234,12 @@ TYPED_TEST(Query2Test, FilteredMatchesRationalAroundAxisParallelLines) {
 }
 
 TYPED_TEST(Query2Test, NonFiniteCoordinatesCountAsZero) {
-    typedef typename TypeParam::Vector2 V;
+    typedef typename TypeParam::V2 V;
     typedef typename TypeParam::Real Real;
     const Real nan = std::numeric_limits<Real>::quiet_NaN();
     const Real inf = std::numeric_limits<Real>::infinity();
     const std::vector<V> v = {V(nan, nan), V(4, 0), V(inf, -inf), V(2, -1)};
-    const auto queries = TypeParam::All(v);
+    const auto queries = AllQueries(v);
     for (int kind = Query::QT_INT64; kind <= Query::QT_RATIONAL; ++kind) {
         EXPECT_EQ(queries[static_cast<std::size_t>(kind)]->ToLine(2, 0, 1), 0) << kind;
         EXPECT_EQ(queries[static_cast<std::size_t>(kind)]->ToLine(3, 0, 1), 1) << kind;

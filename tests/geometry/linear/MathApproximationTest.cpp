@@ -80,10 +80,6 @@ TEST(FastApproximations, InvSqrtHasSmallRelativeError) {
     EXPECT_GT(worstD, 1e-4);
 }
 
-}  // namespace
-
-namespace {
-
 double Relative(double value, double reference) {
     return reference == 0 ? std::fabs(value) : std::fabs(value / reference - 1);
 }

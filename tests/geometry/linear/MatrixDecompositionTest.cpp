@@ -1,15 +1,11 @@
 // Eigen-, singular-value and QDU decompositions: each reconstructs its input,
 // with the factors of the promised shape, on ordinary and degenerate input.
 #include <algorithm>
+#include <initializer_list>
 #include <limits>
 #include <vector>
 
 #include "GeometryTestTypes.h"
-
-#if __has_include(<eigen3/Eigen/Dense>)
-#include <eigen3/Eigen/Dense>
-#define KWCORE_TEST_WITH_EIGEN 1
-#endif
 
 namespace {
 
@@ -31,6 +27,18 @@ std::vector<M3> HardMatrices() {
             M3(1, 2, 3, 1, 2, 3, 1, 2, 3.000001f)};  // nearly rank one
 }
 
+// The hard matrices, 30 of test values from seed, then the extra ones.
+template <class M3>
+std::vector<M3> TestMatrices(unsigned seed, std::initializer_list<M3> extra = {}) {
+    TestValues values(seed);
+    std::vector<M3> inputs = HardMatrices<M3>();
+    for (int i = 0; i < 30; ++i) {
+        inputs.push_back(RandomMatrix<M3, 3>(values));
+    }
+    inputs.insert(inputs.end(), extra);
+    return inputs;
+}
+
 template <class M3>
 bool IsDiagonal(const M3& m) {
     for (int r = 0; r < 3; ++r) {
@@ -43,14 +51,6 @@ bool IsDiagonal(const M3& m) {
     return true;
 }
 
-#if KWCORE_TEST_WITH_EIGEN
-template <class Real, class Other>
-Eigen::Matrix<Real, 3, 3> ToEigen(const CKWMatrix3T<Real, Other>& m) {
-    return Eigen::Map<const Eigen::Matrix<Real, 3, 3, Eigen::RowMajor>>(
-        static_cast<const Real*>(m));
-}
-#endif
-
 }  // namespace
 
 template <class Pair>
@@ -59,15 +59,8 @@ TYPED_TEST_SUITE(MatrixDecompositionTest, GeometryPairs);
 
 TYPED_TEST(MatrixDecompositionTest, EigenDecompositionReconstructsSymmetricInput) {
     GEOMETRY_PAIR_TYPES;
-    TestValues values(3);
-    std::vector<M3> inputs;
-    for (const M3& m : HardMatrices<M3>()) {
-        inputs.push_back(Symmetric(m));
-    }
-    for (int i = 0; i < 30; ++i) {
-        inputs.push_back(Symmetric(RandomMatrix<M3, 3>(values)));
-    }
-    for (const M3& m : inputs) {
+    for (const M3& input : TestMatrices<M3>(3)) {
+        const M3 m = Symmetric(input);
         M3 rotation, diagonal;
         m.EigenDecomposition(rotation, diagonal);
         ASSERT_TRUE(IsDiagonal(diagonal));
@@ -77,7 +70,7 @@ TYPED_TEST(MatrixDecompositionTest, EigenDecompositionReconstructsSymmetricInput
         EXPECT_MATRIX_NEAR(rotation.TransposeTimes(rotation), M3::IDENTITY, 3, tolerance);
         EXPECT_MATRIX_NEAR(M3(rotation * diagonal).TimesTranspose(rotation), m, 3, 8 * tolerance);
 #if KWCORE_TEST_WITH_EIGEN
-        const Eigen::SelfAdjointEigenSolver<Eigen::Matrix<Real, 3, 3>> oracle(ToEigen(m));
+        const Eigen::SelfAdjointEigenSolver<Eigen::Matrix<Real, 3, 3>> oracle(ToEigen<3, Real>(m));
         for (int k = 0; k < 3; ++k) {
             EXPECT_NEAR(diagonal(k, k), oracle.eigenvalues()(k), 8 * tolerance);
         }
@@ -94,14 +87,9 @@ TYPED_TEST(MatrixDecompositionTest, EigenDecompositionReconstructsSymmetricInput
 
 TYPED_TEST(MatrixDecompositionTest, SingularValueDecompositionReconstructsInput) {
     GEOMETRY_PAIR_TYPES;
-    TestValues values(9);
-    std::vector<M3> inputs = HardMatrices<M3>();
-    for (int i = 0; i < 30; ++i) {
-        inputs.push_back(RandomMatrix<M3, 3>(values));
-    }
-    inputs.push_back(M3(V3(Real(1), Real(2), Real(2)), Real(0.3)) *
-                     M3(Real(1e3), Real(1), Real(1e-3)));
-    for (const M3& m : inputs) {
+    const M3 wideRange =
+        M3(V3(Real(1), Real(2), Real(2)), Real(0.3)) * M3(Real(1e3), Real(1), Real(1e-3));
+    for (const M3& m : TestMatrices<M3>(9, {wideRange})) {
         M3 left, diagonal, rightTranspose;
         m.SingularValueDecomposition(left, diagonal, rightTranspose);
         ASSERT_TRUE(IsDiagonal(diagonal));
@@ -116,7 +104,7 @@ TYPED_TEST(MatrixDecompositionTest, SingularValueDecompositionReconstructsInput)
         composed.SingularValueComposition(left, diagonal, rightTranspose);
         EXPECT_MATRIX_NEAR(composed, m, 3, 8 * tolerance * scale);
 #if KWCORE_TEST_WITH_EIGEN
-        const Eigen::JacobiSVD<Eigen::Matrix<Real, 3, 3>> oracle(ToEigen(m));
+        const Eigen::JacobiSVD<Eigen::Matrix<Real, 3, 3>> oracle(ToEigen<3, Real>(m));
         for (int k = 0; k < 3; ++k) {
             EXPECT_NEAR(diagonal(k, k), oracle.singularValues()(k), 8 * tolerance * scale);
         }
@@ -126,13 +114,8 @@ TYPED_TEST(MatrixDecompositionTest, SingularValueDecompositionReconstructsInput)
 
 TYPED_TEST(MatrixDecompositionTest, QDUDecompositionReconstructsInput) {
     GEOMETRY_PAIR_TYPES;
-    TestValues values(13);
-    std::vector<M3> inputs = HardMatrices<M3>();
-    for (int i = 0; i < 30; ++i) {
-        inputs.push_back(RandomMatrix<M3, 3>(values));
-    }
-    inputs.push_back(M3(0, 1, 0, 0, 0, 1, 0, 0, 0).Transpose());  // first column zero
-    for (const M3& m : inputs) {
+    const M3 firstColumnZero = M3(0, 1, 0, 0, 0, 1, 0, 0, 0).Transpose();
+    for (const M3& m : TestMatrices<M3>(13, {firstColumnZero})) {
         M3 q, d, u;
         m.QDUDecomposition(q, d, u);
         EXPECT_NEAR(q.Determinant(), 1, tolerance);

@@ -8,25 +8,9 @@
 
 #include "GeometryTestTypes.h"
 
-#if __has_include(<eigen3/Eigen/Dense>)
-#include <eigen3/Eigen/Dense>
-#define KWCORE_TEST_WITH_EIGEN 1
-#endif
-
 namespace {
 
 const double kPi = 3.14159265358979323846;
-
-#if KWCORE_TEST_WITH_EIGEN
-template <class Real, int N>
-Eigen::Matrix<Real, N, N, Eigen::RowMajor> ToEigen(const Real* entries) {
-    return Eigen::Map<const Eigen::Matrix<Real, N, N, Eigen::RowMajor>>(entries);
-}
-template <class Matrix, class Real, int N>
-double MaxDifference(const Matrix& a, const Eigen::Matrix<Real, N, N, Eigen::RowMajor>& b) {
-    return MaxDifference(a, Matrix(b.data(), true), N);
-}
-#endif
 
 }  // namespace
 
@@ -76,10 +60,7 @@ TYPED_TEST(MatrixTest, AppliesToColumnsAndRowVectors) {
     TestValues values(7);
     const M3 a = RandomMatrix<M3, 3>(values), b = RandomMatrix<M3, 3>(values);
     const V3 x(Real(0.3), Real(-0.7), Real(0.2));
-    const V3 abx = a * b * x, a_bx = a * V3(b * x);
-    for (int i = 0; i < 3; ++i) {
-        EXPECT_NEAR(abx[i], a_bx[i], tolerance);
-    }
+    EXPECT_COMPONENTS_NEAR(V3(a * b * x), V3(a * V3(b * x)), 3, tolerance);
     EXPECT_MATRIX_NEAR(a.TransposeTimes(b), a.Transpose() * b, 3, tolerance);
     EXPECT_MATRIX_NEAR(a.TimesTranspose(b), a * b.Transpose(), 3, tolerance);
     EXPECT_NEAR(a.QForm(x, x), x.Dot(a * x), tolerance);
@@ -99,16 +80,15 @@ TYPED_TEST(MatrixTest, MultipliesAndInvertsLikeEigen) {
     TestValues values(11);
     for (int trial = 0; trial < 20; ++trial) {
         const M4 a = RandomMatrix<M4, 4>(values, 2.5), b = RandomMatrix<M4, 4>(values);
-        const E4 ea = ToEigen<Real, 4>(a), eb = ToEigen<Real, 4>(b);
-        const E4 product = ea * eb, inverse = ea.inverse();
-        EXPECT_LE(MaxDifference(M4(a * b), product), 4 * tolerance);
-        EXPECT_LE(MaxDifference(a.Inverse(), inverse), 4 * tolerance);
+        const E4 ea = ToEigen<4, Real>(a), eb = ToEigen<4, Real>(b);
+        EXPECT_MATRIX_NEAR(M4(a * b), E4(ea * eb), 4, 4 * tolerance);
+        EXPECT_MATRIX_NEAR(a.Inverse(), E4(ea.inverse()), 4, 4 * tolerance);
         EXPECT_NEAR(a.Determinant(), ea.determinant(), 10 * tolerance);
         EXPECT_MATRIX_NEAR(M4(a.Adjoint()), M4(a.Inverse() * a.Determinant()), 4, 10 * tolerance);
 
         const M3 c = RandomMatrix<M3, 3>(values, 2);
-        const E3 ec = ToEigen<Real, 3>(c), inverse3 = ec.inverse();
-        EXPECT_LE(MaxDifference(c.Inverse(), inverse3), tolerance);
+        const E3 ec = ToEigen<3, Real>(c);
+        EXPECT_MATRIX_NEAR(c.Inverse(), E3(ec.inverse()), 3, tolerance);
         EXPECT_NEAR(c.Determinant(), ec.determinant(), tolerance);
         const M2 d = RandomMatrix<M2, 2>(values, 2);
         EXPECT_MATRIX_NEAR(M2(d * d.Inverse()), M2::IDENTITY, 2, tolerance);
@@ -217,9 +197,7 @@ TYPED_TEST(MatrixTest, EulerAnglesRoundTripInEveryOrder) {
         EXPECT_MATRIX_NEAR(m, product, 3, tolerance);
         Real back[3];
         EXPECT_TRUE((m.*order.to)(back[0], back[1], back[2]));
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_NEAR(back[i], angles[i], 4 * tolerance);
-        }
+        EXPECT_COMPONENTS_NEAR(back, angles, 3, 4 * tolerance);
     }
 }
 
@@ -257,17 +235,9 @@ TYPED_TEST(MatrixTest, EulerAnglesReportGimbalLock) {
 
 TYPED_TEST(MatrixTest, AxisAngleRoundTripsNearZeroAndHalfTurn) {
     GEOMETRY_PAIR_TYPES;
-    const V3 axis(Real(0.48), Real(-0.6), Real(0.64));
-    for (const double angle : {1e-4, 0.5, 2.0, 3.14159, 3.141592}) {
-        SCOPED_TRACE(angle);
-        V3 back;
-        Real backAngle;
-        M3(axis, Real(angle)).ToAxisAngle(back, backAngle);
-        EXPECT_NEAR(backAngle, angle, tolerance);
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_NEAR(back[i], axis[i], sizeof(Real) == 4 ? 2e-3 : 1e-7);
-        }
-    }
+    ExpectAxisAngleRoundTrips<M3>(V3(Real(0.48), Real(-0.6), Real(0.64)),
+                                  {1e-4, 0.5, 2.0, 3.14159, 3.141592}, tolerance,
+                                  sizeof(Real) == 4 ? 2e-3 : 1e-7);
     V3 back;
     Real angle;
     M3::IDENTITY.ToAxisAngle(back, angle);

@@ -1,4 +1,4 @@
-// Points: affine arithmetic, comparisons, the text forms and PolarBy.
+// Points: affine arithmetic, the text forms and PolarBy.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -13,13 +13,10 @@
 namespace {
 
 using P2d = CKWPoint2T<double, float>;
-using P3f = CKWPoint3T<float, double>;
 using P3d = CKWPoint3T<double, float>;
+using P3f = CKWPoint3T<float, double>;
 using P4f = CKWPoint4T<float, double>;
 using V3f = CKWVector3T<float, double>;
-
-static_assert(sizeof(P3f) == 3 * sizeof(float), "points are plain components");
-static_assert(!std::is_polymorphic_v<P3f>, "points have no virtual table");
 
 TEST(Point, AffineArithmetic) {
     P3f p(1, 2, 3), q(4, 6, 3);
@@ -32,22 +29,15 @@ TEST(Point, AffineArithmetic) {
     EXPECT_EQ(P3f(p.AffineSum(0.5f, q)), P3f(2.5f, 4.0f, 3.0f));
     EXPECT_EQ(P3f(p.AffineSum(0.0f, q)), p);
     EXPECT_EQ(P3f(p.AffineSum(1.0f, q)), q);
-    EXPECT_EQ((CKWPointT<3, float, double>::UNIT(1)), P3f(0, 1, 0));
-    EXPECT_EQ((CKWPointT<3, float, double>::ZERO()), P3f::ZERO);
 }
 
-TEST(Point, ConversionAndComparison) {
-    const double tuple[] = {1.5, -2.5};
-    P2d p{CKWPointT<2, double, float>(tuple)};
-    p.SetY(4.0);
-    EXPECT_EQ(p, P2d(1.5, 4.0));
+TEST(Point, NamedClassesTakeEitherPrecisionAndSetOneComponent) {
+    P2d r(1.5, -2.5);
+    r.SetY(4.0);
+    EXPECT_EQ(r, P2d(1.5, 4.0));
     EXPECT_EQ(P3d(0.5f, 0.25f, 0.125f), P3d(0.5, 0.25, 0.125));
-    P3f fromDouble(0.1, 0.2, 0.3);
-    EXPECT_EQ(fromDouble.Y(), 0.2f);
-    EXPECT_NE(P2d(0.0, 0.0), P2d(-0.0, 0.0));
-    EXPECT_TRUE((CKWPoint2T<float, double>(1, 0) > CKWPoint2T<float, double>(2, 0)));
-    EXPECT_TRUE(P3d(1.06, 0.0, 0.0).Approx_Equal(P3d(1.14, 0.0, 0.0), 1));
-    EXPECT_FALSE(P3d(1.04, 0.0, 0.0).Approx_Equal(P3d(1.06, 0.0, 0.0), 1));
+    EXPECT_EQ(P3f(0.1, 0.2, 0.3).Y(), 0.2f);
+    EXPECT_EQ((CKWPointT<3, float, double>::ZERO()), P3f::ZERO);
 }
 
 TEST(Point4, PolarByStepsInThePlaneAndSetsW) {

@@ -5,21 +5,7 @@
 
 #include "GeometryTestTypes.h"
 
-#if __has_include(<eigen3/Eigen/Geometry>)
-#include <eigen3/Eigen/Geometry>
-#define KWCORE_TEST_WITH_EIGEN 1
-#endif
-
 namespace {
-
-template <class Q>
-double QuaternionDifference(const Q& a, const Q& b) {
-    double most = 0;
-    for (int i = 0; i < 4; ++i) {
-        most = std::fmax(most, std::fabs(double(a[i]) - double(b[i])));
-    }
-    return most;
-}
 
 template <class Q, class V3>
 Q RandomRotation(TestValues& values) {
@@ -31,7 +17,7 @@ Q RandomRotation(TestValues& values) {
 
 }  // namespace
 
-#define EXPECT_QUATERNION_NEAR(a, b, tolerance) EXPECT_LE(QuaternionDifference(a, b), tolerance)
+#define EXPECT_QUATERNION_NEAR(a, b, tolerance) EXPECT_COMPONENTS_NEAR(a, b, 4, tolerance)
 
 template <class Pair>
 class QuaternionTest : public ::testing::Test {};
@@ -48,8 +34,9 @@ TYPED_TEST(QuaternionTest, MatrixConversionsRoundTripInEveryBranch) {
         M3 m;
         q.ToRotationMatrix(m);
         const Q back(m);
-        EXPECT_LE(std::fmin(QuaternionDifference(back, q), QuaternionDifference(back, -q)),
-                  tolerance);
+        EXPECT_LE(
+            std::fmin(MaxComponentDifference(back, q, 4), MaxComponentDifference(back, -q, 4)),
+            tolerance);
         M4 m4 = M4::IDENTITY * Real(7);
         q.ToRotationMatrix(m4);
         EXPECT_EQ(m4(3, 3), Real(1));
@@ -61,10 +48,7 @@ TYPED_TEST(QuaternionTest, MatrixConversionsRoundTripInEveryBranch) {
         EXPECT_QUATERNION_NEAR(Q(columns), back, 0);
         // The rotation of a vector is the matrix's.
         const V3 v(Real(0.3), Real(-2), Real(1.5));
-        const V3 rotated = q * v, byMatrix = m * v;
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_NEAR(rotated[i], byMatrix[i], 4 * tolerance);
-        }
+        EXPECT_COMPONENTS_NEAR(V3(q * v), V3(m * v), 3, 4 * tolerance);
     }
     const V3 turned =
         Q(V3(Real(0), Real(0), Real(1)), Math::HALF_PI) * V3(Real(1), Real(0), Real(0));
@@ -100,17 +84,8 @@ TYPED_TEST(QuaternionTest, ProductsComposeLikeMatrices) {
 
 TYPED_TEST(QuaternionTest, AxisAngleRoundTripsNearZeroAndHalfTurn) {
     GEOMETRY_PAIR_TYPES;
-    const V3 axis(Real(0.48), Real(0.6), Real(-0.64));
-    for (const double angle : {1e-6, 0.5, 3.14159, 3.14159265358979, 4.0}) {
-        SCOPED_TRACE(angle);
-        V3 back;
-        Real backAngle;
-        Q(axis, Real(angle)).ToAxisAngle(back, backAngle);
-        EXPECT_NEAR(backAngle, angle, tolerance);
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_NEAR(back[i], axis[i], tolerance);
-        }
-    }
+    ExpectAxisAngleRoundTrips<Q>(V3(Real(0.48), Real(0.6), Real(-0.64)),
+                                 {1e-6, 0.5, 3.14159, 3.14159265358979, 4.0}, tolerance, tolerance);
     V4 axis4;
     Real angle;
     Q::IDENTITY.ToAxisAngle(axis4, angle);
@@ -186,10 +161,7 @@ TYPED_TEST(QuaternionTest, AlignTurnsOneDirectionOntoAnother) {
         Q q;
         q.Align(pair[0], pair[1]);
         EXPECT_NEAR(q.Length(), 1, tolerance);
-        const V3 turned = q * pair[0];
-        for (int i = 0; i < 3; ++i) {
-            EXPECT_NEAR(turned[i], pair[1][i], 4 * tolerance);
-        }
+        EXPECT_COMPONENTS_NEAR(V3(q * pair[0]), pair[1], 3, 4 * tolerance);
     }
 }
 

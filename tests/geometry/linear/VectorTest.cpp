@@ -1,13 +1,9 @@
-// Vectors: construction, comparison by bytes, arithmetic, normalization,
-// cross products and bases, in both pairs.
+// Vectors: arithmetic, normalization, cross products and bases.
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <map>
-#include <type_traits>
 
 #include "GeometryPrinters.h"
-#include "kwcore/geometry/linear/CKWPoint3T.h"
 #include "kwcore/geometry/linear/CKWVector2T.h"
 #include "kwcore/geometry/linear/CKWVector3T.h"
 #include "kwcore/geometry/linear/CKWVector4T.h"
@@ -19,9 +15,6 @@ using V3f = CKWVector3T<float, double>;
 using V3d = CKWVector3T<double, float>;
 using V4f = CKWVector4T<float, double>;
 using V4d = CKWVector4T<double, float>;
-
-static_assert(sizeof(V3f) == sizeof(CKWVectorT<3, float, double>), "derived adds no data");
-static_assert(std::is_polymorphic_v<CKWVectorT<3, float, double>>, "vectors are polymorphic");
 
 template <class V>
 class VectorPairs : public ::testing::Test {};
@@ -86,42 +79,9 @@ TEST(Vector, VirtualCrossDispatchesThroughTheBase) {
     EXPECT_EQ(V4f(1, 0, 0, 5).Cross(V4f(0, 1, 0, 7)), V4f(0, 0, 1, 0));
 }
 
-TEST(Vector, ComparesComponentBytesInMemoryOrder) {
-    EXPECT_FALSE(V2f(0.0f, 0.0f) == V2f(-0.0f, 0.0f));
-    EXPECT_TRUE(V2f(0.0f, 0.0f) != V2f(-0.0f, 0.0f));
-    // 1.0f is 00 00 80 3f and 2.0f is 00 00 00 40 in memory: the third byte decides.
-    EXPECT_TRUE(V2f(1, 0) > V2f(2, 0));
-    EXPECT_TRUE(V2f(2, 0) < V2f(1, 0));
-    EXPECT_TRUE(V2f(2, 0) <= V2f(2, 0));
-    EXPECT_TRUE(V2f(2, 0) >= V2f(2, 0));
-    V3d nan(std::nan(""), 0.0, 0.0);
-    EXPECT_TRUE(nan == nan);
-    // A total order: usable as a map key.
-    std::map<V2f, int> keyed;
-    keyed[V2f(1, 0)] = 1;
-    keyed[V2f(2, 0)] = 2;
-    keyed[V2f(1, 0)] = 3;
-    EXPECT_EQ(keyed.size(), 2u);
-    EXPECT_EQ(keyed.begin()->second, 2);
-}
-
-TEST(Vector, ApproxEqualRoundsEachComponent) {
-    EXPECT_TRUE(V3d(1.06, 2.0, 3.0).Approx_Equal(V3d(1.14, 2.0, 3.0), 1));
-    EXPECT_FALSE(V3d(1.04, 2.0, 3.0).Approx_Equal(V3d(1.06, 2.0, 3.0), 1));
-    EXPECT_FALSE(V3d(1.0, 2.0, 3.0).Approx_Equal(V3d(1.0, 2.0, 3.2), 1));
-}
-
-TEST(Vector, ConstructionAndArithmetic) {
-    const float tuple[] = {1, 2, 3, 4};
-    CKWVectorT<4, float, double> v(tuple);
-    EXPECT_EQ(v[3], 4.0f);
-    EXPECT_EQ((CKWVectorT<4, float, double>(nullptr)), (CKWVectorT<4, float, double>()));
-    CKWPoint3T<double, float> p(1.0, 2.0, 3.0);
-    EXPECT_EQ(V3d(CKWVectorT<3, double, float>(p)), V3d(1, 2, 3));
+TEST(Vector, Arithmetic) {
     EXPECT_EQ(V3d(1.5f, 2.5f, 3.5f), V3d(1.5, 2.5, 3.5));
-    V3f narrowed(0.1, 0.2, 0.3);
-    EXPECT_EQ(narrowed.X(), 0.1f);
-
+    EXPECT_EQ(V3f(0.1, 0.2, 0.3).X(), 0.1f);
     V3f a(1, 2, 3), b(4, 5, 6);
     EXPECT_EQ(a + b - V3f(1, 1, 1), V3f(4, 6, 8));
     EXPECT_EQ(-a * 2, V3f(-2, -4, -6));
@@ -132,7 +92,6 @@ TEST(Vector, ConstructionAndArithmetic) {
     a *= 0.5f;
     EXPECT_EQ(a, V3f(2, 3, 4));
     EXPECT_EQ((CKWVectorT<3, float, double>::UNIT(2)), V3f::UNIT_Z);
-    EXPECT_EQ((CKWVectorT<3, float, double>::UNIT(3)), V3f::ZERO);
 }
 
 TEST(Vector, NonFiniteComponentsPropagate) {

@@ -168,23 +168,23 @@ private:
     std::list<int> m_ears;
 };
 
+template <class Real>
+Real Epsilon() {
+    return std::is_same<Real, float>::value ? Real(1e-5) : Real(1e-12);
+}
+
+// The clipper's triangles, with the filter's epsilon of the precision.
 template <class Real, class Other>
-Triangles Clip(const std::vector<CKWVector2T<Real, Other>>& points, Query::Type type,
-               Real epsilon) {
+Triangles Clip(const std::vector<CKWVector2T<Real, Other>>& points, Query::Type type) {
     int* indices = nullptr;
     CKWTriangulateEarClipping<Real, Other> clip(static_cast<int>(points.size()), points.data(),
-                                                type, epsilon, indices);
+                                                type, Epsilon<Real>(), indices);
     Triangles triangles;
     if (indices != nullptr) {
         triangles.assign(indices, indices + 3 * (points.size() - 2));
     }
     delete[] indices;
     return triangles;
-}
-
-template <class Real>
-Real Epsilon() {
-    return std::is_same<Real, float>::value ? Real(1e-5) : Real(1e-12);
 }
 
 const Query::Type kAllTypes[] = {Query::QT_INT64, Query::QT_INTEGER, Query::QT_RATIONAL,
@@ -228,7 +228,7 @@ public:
 
     // The indexed clipper and the reference agree triangle for triangle.
     static void ExpectSameAsReference(const std::vector<V>& points, Query::Type type) {
-        const Triangles fast = Clip(points, type, Epsilon<Real>());
+        const Triangles fast = Clip(points, type);
         CReferenceEarClipping<Real, Other> reference(points, type, Epsilon<Real>());
         ASSERT_EQ(fast, reference.m_triangles) << "query " << type << ", " << points.size();
     }
@@ -249,19 +249,17 @@ TYPED_TEST_SUITE(EarClippingTest, GeometryPairs);
 TYPED_TEST(EarClippingTest, ConvexPolygonGivesTheFan) {
     const auto square = TestFixture::Make({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
     for (Query::Type type : kAllTypes) {
-        EXPECT_EQ(Clip(square, type, Epsilon<typename TypeParam::Real>()),
-                  (Triangles{0, 1, 2, 0, 2, 3}));
+        EXPECT_EQ(Clip(square, type), (Triangles{0, 1, 2, 0, 2, 3}));
     }
     const auto triangle = TestFixture::Make({{0, 0}, {3, 1}, {1, 2}});
-    EXPECT_EQ(Clip(triangle, Query::QT_FILTERED, Epsilon<typename TypeParam::Real>()),
-              (Triangles{0, 1, 2}));
+    EXPECT_EQ(Clip(triangle, Query::QT_FILTERED), (Triangles{0, 1, 2}));
 }
 
 TYPED_TEST(EarClippingTest, LShapeCoversItselfWithoutTheReflexVertexInside) {
     // Vertex 3 is the reflex corner; it lies inside the triangle of vertex 0.
     const auto shape = TestFixture::Make({{0, 0}, {4, 0}, {4, 1}, {1, 1}, {1, 4}, {0, 4}});
     for (Query::Type type : kAllTypes) {
-        const Triangles t = Clip(shape, type, Epsilon<typename TypeParam::Real>());
+        const Triangles t = Clip(shape, type);
         ASSERT_EQ(t.size(), 12u);
         double area = 0;
         for (std::size_t k = 0; k < t.size(); k += 3) {
@@ -282,7 +280,7 @@ TYPED_TEST(EarClippingTest, ReflexVertexOnTheEarsEdgeDoesNotBlockIt) {
     // Reflex vertex 3 = (2, 2) lies on the diagonal of ear 0 and of ear 1.
     const auto shape = TestFixture::Make({{0, 0}, {4, 0}, {4, 4}, {2, 2}, {0, 4}});
     for (Query::Type type : kAllTypes) {
-        const Triangles t = Clip(shape, type, Epsilon<typename TypeParam::Real>());
+        const Triangles t = Clip(shape, type);
         ASSERT_EQ(t.size(), 9u);
         EXPECT_EQ((Triangles{t[0], t[1], t[2]}), (Triangles{4, 0, 1})) << type;
     }
@@ -366,7 +364,7 @@ TYPED_TEST(EarClippingTest, InputOutsideTheContractStaysInRange) {
             }
         }
         for (Query::Type type : kAllTypes) {
-            const Triangles t = Clip(points, type, Epsilon<Real>());
+            const Triangles t = Clip(points, type);
             ASSERT_EQ(t.size(), static_cast<std::size_t>(3 * (n - 2)));
             for (int index : t) {
                 ASSERT_GE(index, 0);
@@ -382,16 +380,19 @@ TYPED_TEST(EarClippingTest, InputOutsideTheContractStaysInRange) {
 
 TYPED_TEST(EarClippingTest, RefusesWhatItCannotTriangulate) {
     typedef typename TypeParam::Real Real;
-    const auto two = TestFixture::Make({{0, 0}, {1, 0}});
-    int* indices = reinterpret_cast<int*>(&indices);
-    CKWTriangulateEarClipping<Real, typename TypeParam::Other> tooFew(
-        2, two.data(), Query::QT_FILTERED, Epsilon<Real>(), indices);
-    EXPECT_EQ(indices, nullptr);
     const auto square = TestFixture::Make({{0, 0}, {1, 0}, {1, 1}, {0, 1}});
-    CKWTriangulateEarClipping<Real, typename TypeParam::Other> badType(
-        4, square.data(), static_cast<Query::Type>(5), Epsilon<Real>(), indices);
-    EXPECT_EQ(indices, nullptr);
-    CKWTriangulateEarClipping<Real, typename TypeParam::Other> noPoints(4, nullptr, Query::QT_REAL,
+    // Too few points, an unknown query kind, no points.
+    const struct {
+        int n;
+        const typename TestFixture::V* points;
+        Query::Type type;
+    } cases[] = {{2, square.data(), Query::QT_FILTERED},
+                 {4, square.data(), static_cast<Query::Type>(5)},
+                 {4, nullptr, Query::QT_REAL}};
+    for (const auto& c : cases) {
+        int* indices = reinterpret_cast<int*>(&indices);
+        CKWTriangulateEarClipping<Real, typename TypeParam::Other> clip(c.n, c.points, c.type,
                                                                         Epsilon<Real>(), indices);
-    EXPECT_EQ(indices, nullptr);
+        EXPECT_EQ(indices, nullptr) << c.n << " " << c.type;
+    }
 }

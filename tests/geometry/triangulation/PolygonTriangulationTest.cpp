@@ -32,6 +32,7 @@ TEST(PolygonTriangulation, SquareMakesTwoTrianglesAndReportsTheTotal) {
     testing::internal::CaptureStdout();
     polygon.triangulation();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Total number of triangles:2\n");
+    EXPECT_TRUE(polygon.traceText().empty());  // traced only when asked
     ExpectTiles(polygon, {kSquare});
 }
 
@@ -102,10 +103,7 @@ TEST(PolygonTriangulation, RefusesAContourThatRepeatsAPoint) {
 
 TEST(PolygonTriangulation, CollinearRunsAndHorizontalEdges) {
     const Contour runs = {0, 0, 1, 0, 2, 0, 3, 0, 3, 1, 3, 2, 2, 2, 2, 1, 1, 1, 1, 2, 0, 2, 0, 1};
-    Polygon polygon;
-    ASSERT_TRUE(Build(polygon, {runs}));
-    Triangulate(polygon);
-    ExpectTiles(polygon, {runs}, true);
+    kwtest::ExpectTriangulationTiles({runs}, true);
 }
 
 TEST(PolygonTriangulation, TilesGeneratedPolygons) {
@@ -150,10 +148,6 @@ TEST(PolygonTriangulation, TracesEveryPhaseWhenAsked) {
           "Add triangle:", "current top queue vertex index=", "Current top stack vertex index="}) {
         EXPECT_NE(trace.find(text), std::string::npos) << text;
     }
-    Polygon quiet;
-    ASSERT_TRUE(Build(quiet, {kSquare}));
-    Triangulate(quiet);
-    EXPECT_TRUE(quiet.traceText().empty());
 }
 
 TEST(PolygonTriangulation, MapsFollowTheContoursAndTheSweep) {

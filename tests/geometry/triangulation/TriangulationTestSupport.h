@@ -96,4 +96,12 @@ inline void ExpectTiles(kwPolygonTriangulation::Polygon& polygon,
     EXPECT_NEAR(area, expectedArea, 1e-9 * std::fabs(expectedArea));
 }
 
+// Builds the polygon, triangulates it and checks the tiles as above.
+inline void ExpectTriangulationTiles(const std::vector<Contour>& contours, bool allowFlat = false) {
+    kwPolygonTriangulation::Polygon polygon;
+    ASSERT_TRUE(Build(polygon, contours));
+    Triangulate(polygon);
+    ExpectTiles(polygon, contours, allowFlat);
+}
+
 }  // namespace kwtest

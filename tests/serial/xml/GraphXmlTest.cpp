@@ -39,10 +39,12 @@ protected:
     }
 
     // Nodes 0..4: a cycle 0-1-2-0, a tail 2-3, and 4 joined to 3 by edges
-    // attached in an order unlike the IDs'.
-    void Build() {
+    // attached in an order unlike the IDs'. Their IDs are kept.
+    void BuildAndRemember() {
+        s_nodeIDs.clear();
         for (CKWGraphNode*& node : m_nodes) {
             node = NewNode();
+            s_nodeIDs.push_back(node->GetInstanceID());
         }
         const int pairs[][2] = {{0, 1}, {1, 2}, {2, 0}, {2, 3}, {4, 3}, {3, 4}};
         for (const auto& pair : pairs) {
@@ -53,13 +55,6 @@ protected:
     // The loaded node that was built as node i, if any.
     static CKWGraphNode* Node(std::size_t i) {
         return dynamic_cast<CKWGraphNode*>(NodeType()->FindInstance(s_nodeIDs[i]));
-    }
-    void BuildAndRemember() {
-        Build();
-        s_nodeIDs.clear();
-        for (CKWGraphNode* node : m_nodes) {
-            s_nodeIDs.push_back(node->GetInstanceID());
-        }
     }
 
     static Shape ShapeOf() {
