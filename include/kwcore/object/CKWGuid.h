@@ -158,12 +158,12 @@ protected:
     static char* Decode64(const char* text, int* length);
 
 private:
-    bool Equals(const GUID& guid) const noexcept;
+    inline bool Equals(const GUID& guid) const noexcept;
     // The order as two unsigned numbers: Data1, Data2, Data3 in the high one,
     // the Data4 bytes (first byte most significant) in the low one.
-    std::uint64_t HighKey() const noexcept;
-    std::uint64_t LowKey() const noexcept;
-    bool IsBefore(const CKWGuid& other) const noexcept;
+    inline std::uint64_t HighKey() const noexcept;
+    inline std::uint64_t LowKey() const noexcept;
+    inline bool IsBefore(const CKWGuid& other) const noexcept;
 
     GUID m_guid;
 };
