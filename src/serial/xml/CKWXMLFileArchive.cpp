@@ -113,8 +113,7 @@ CKWBOOL CKWXMLFileArchive::Close() {
     return CKWBOOL(result);
 }
 
-CKWDocument* CKWXMLFileArchive::CreateNewDocument(const CKWGuid& documentID,
-                                                  IKWObjectType* contentType) {
+CKWDocument* CKWXMLFileArchive::CreateNewDocument(CKWGuid documentID, IKWObjectType* contentType) {
     if (!m_pDOMDocument) {
         return nullptr;
     }
@@ -125,7 +124,7 @@ CKWDocument* CKWXMLFileArchive::CreateNewDocument(const CKWGuid& documentID,
     return document;
 }
 
-int CKWXMLFileArchive::SetFile(const CString& fileName) {
+int CKWXMLFileArchive::SetFile(CString fileName) {
     m_fileName = fileName;
     return 1;
 }

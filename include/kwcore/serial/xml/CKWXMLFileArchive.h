@@ -38,9 +38,9 @@ public:
     // nothing was open.
     CKWBOOL Close() override;
     // Null while no DOM is open.
-    CKWDocument* CreateNewDocument(const CKWGuid& documentID, IKWObjectType* contentType) override;
+    CKWDocument* CreateNewDocument(CKWGuid documentID, IKWObjectType* contentType) override;
 
-    int SetFile(const CString& fileName);
+    int SetFile(CString fileName);
     const CString& GetFile() const { return m_fileName; }
     // The open DOM, or null.
     XERCES_CPP_NAMESPACE::DOMDocument* GetDOMDocument() const { return m_pDOMDocument; }
