@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <unordered_set>
 
-KW_IMPLEMENT_TYPE(CKWObservable, "{D265DD01-767A-4ACB-BCF6-02720CB234E1}",
-                  "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
+KW_IMPLEMENT_ABSTRACT_TYPE(CKWObservable, "{D265DD01-767A-4ACB-BCF6-02720CB234E1}",
+                           "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
 
 namespace {
 

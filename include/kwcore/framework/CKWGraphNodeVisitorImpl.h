@@ -16,7 +16,7 @@
 #include "kwcore/object/CKWObjectImpl.h"
 
 class KWCORE_API CKWGraphNodeVisitorImpl : public CKWObjectImpl, public IKWGraphNodeVisitor {
-    KW_DECLARE_TYPE(CKWGraphNodeVisitorImpl, CKWObjectTypeImpl)
+    KW_DECLARE_ABSTRACT_TYPE(CKWGraphNodeVisitorImpl, CKWObjectTypeImpl)
 
 public:
     int Start(CKWGraphNode* node) override;

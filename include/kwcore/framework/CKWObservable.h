@@ -38,7 +38,7 @@
 #include "kwcore/object/CKWObjectImpl.h"
 
 class KWCORE_API CKWObservable : public CKWObjectImpl {
-    KW_DECLARE_TYPE(CKWObservable, CKWObjectTypeImpl)
+    KW_DECLARE_ABSTRACT_TYPE(CKWObservable, CKWObjectTypeImpl)
 
 public:
     // Queues the observation and, unless a delivery is running, delivers the
