@@ -36,10 +36,13 @@ protected:
     // 0 makes creation fail (the object is then released at once).
     virtual int OnInitialize() = 0;
 
-    // Protected: client code never deletes an object; its type does, as the
-    // object's own class. Declared last so it follows the operations above.
+public:
+    // Only a type's DTOR deletes an object (client code calls Release). The
+    // destructor is virtual, so `delete object` there runs the object's own
+    // destructor. Declared last so it follows the operations above.
     virtual ~IKWObject() = default;
 
+protected:
     // The type object drives the life cycle.
     friend class CKWObjectTypeImpl;
 };
