@@ -10,6 +10,7 @@
 
 #include "KWTestObjects.h"
 #include "kwcore/framework/CKWObservable.h"
+#include "kwcore/framework/CKWToolEventRouter.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ void ReportCalls(benchmark::State& state, long received) {
 // One observation, kept by the publisher (auto-release off), published over and over.
 void BM_KWPublish(benchmark::State& state) {
     Audience audience(static_cast<int>(state.range(0)));
-    auto* subject = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
+    auto* subject = KWTestCreate<CKWObservable>(CKWToolEventRouter::GetCKWToolEventRouterType());
     for (std::size_t i = 0; i < audience.observers.size(); ++i) {
         subject->AddObserver(audience.observers[i], kChain[i % 3]);
     }
@@ -118,7 +119,7 @@ BENCHMARK(BM_KWPublish)->Arg(1)->Arg(10)->Arg(100);
 // A new observation per publication, made through its type and auto-released.
 void BM_KWPublishNew(benchmark::State& state) {
     Audience audience(static_cast<int>(state.range(0)));
-    auto* subject = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
+    auto* subject = KWTestCreate<CKWObservable>(CKWToolEventRouter::GetCKWToolEventRouterType());
     for (std::size_t i = 0; i < audience.observers.size(); ++i) {
         subject->AddObserver(audience.observers[i], kChain[i % 3]);
     }
@@ -154,7 +155,7 @@ void BM_KWReentrant(benchmark::State& state) {
     const int length = static_cast<int>(state.range(0));
     Audience audience(1);
     CBenchObserver* relay = audience.observers.front();
-    auto* subject = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
+    auto* subject = KWTestCreate<CKWObservable>(CKWToolEventRouter::GetCKWToolEventRouterType());
     subject->AddObserver(relay, CKWGuid(kBenchCTypeID));
     relay->m_pRelay = subject;
     auto* observation =

@@ -79,13 +79,13 @@ CKWGraphNode* CKWGraphEdge::GetNeighbor(const CKWGraphNode* node) const {
     return nullptr;
 }
 
-void CKWGraphEdge::SetVisited(const IKWGraphNodeVisitor* visitor) {
+void CKWGraphEdge::SetVisited(IKWGraphNodeVisitor* visitor) {
     if (visitor) {
         m_iVisitedSession = visitor->GetSessionID();
     }
 }
 
-int CKWGraphEdge::WasVisited(const IKWGraphNodeVisitor* visitor) const {
+int CKWGraphEdge::WasVisited(IKWGraphNodeVisitor* visitor) const {
     return visitor && m_iVisitedSession == visitor->GetSessionID() ? 1 : 0;
 }
 

@@ -53,13 +53,13 @@ void CKWGraphNode::Disconnect() {
     }
 }
 
-void CKWGraphNode::SetVisited(const IKWGraphNodeVisitor* visitor) {
+void CKWGraphNode::SetVisited(IKWGraphNodeVisitor* visitor) {
     if (visitor) {
         m_iVisitedSession = visitor->GetSessionID();
     }
 }
 
-int CKWGraphNode::WasVisited(const IKWGraphNodeVisitor* visitor) const {
+int CKWGraphNode::WasVisited(IKWGraphNodeVisitor* visitor) const {
     return visitor && m_iVisitedSession == visitor->GetSessionID() ? 1 : 0;
 }
 

@@ -2,8 +2,8 @@
 
 #include "kwcore/framework/CKWGraphNode.h"
 
-KW_IMPLEMENT_TYPE(CKWGraphNodeVisitorImpl, "{4D788BB9-51E7-44CC-8A34-62698C2C3D43}",
-                  "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
+KW_IMPLEMENT_ABSTRACT_TYPE(CKWGraphNodeVisitorImpl, "{4D788BB9-51E7-44CC-8A34-62698C2C3D43}",
+                           "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
 
 std::uint16_t CKWGraphNodeVisitorImpl::m_iNextSessionID = 0;
 bool CKWGraphNodeVisitorImpl::m_bLocked = false;

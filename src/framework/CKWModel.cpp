@@ -15,7 +15,7 @@ int CKWModel::AddView(CKWView* view) {
     return AddObserver(view, CKWGuid(KW_BASE_OBSERVATION_TYPE_ID));
 }
 
-CKWView* CKWModel::GetView(const CKWGuid& instanceID) {
+CKWView* CKWModel::GetView(CKWGuid instanceID) {
     CKWObserver* observer = GetObserver(CKWGuid(KW_BASE_OBSERVATION_TYPE_ID), instanceID);
     if (!observer || !observer->IsTypeOf(CKWView::GetCKWViewType()->GetID())) {
         return nullptr;
@@ -23,12 +23,12 @@ CKWView* CKWModel::GetView(const CKWGuid& instanceID) {
     return dynamic_cast<CKWView*>(observer);
 }
 
-int CKWModel::RemoveView(const CKWGuid& instanceID) {
+int CKWModel::RemoveView(CKWGuid instanceID) {
     const CKWGuid base(KW_BASE_OBSERVATION_TYPE_ID);
     return RemoveObserver(GetObserver(base, instanceID), base);
 }
 
-void* CKWModel::GetInterface(const CKWGuid& interfaceID) {
+void* CKWModel::GetInterface(CKWGuid interfaceID) {
     return kwSerializableSide::AnswerInterface(CKWObservable::GetInterface(interfaceID),
                                                interfaceID, this);
 }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <unordered_set>
 
-KW_IMPLEMENT_TYPE(CKWObservable, "{D265DD01-767A-4ACB-BCF6-02720CB234E1}",
-                  "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
+KW_IMPLEMENT_ABSTRACT_TYPE(CKWObservable, "{D265DD01-767A-4ACB-BCF6-02720CB234E1}",
+                           "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
 
 namespace {
 
@@ -38,8 +38,8 @@ void CKWObservable::NotifyObservers(CKWObservation* observation) {
 // Lists are not changed while locked (changes are deferred), so walking them
 // while observers run is safe; new map entries leave the others in place.
 void CKWObservable::Deliver(CKWObservation* observation) {
-    const IKWObjectType* stop = CKWObservation::GetCKWObservationType()->GetParentType();
-    for (const IKWObjectType* type = observation->GetType(); type && type != stop;
+    IKWObjectType* stop = CKWObservation::GetCKWObservationType()->GetParentType();
+    for (IKWObjectType* type = observation->GetType(); type && type != stop;
          type = type->GetParentType()) {
         auto entry = m_observers.find(type->GetID());
         if (entry == m_observers.end()) {
@@ -51,7 +51,7 @@ void CKWObservable::Deliver(CKWObservation* observation) {
     }
 }
 
-int CKWObservable::AddObserver(CKWObserver* observer, const CKWGuid& observationTypeID) {
+int CKWObservable::AddObserver(CKWObserver* observer, CKWGuid observationTypeID) {
     if (!observer) {
         return 0;
     }
@@ -70,13 +70,12 @@ int CKWObservable::AddObserver(CKWObserver* observer, const CKWGuid& observation
     return 1;
 }
 
-CKWObserver* CKWObservable::GetObserver(const CKWGuid& observationTypeID,
-                                        const CKWGuid& instanceID) {
+CKWObserver* CKWObservable::GetObserver(CKWGuid observationTypeID, CKWGuid instanceID) {
     auto entry = m_observers.find(observationTypeID);
     return entry == m_observers.end() ? nullptr : entry->second.FindObject(instanceID);
 }
 
-int CKWObservable::RemoveObserver(CKWObserver* observer, const CKWGuid& observationTypeID) {
+int CKWObservable::RemoveObserver(CKWObserver* observer, CKWGuid observationTypeID) {
     auto entry = m_observers.find(observationTypeID);
     if (entry == m_observers.end()) {
         return 1;

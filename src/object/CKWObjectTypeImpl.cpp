@@ -19,7 +19,7 @@ IKWObject* CKWObjectTypeImpl::FindInstance(const CKWGuid& instanceID) const {
     return m_pTrackedInstances->Find(instanceID);
 }
 
-void CKWObjectTypeImpl::SetID(const CKWGuid& typeID) {
+void CKWObjectTypeImpl::SetID(CKWGuid typeID) {
     m_typeID = typeID;
     CKWTypeSystem::AddType(this);
 }
@@ -56,7 +56,7 @@ int CKWObjectTypeImpl::RegisterWithParentType(IKWObjectType* parent) {
     return 1;
 }
 
-IKWObject* CKWObjectTypeImpl::CreateInstance(const CKWGuid& instanceID) {
+IKWObject* CKWObjectTypeImpl::CreateInstance(CKWGuid instanceID) {
     IKWObject* object = CTOR();
     if (!object) {
         return nullptr;
@@ -89,7 +89,7 @@ int CKWObjectTypeImpl::AddChildType(IKWObjectType* child) {
 
 // Both IsTypeOf forms ask the parent through its virtual operation, so a type
 // class that refines IsTypeOf is honoured all the way up the chain.
-int CKWObjectTypeImpl::IsTypeOf(const IKWObjectType* type) const {
+int CKWObjectTypeImpl::IsTypeOf(IKWObjectType* type) {
     if (!type) {
         return 0;
     }
@@ -99,7 +99,7 @@ int CKWObjectTypeImpl::IsTypeOf(const IKWObjectType* type) const {
     return m_pParentType ? m_pParentType->IsTypeOf(type) : 0;
 }
 
-int CKWObjectTypeImpl::IsTypeOf(const CKWGuid& typeID) const {
+int CKWObjectTypeImpl::IsTypeOf(CKWGuid typeID) {
     if (!typeID.IsValid()) {
         return 0;
     }
@@ -109,13 +109,13 @@ int CKWObjectTypeImpl::IsTypeOf(const CKWGuid& typeID) const {
     return m_pParentType ? m_pParentType->IsTypeOf(typeID) : 0;
 }
 
-void CKWObjectTypeImpl::GetInstanceList(std::list<CKWGuid>& instanceIDs) const {
+void CKWObjectTypeImpl::GetInstanceList(std::list<CKWGuid>& instanceIDs) {
     for (const CKWGuid& id : m_pTrackedInstances->GetSortedIDs()) {
         instanceIDs.push_back(id);
     }
 }
 
-void CKWObjectTypeImpl::GetDerivedTypes(std::list<IKWObjectType*>& types) const {
+void CKWObjectTypeImpl::GetDerivedTypes(std::list<IKWObjectType*>& types) {
     for (const auto& entry : m_derivedTypes) {
         IKWObjectType* child = entry.second;
         if (child->HasDerivedTypes()) {

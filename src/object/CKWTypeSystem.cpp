@@ -156,7 +156,7 @@ void CKWTypeSystem::Release() {
     delete system;
 }
 
-void CKWTypeSystem::ForgetType(const IKWObjectType* type) {
+void CKWTypeSystem::ForgetType(IKWObjectType* type) {
     for (IKWObjectType*& slot : m_rootTypes) {
         if (slot == type) {
             slot = nullptr;

@@ -23,11 +23,11 @@ CKWBOOL CKWArchive::Close() {
     return CKWBOOL(true);
 }
 
-CKWDocument* CKWArchive::CreateNewDocument(const CKWGuid& documentID, IKWObjectType*) {
+CKWDocument* CKWArchive::CreateNewDocument(CKWGuid documentID, IKWObjectType*) {
     return kwStoredHierarchy::CreateChild(GetDocumentType(), documentID, true, m_documents);
 }
 
-CKWBOOL CKWArchive::DeleteDocument(const CKWGuid& documentID) {
+CKWBOOL CKWArchive::DeleteDocument(CKWGuid documentID) {
     return CKWBOOL(kwStoredHierarchy::DeleteChild(documentID, m_documents) != 0);
 }
 

@@ -7,11 +7,11 @@
 KW_IMPLEMENT_TYPE(CKWDocument, "{4F87AD20-AE52-43A7-882C-599156B30828}",
                   "{3719246B-C3B0-4AE9-9723-6E998C42484A}")
 
-IKWObject* CKWDocument::GetObjectA(const CKWGuid& typeID, const CKWGuid& instanceID) {
+IKWObject* CKWDocument::GetObjectA(CKWGuid typeID, CKWGuid instanceID) {
     return kwGraphSerialization::GetStoredObject(this, typeID, instanceID);
 }
 
-CKWTypeManifest* CKWDocument::CreateTypeManifest(const CKWGuid& typeID, IKWObjectType*) {
+CKWTypeManifest* CKWDocument::CreateTypeManifest(CKWGuid typeID, IKWObjectType*) {
     CKWTypeManifest* manifest =
         kwStoredHierarchy::CreateChild(GetTypeManifestType(), typeID, false, m_manifests);
     if (manifest) {
@@ -21,7 +21,7 @@ CKWTypeManifest* CKWDocument::CreateTypeManifest(const CKWGuid& typeID, IKWObjec
     return manifest;
 }
 
-int CKWDocument::DeleteTypeManifest(const CKWGuid& typeID) {
+int CKWDocument::DeleteTypeManifest(CKWGuid typeID) {
     return kwStoredHierarchy::DeleteChild(typeID, m_manifests);
 }
 

@@ -50,30 +50,30 @@ int CKWFieldDataAdaptor::SerializeFrom(IKWFieldStream* stream) {
     return stream ? stream->Read(this) : 0;
 }
 
-int CKWFieldDataAdaptor::HasFieldDataImplTypeOf(const CKWGuid& fieldID) const {
+int CKWFieldDataAdaptor::HasFieldDataImplTypeOf(CKWGuid fieldID) {
     return m_pField && fieldID.IsValid() && m_pField->GetFieldID() == fieldID ? 1 : 0;
 }
 
-int CKWFieldDataAdaptor::HasFieldTypeOf(const CKWGuid& dataTypeID) const {
+int CKWFieldDataAdaptor::HasFieldTypeOf(CKWGuid dataTypeID) {
     return m_pField && dataTypeID.IsValid() && m_pField->GetDataTypeID() == dataTypeID ? 1 : 0;
 }
 
-int CKWFieldDataAdaptor::ReadOnly() const {
+int CKWFieldDataAdaptor::ReadOnly() {
     IKWSerializableAdaptor* origin = GetOriginAdaptor();
     return origin ? origin->IsFieldReadOnly(const_cast<CKWFieldDataAdaptor*>(this)) : 0;
 }
 
-int CKWFieldDataAdaptor::Visible() const {
+int CKWFieldDataAdaptor::Visible() {
     IKWSerializableAdaptor* origin = GetOriginAdaptor();
     return origin ? origin->IsFieldVisible(const_cast<CKWFieldDataAdaptor*>(this)) : 1;
 }
 
-int CKWFieldDataAdaptor::Expanded() const {
+int CKWFieldDataAdaptor::Expanded() {
     IKWSerializableAdaptor* origin = GetOriginAdaptor();
     return origin ? origin->IsFieldExpanded(const_cast<CKWFieldDataAdaptor*>(this)) : 1;
 }
 
-int CKWFieldDataAdaptor::Checked() const {
+int CKWFieldDataAdaptor::Checked() {
     IKWSerializableAdaptor* origin = GetOriginAdaptor();
     return origin ? origin->IsFieldChecked(const_cast<CKWFieldDataAdaptor*>(this)) : 0;
 }

@@ -17,24 +17,24 @@ IKWFieldData* CKWGroupFieldData::GetFirstFieldData() const {
     return m_members.empty() ? nullptr : m_members.front();
 }
 
-int CKWGroupFieldData::SupportsStringStorage() const {
+int CKWGroupFieldData::SupportsStringStorage() {
     IKWField* field = GetField();
     return field ? field->SupportsStringStorage() : 0;
 }
 
-IKWField* CKWGroupFieldData::GetField() const {
+IKWField* CKWGroupFieldData::GetField() {
     IKWFieldData* first = GetFirstFieldData();
     return first ? first->GetField() : nullptr;
 }
 
-CString CKWGroupFieldData::GetStringValue() const {
+CString CKWGroupFieldData::GetStringValue() {
     if (m_members.empty()) {
         return "EMPTY";
     }
     return GroupDataVaries() ? CString("*Varies*") : m_members.front()->GetStringValue();
 }
 
-int CKWGroupFieldData::GroupDataVaries() const {
+int CKWGroupFieldData::GroupDataVaries() {
     if (m_members.empty()) {
         return 0;
     }
@@ -72,7 +72,7 @@ int CKWGroupFieldData::SetTo(IKWFieldData* other) {
     return all;
 }
 
-int CKWGroupFieldData::SetValueFromString(const CString& text) {
+int CKWGroupFieldData::SetValueFromString(CString text) {
     int all = 1;
     for (IKWFieldData* member : m_members) {
         all &= member->SetValueFromString(text) ? 1 : 0;

@@ -22,7 +22,7 @@ SerialRootTypeRegistration s_serialRootTypeRegistration KW_TYPE_OBJECT_STORAGE;
 
 }  // namespace
 
-void* CKWSerialObject::GetInterface(const CKWGuid& interfaceID) {
+void* CKWSerialObject::GetInterface(CKWGuid interfaceID) {
     return kwSerializableSide::AnswerInterface(CKWObjectImpl::GetInterface(interfaceID),
                                                interfaceID, this);
 }

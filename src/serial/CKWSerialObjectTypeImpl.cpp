@@ -55,7 +55,7 @@ void CKWSerialObjectTypeImpl::AppendBaseFields(CKWSerialObjectTypeImpl* type, IK
 
 void CKWSerialObjectTypeImpl::DeclareFields(CKWSerialObjectTypeImpl*) {}
 
-IKWField* CKWSerialObjectTypeImpl::GetField(const CKWGuid& fieldID) {
+IKWField* CKWSerialObjectTypeImpl::GetField(CKWGuid fieldID) {
     auto found = m_fieldsByID.find(fieldID);
     return found == m_fieldsByID.end() ? nullptr : found->second;
 }
@@ -66,7 +66,7 @@ CString CKWSerialObjectTypeImpl::GetNextInstanceName() {
     return name;
 }
 
-CString CKWSerialObjectTypeImpl::GetHelp() const {
+CString CKWSerialObjectTypeImpl::GetHelp() {
     return m_bHelp ? GetName() : CString();
 }
 

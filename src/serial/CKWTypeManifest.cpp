@@ -14,7 +14,7 @@ int CKWTypeManifest::WriteTypeHeader(IKWObjectType* type) {
     return 1;
 }
 
-CKWFieldStream* CKWTypeManifest::CreateFieldStream(const CKWGuid& instanceID, IKWObjectType*) {
+CKWFieldStream* CKWTypeManifest::CreateFieldStream(CKWGuid instanceID, IKWObjectType*) {
     CKWFieldStream* stream =
         kwStoredHierarchy::CreateChild(GetFieldStreamType(), instanceID, false, m_streams);
     if (stream) {
@@ -24,7 +24,7 @@ CKWFieldStream* CKWTypeManifest::CreateFieldStream(const CKWGuid& instanceID, IK
     return stream;
 }
 
-int CKWTypeManifest::DeleteFieldStream(const CKWGuid& instanceID) {
+int CKWTypeManifest::DeleteFieldStream(CKWGuid instanceID) {
     return kwStoredHierarchy::DeleteChild(instanceID, m_streams);
 }
 

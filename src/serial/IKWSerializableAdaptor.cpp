@@ -27,7 +27,7 @@ int IKWSerializableAdaptor::AddFieldData(IKWFieldData* fieldData) {
     return 1;
 }
 
-IKWFieldData* IKWSerializableAdaptor::GetFieldData(const CKWGuid& fieldID) {
+IKWFieldData* IKWSerializableAdaptor::GetFieldData(CKWGuid fieldID) {
     for (IKWFieldData* data : m_fieldData) {
         if (data->HasFieldDataImplTypeOf(fieldID)) {
             return data;

@@ -13,6 +13,9 @@ KW_IMPLEMENT_SERIAL_TYPE(CCityNode, kCityTypeID, "{4E82A8F0-B483-47FE-BE4A-2C72C
 KW_BEGIN_FIELDS(CCityNode)
 KW_END_FIELDS()
 
+KW_IMPLEMENT_TYPE(CPlainVisitor, "{5E1A7C94-2B3D-4E6F-8A9B-0C1D2E3F4A5B}",
+                  "{4D788BB9-51E7-44CC-8A34-62698C2C3D43}")
+
 KW_IMPLEMENT_TYPE(CRecordingVisitor, "{2C9E5A73-8D4F-41A2-9E3A-4F5B6C7D8E92}",
                   "{797F206F-C5AD-4521-AD2F-64064A981555}")
 
@@ -49,7 +52,7 @@ IKWObjectType* const kGraphTypes[] = {CKWGraphEdge::GetCKWGraphEdgeType(),
                                       CKWFilteredDFSVisitor::GetCKWFilteredDFSVisitorType(),
                                       CKWReleaseVisitor::GetCKWReleaseVisitorType(),
                                       CRecordingVisitor::GetCRecordingVisitorType(),
-                                      CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType()};
+                                      CPlainVisitor::GetCPlainVisitorType()};
 }  // namespace
 
 void ReleaseAllGraphObjects() {

@@ -34,6 +34,14 @@ protected:
 // Records every AddToDFSList and VisitNode call; can start a nested
 // traversal from AddToDFSList, record one more node there, and refuse to
 // visit a node.
+// The plain visitor's own rules, in a class of its own: its base type is abstract.
+class CPlainVisitor : public CKWGraphNodeVisitorImpl {
+    KW_DECLARE_TYPE(CPlainVisitor, CKWObjectTypeImpl)
+
+protected:
+    CPlainVisitor() = default;
+};
+
 class CRecordingVisitor : public CKWDFSVisitor {
     KW_DECLARE_TYPE(CRecordingVisitor, CKWObjectTypeImpl)
 

@@ -78,8 +78,7 @@ TEST_F(Visitors, StartDoesNotClearTheRecordedNodes) {
 }
 
 TEST_F(Visitors, ThePlainVisitorMarksOnlyTheStartNode) {
-    auto* plain = KWTestCreate<CKWGraphNodeVisitorImpl>(
-        CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType());
+    auto* plain = KWTestCreate<CPlainVisitor>(CPlainVisitor::GetCPlainVisitorType());
     ASSERT_TRUE(Join(m_n[0], m_n[1]));
     ASSERT_EQ(plain->Start(m_n[0]), 1);
     EXPECT_TRUE(m_n[0]->WasVisited(plain));
@@ -90,8 +89,7 @@ TEST_F(Visitors, ThePlainVisitorMarksOnlyTheStartNode) {
 }
 
 TEST_F(Visitors, SessionNumbersAdvanceModulo65535) {
-    auto* plain = KWTestCreate<CKWGraphNodeVisitorImpl>(
-        CKWGraphNodeVisitorImpl::GetCKWGraphNodeVisitorImplType());
+    auto* plain = KWTestCreate<CPlainVisitor>(CPlainVisitor::GetCPlainVisitorType());
     ASSERT_EQ(plain->Start(m_n[0]), 1);
     const unsigned first = plain->GetSessionID();
     ASSERT_EQ(m_dfs->Start(m_n[1]), 1);

@@ -8,6 +8,7 @@
 
 #include "FrameworkTestTypes.h"
 #include "kwcore/framework/CKWObservable.h"
+#include "kwcore/framework/CKWToolEventRouter.h"
 
 namespace {
 
@@ -33,7 +34,7 @@ CKWObservation* Kept(CKWObservation* observation) {
 class ObservableTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        m_pSubject = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
+        m_pSubject = KWTestCreate<CKWObservable>(CKWToolEventRouter::GetCKWToolEventRouterType());
     }
     void TearDown() override {
         EXPECT_EQ(m_pSubject->Release(), 1);
@@ -214,7 +215,7 @@ TEST_F(ObservableTest, ReleaseIsRefusedDuringDeliveryAndFreesQueuedObservations)
     EXPECT_EQ(refused, 0);
 
     // Queued behind a null, twice: the release gives it back once (LeakSanitizer checks).
-    auto* other = KWTestCreate<CKWObservable>(CKWObservable::GetCKWObservableType());
+    auto* other = KWTestCreate<CKWObservable>(CKWToolEventRouter::GetCKWToolEventRouterType());
     CKWObservation* queued = NewA();
     CKWObservation* kept = Kept(NewA());
     other->AddObserver(observer, kBase);

@@ -30,7 +30,7 @@ int CTestWidget::OnBeforeRelease() {
     return 1;
 }
 
-void* CTestGadget::GetInterface(const CKWGuid& interfaceID) {
+void* CTestGadget::GetInterface(CKWGuid interfaceID) {
     if (void* answer = CTestWidget::GetInterface(interfaceID)) {
         return answer;
     }
@@ -42,7 +42,7 @@ namespace {
 class CScopedObject : public CKWObjectImpl {
 public:
     explicit CScopedObject(IKWObjectType* type) : m_pType(type) {}
-    IKWObjectType* GetType() const override { return m_pType; }
+    IKWObjectType* GetType() override { return m_pType; }
     int Release() override { return m_pType->ReleaseInstance(this); }
     ~CScopedObject() override = default;
 

@@ -47,7 +47,7 @@ public:
     // {0E1F2A3B-4C5D-4E6F-8071-8293A4B5C6D7}: an extra interface of gadgets.
     static constexpr GUID IID_ITestGadget = {
         0x0E1F2A3B, 0x4C5D, 0x4E6F, {0x80, 0x71, 0x82, 0x93, 0xA4, 0xB5, 0xC6, 0xD7}};
-    void* GetInterface(const CKWGuid& interfaceID) override;
+    void* GetInterface(CKWGuid interfaceID) override;
 
 protected:
     CTestGadget() = default;

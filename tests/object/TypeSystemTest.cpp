@@ -193,7 +193,7 @@ CKWGuid SequentialID(std::uint32_t n) {
     return CKWGuid(raw);
 }
 
-void ExpectTracked(const CScopedTestType& type, const std::map<CKWGuid, IKWObject*>& live) {
+void ExpectTracked(CScopedTestType& type, const std::map<CKWGuid, IKWObject*>& live) {
     ASSERT_EQ(type.GetInstanceCount(), static_cast<int>(live.size()));
     std::list<CKWGuid> listed;
     type.GetInstanceList(listed);

@@ -18,7 +18,8 @@ struct SLibraryType {
 };
 
 // Each type is found under its ID in the library's repository, with that
-// name, abstractness and parent, linked to the parent's type object.
+// name, abstractness and parent, linked to the parent's type object. An
+// abstract type makes no instances.
 inline void ExpectLibraryTypes(std::initializer_list<SLibraryType> types) {
     for (const SLibraryType& row : types) {
         IKWObjectType* type = CKWTypeSystem::FindType(CKWGuid(row.typeID));
@@ -28,6 +29,9 @@ inline void ExpectLibraryTypes(std::initializer_list<SLibraryType> types) {
         EXPECT_EQ(type->GetParentType(), CKWTypeSystem::FindType(CKWGuid(row.parentID)))
             << row.name;
         EXPECT_EQ(type->IsAbstract(), row.abstract) << row.name;
+        if (row.abstract) {
+            EXPECT_EQ(type->CreateInstance(CKWGuid()), nullptr) << row.name;
+        }
         EXPECT_EQ(type->GetRepositoryID(), CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID))
             << row.name;
     }

@@ -21,7 +21,7 @@ T* MakeObject(IKWObjectType* type, const char* instanceID) {
     return dynamic_cast<T*>(type->CreateInstance(CKWGuid(instanceID)));
 }
 
-std::string Id(const IKWObject* object) {
+std::string Id(const CKWObjectImpl* object) {
     return object ? object->GetInstanceID().GetCStringUpperCase().GetStdString() : "none";
 }
 

@@ -21,7 +21,7 @@ const char kHelp[] =
 
 using Children = std::map<const IKWObjectType*, std::vector<IKWObjectType*>>;
 
-std::string RepositoryLabel(const IKWObjectType* type) {
+std::string RepositoryLabel(IKWObjectType* type) {
     CKWGuid repository = type->GetRepositoryID();
     if (repository == CKWGuid(CKWTypeSystem::LIBRARY_REPOSITORY_ID)) {
         return "library";
@@ -32,13 +32,13 @@ std::string RepositoryLabel(const IKWObjectType* type) {
     return static_cast<const char*>(repository.GetCStringUpperCase());
 }
 
-int InstanceCount(const IKWObjectType* type) {
+int InstanceCount(IKWObjectType* type) {
     std::list<CKWGuid> instances;
     type->GetInstanceList(instances);
     return static_cast<int>(instances.size());
 }
 
-void PrintType(const IKWObjectType* type, int depth, const Children& children) {
+void PrintType(IKWObjectType* type, int depth, const Children& children) {
     std::string name(static_cast<std::size_t>(depth) * 2, ' ');
     name += static_cast<const char*>(type->GetName());
     if (type->IsAbstract()) {
@@ -51,12 +51,12 @@ void PrintType(const IKWObjectType* type, int depth, const Children& children) {
     if (found == children.end()) {
         return;
     }
-    for (const IKWObjectType* child : found->second) {
+    for (IKWObjectType* child : found->second) {
         PrintType(child, depth + 1, children);
     }
 }
 
-bool ByName(const IKWObjectType* a, const IKWObjectType* b) {
+bool ByName(IKWObjectType* a, IKWObjectType* b) {
     return std::string(a->GetName()) < std::string(b->GetName());
 }
 
@@ -83,7 +83,7 @@ int RunTypesCommand(const Arguments& args) {
         std::sort(entry.second.begin(), entry.second.end(), ByName);
     }
     std::printf("%-44s %-38s  %-16s %s\n", "TYPE", "TYPE ID", "REPOSITORY", "INSTANCES");
-    for (const IKWObjectType* root : roots) {
+    for (IKWObjectType* root : roots) {
         PrintType(root, 0, children);
     }
     return 0;

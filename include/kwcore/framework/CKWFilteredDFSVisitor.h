@@ -17,7 +17,7 @@ class KWCORE_API CKWFilteredDFSVisitor : public CKWDFSVisitor {
 
 public:
     int Start(CKWGraphNode* node) override;
-    void AddSeekType(const CKWGuid& typeID) { m_SeekTypes.push_back(typeID); }
+    void AddSeekType(CKWGuid typeID) { m_SeekTypes.push_back(typeID); }
     void ClearSeekTypes() { m_SeekTypes.clear(); }
 
 protected:

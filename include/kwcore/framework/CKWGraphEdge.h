@@ -42,8 +42,8 @@ public:
     CKWGraphNode* GetNeighbor(const CKWGraphNode* node) const;
     CKWGraphNode* GetPrimary() const { return m_pPrimaryNode; }
     CKWGraphNode* GetSecondary() const { return m_pSecondaryNode; }
-    void SetVisited(const IKWGraphNodeVisitor* visitor);
-    int WasVisited(const IKWGraphNodeVisitor* visitor) const;
+    void SetVisited(IKWGraphNodeVisitor* visitor);
+    int WasVisited(IKWGraphNodeVisitor* visitor) const;
     int IsConnected() const { return m_iConnected; }
     std::int16_t GetDirection() const { return m_iDirection; }
 

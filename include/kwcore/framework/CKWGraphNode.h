@@ -36,8 +36,8 @@ public:
     CKWGraphEdge* GetEdgeToNeighbor(const CKWGraphNode* node) const;
     // Releases every edge, front first; each takes itself out of both nodes.
     void Disconnect();
-    void SetVisited(const IKWGraphNodeVisitor* visitor);
-    int WasVisited(const IKWGraphNodeVisitor* visitor) const;
+    void SetVisited(IKWGraphNodeVisitor* visitor);
+    int WasVisited(IKWGraphNodeVisitor* visitor) const;
 
 private:
     // Never issued as a session number, so a new node counts as unvisited.

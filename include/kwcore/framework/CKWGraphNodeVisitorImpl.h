@@ -16,13 +16,13 @@
 #include "kwcore/object/CKWObjectImpl.h"
 
 class KWCORE_API CKWGraphNodeVisitorImpl : public CKWObjectImpl, public IKWGraphNodeVisitor {
-    KW_DECLARE_TYPE(CKWGraphNodeVisitorImpl, CKWObjectTypeImpl)
+    KW_DECLARE_ABSTRACT_TYPE(CKWGraphNodeVisitorImpl, CKWObjectTypeImpl)
 
 public:
     int Start(CKWGraphNode* node) override;
     // Marks a node new to this session and gives 1; 0 otherwise.
     int VisitNode(CKWGraphNode* node) override;
-    std::uint16_t GetSessionID() const override { return m_iSessionID; }
+    std::uint16_t GetSessionID() override { return m_iSessionID; }
 
     // Whether a traversal is under way anywhere in the process.
     static bool IsLocked() { return m_bLocked; }

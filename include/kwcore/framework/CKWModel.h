@@ -23,13 +23,13 @@ public:
     // AddObserver under the base observation type.
     int AddView(CKWView* view);
     // The observer with that ID under the base observation type when it is a view, else null.
-    CKWView* GetView(const CKWGuid& instanceID);
+    CKWView* GetView(CKWGuid instanceID);
     // Removes the view with that ID from the base observation type; always 1.
-    int RemoveView(const CKWGuid& instanceID);
+    int RemoveView(CKWGuid instanceID);
 
     IKWObject* GetThisObject() override { return this; }
     // Answers IID_IKWSerializableAdaptor too.
-    void* GetInterface(const CKWGuid& interfaceID) override;
+    void* GetInterface(CKWGuid interfaceID) override;
 
 protected:
     CKWModel() = default;

@@ -38,7 +38,7 @@
 #include "kwcore/object/CKWObjectImpl.h"
 
 class KWCORE_API CKWObservable : public CKWObjectImpl {
-    KW_DECLARE_TYPE(CKWObservable, CKWObjectTypeImpl)
+    KW_DECLARE_ABSTRACT_TYPE(CKWObservable, CKWObjectTypeImpl)
 
 public:
     // Queues the observation and, unless a delivery is running, delivers the
@@ -47,11 +47,11 @@ public:
     virtual void NotifyObservers(CKWObservation* observation);
     // 1 when registered (or deferred, during a delivery); 0 for null or an
     // observer already registered under that type ID.
-    virtual int AddObserver(CKWObserver* observer, const CKWGuid& observationTypeID);
+    virtual int AddObserver(CKWObserver* observer, CKWGuid observationTypeID);
     // The first observer registered under the type ID with that instance ID, or null.
-    virtual CKWObserver* GetObserver(const CKWGuid& observationTypeID, const CKWGuid& instanceID);
+    virtual CKWObserver* GetObserver(CKWGuid observationTypeID, CKWGuid instanceID);
     // Always 1; deferred during a delivery.
-    virtual int RemoveObserver(CKWObserver* observer, const CKWGuid& observationTypeID);
+    virtual int RemoveObserver(CKWObserver* observer, CKWGuid observationTypeID);
 
     // 1 while a delivery runs.
     int IsLocked() const { return m_iLocked; }

@@ -35,7 +35,7 @@ public:
     void SetAutoRelease(int autoRelease) { m_iAutoRelease = autoRelease; }
     int CanAutoRelease() const { return m_iAutoRelease; }
     // The instance ID of whatever raised the observation.
-    void SetSourceID(const CKWGuid& sourceID) { m_sourceID = sourceID; }
+    void SetSourceID(CKWGuid sourceID) { m_sourceID = sourceID; }
     CKWGuid GetSourceID() const { return m_sourceID; }
 
 protected:

@@ -17,7 +17,7 @@
 class CKWObservation;
 
 class KWCORE_API CKWObserver : public CKWObjectImpl {
-    KW_DECLARE_TYPE(CKWObserver, CKWObjectTypeImpl)
+    KW_DECLARE_ABSTRACT_TYPE(CKWObserver, CKWObjectTypeImpl)
 
 public:
     // Does nothing here.

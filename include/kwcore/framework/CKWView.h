@@ -10,7 +10,7 @@
 #include "kwcore/framework/CKWObserver.h"
 
 class KWCORE_API CKWView : public CKWObserver {
-    KW_DECLARE_TYPE(CKWView, CKWObjectTypeImpl)
+    KW_DECLARE_ABSTRACT_TYPE(CKWView, CKWObjectTypeImpl)
 
 public:
     void OnUpdate(CKWObservation* observation) override;

@@ -21,7 +21,7 @@ public:
     virtual int Start(CKWGraphNode* node) = 0;
     // 1 when the node was new to this session.
     virtual int VisitNode(CKWGraphNode* node) = 0;
-    virtual std::uint16_t GetSessionID() const = 0;
+    virtual std::uint16_t GetSessionID() = 0;
 
 protected:
     ~IKWGraphNodeVisitor() = default;

@@ -43,7 +43,7 @@ public:
         }
     }
 
-    bool IsValid() const override { return m_pMap != nullptr; }
+    bool IsValid() override { return m_pMap != nullptr; }
 
 private:
     const Map* m_pMap = nullptr;

@@ -34,9 +34,10 @@ public:
         return *this;
     }
 
-    int GetCount() const override { return static_cast<int>(m_map.size()); }
+    int GetCount() override { return static_cast<int>(m_map.size()); }
+    int GetCount() const { return static_cast<int>(m_map.size()); }
 
-    void* Find(const CKWGuid& instanceID) const override { return FindObject(instanceID); }
+    void* Find(CKWGuid instanceID) override { return FindObject(instanceID); }
 
     T* FindObject(const CKWGuid& instanceID) const {
         if (m_pIndex) {

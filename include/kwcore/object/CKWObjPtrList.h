@@ -56,7 +56,7 @@ public:
             }
         }
 
-        bool IsValid() const override { return m_pList != nullptr; }
+        bool IsValid() override { return m_pList != nullptr; }
 
     private:
         Position First() const;
@@ -90,9 +90,10 @@ public:
     }
     ~CKWObjPtrList() = default;
 
-    int GetCount() const override { return static_cast<int>(m_list.size()); }
+    int GetCount() override { return static_cast<int>(m_list.size()); }
+    int GetCount() const { return static_cast<int>(m_list.size()); }
 
-    void* Find(const CKWGuid& instanceID) const override { return FindObject(instanceID); }
+    void* Find(CKWGuid instanceID) override { return FindObject(instanceID); }
 
     // The first element, from the front, whose instance ID equals instanceID.
     T* FindObject(const CKWGuid& instanceID) const {

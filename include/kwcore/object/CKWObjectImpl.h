@@ -16,10 +16,12 @@ class KWCORE_API CKWObjectImpl : public IKWObject {
 public:
     // Answers IID_IKWObject with this object; anything else with null.
     // Classes with more interfaces ask this first, then check their own.
-    void* GetInterface(const CKWGuid& interfaceID) override;
-    CKWGuid GetInstanceID() const override { return m_instanceID; }
-    int IsTypeOf(const CKWGuid& typeID) const override;
-    bool operator==(const CKWGuid& instanceID) const override { return m_instanceID == instanceID; }
+    void* GetInterface(CKWGuid interfaceID) override;
+    CKWGuid GetInstanceID() override { return m_instanceID; }
+    // The same, for code that holds the object as const.
+    CKWGuid GetInstanceID() const { return m_instanceID; }
+    int IsTypeOf(CKWGuid typeID) override;
+    bool operator==(CKWGuid instanceID) override { return m_instanceID == instanceID; }
     // Does nothing and gives 1 here; every concrete class releases through its type.
     int Release() override { return 1; }
 
@@ -27,7 +29,7 @@ protected:
     CKWObjectImpl() = default;
     ~CKWObjectImpl() override = default;
 
-    void SetInstanceID(const CKWGuid& instanceID) override { m_instanceID = instanceID; }
+    void SetInstanceID(CKWGuid instanceID) override { m_instanceID = instanceID; }
     int OnBeforeRelease() override { return 1; }
     int OnInitialize() override { return 1; }
 

@@ -25,28 +25,28 @@ class InstanceTable;
 
 class KWCORE_API CKWObjectTypeImpl : public IKWObjectType {
 public:
-    CKWGuid GetID() const override { return m_typeID; }
-    CKWGuid GetParentTypeID() const override { return m_parentTypeID; }
+    CKWGuid GetID() override { return m_typeID; }
+    CKWGuid GetParentTypeID() override { return m_parentTypeID; }
     void Release() override;
-    void SetName(const CString& name) override { m_name = name; }
-    CString GetName() const override { return m_name; }
-    CString GetClassNameA() const override { return m_className; }
-    int IsAbstract() const override { return m_iAbstract; }
-    int HasDerivedTypes() const override { return m_derivedTypes.empty() ? 0 : 1; }
+    void SetName(CString name) override { m_name = name; }
+    CString GetName() override { return m_name; }
+    CString GetClassNameA() override { return m_className; }
+    int IsAbstract() override { return m_iAbstract; }
+    int HasDerivedTypes() override { return m_derivedTypes.empty() ? 0 : 1; }
     void InitializeType() override {}
     int RegisterWithParentType(IKWObjectType* parent) override;
-    IKWObjectType* GetParentType() const override { return m_pParentType; }
-    CKWGuid GetRepositoryID() const override { return m_repositoryID; }
-    IKWObject* CreateInstance(const CKWGuid& instanceID) override;
+    IKWObjectType* GetParentType() override { return m_pParentType; }
+    CKWGuid GetRepositoryID() override { return m_repositoryID; }
+    IKWObject* CreateInstance(CKWGuid instanceID) override;
     int ReleaseInstance(IKWObject* object) override;
     int AddChildType(IKWObjectType* child) override;
-    int IsTypeOf(const IKWObjectType* type) const override;
-    int IsTypeOf(const CKWGuid& typeID) const override;
-    void GetInstanceList(std::list<CKWGuid>& instanceIDs) const override;
-    void GetDerivedTypes(std::list<IKWObjectType*>& types) const override;
+    int IsTypeOf(IKWObjectType* type) override;
+    int IsTypeOf(CKWGuid typeID) override;
+    void GetInstanceList(std::list<CKWGuid>& instanceIDs) override;
+    void GetDerivedTypes(std::list<IKWObjectType*>& types) override;
     void RemoveTrackedInstance(IKWObject* object) override;
     void AddTrackedInstance(IKWObject* object) override;
-    void SetClassName(const CString& className) override { m_className = className; }
+    void SetClassName(CString className) override { m_className = className; }
 
     // Gives a live object another instance ID and re-files it under that ID
     // with its type: for archives that restore the IDs objects were stored with.
@@ -67,9 +67,9 @@ protected:
     ~CKWObjectTypeImpl() override;
 
     // Stores the ID and registers the type; every type constructor calls it.
-    void SetID(const CKWGuid& typeID) override;
-    void SetParentTypeID(const CKWGuid& parentTypeID) override { m_parentTypeID = parentTypeID; }
-    void SetRepositoryID(const CKWGuid& repositoryID) override { m_repositoryID = repositoryID; }
+    void SetID(CKWGuid typeID) override;
+    void SetParentTypeID(CKWGuid parentTypeID) override { m_parentTypeID = parentTypeID; }
+    void SetRepositoryID(CKWGuid repositoryID) override { m_repositoryID = repositoryID; }
     void SetAbstract(int abstract) { m_iAbstract = abstract; }
 
 private:

@@ -64,7 +64,7 @@ private:
     ~CKWTypeSystem() = default;
 
     // Drops a type object that is being destroyed, without creating the type system.
-    static void ForgetType(const IKWObjectType* type);
+    static void ForgetType(IKWObjectType* type);
 
     CKWTypeRepository& RepositoryFor(const CKWGuid& repositoryID);
     void LinkNewTypesToParents();

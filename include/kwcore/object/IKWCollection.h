@@ -10,9 +10,9 @@
 
 class IKWReadOnlyCollection {
 public:
-    virtual int GetCount() const = 0;
+    virtual int GetCount() = 0;
     // The element whose instance ID equals instanceID, untyped, or null.
-    virtual void* Find(const CKWGuid& instanceID) const = 0;
+    virtual void* Find(CKWGuid instanceID) = 0;
 
 protected:
     ~IKWReadOnlyCollection() = default;

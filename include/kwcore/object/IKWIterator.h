@@ -17,7 +17,7 @@ public:
     // With bFromStart nonzero and a collection attached, goes to the first element.
     virtual void Reset(int bFromStart) = 0;
     // Whether the iterator is attached to a collection (not whether it is at the end).
-    virtual bool IsValid() const = 0;
+    virtual bool IsValid() = 0;
 
 protected:
     ~IKWIterator() = default;

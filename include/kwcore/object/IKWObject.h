@@ -16,17 +16,17 @@ class IKWObjectType;
 
 class KWCORE_API IKWObject : public IKWUnknown {
 public:
-    virtual CKWGuid GetInstanceID() const = 0;
+    virtual CKWGuid GetInstanceID() = 0;
 
 protected:
-    virtual void SetInstanceID(const CKWGuid& instanceID) = 0;
+    virtual void SetInstanceID(CKWGuid instanceID) = 0;
 
 public:
-    virtual IKWObjectType* GetType() const = 0;
+    virtual IKWObjectType* GetType() = 0;
     // 1 when the object's type is the given type or derives from it.
-    virtual int IsTypeOf(const CKWGuid& typeID) const = 0;
+    virtual int IsTypeOf(CKWGuid typeID) = 0;
     // An object compares equal to its instance ID, not to other objects.
-    virtual bool operator==(const CKWGuid& instanceID) const = 0;
+    virtual bool operator==(CKWGuid instanceID) = 0;
     // 1 when released (the pointer is gone), 0 when the object refused.
     virtual int Release() = 0;
 
@@ -36,10 +36,13 @@ protected:
     // 0 makes creation fail (the object is then released at once).
     virtual int OnInitialize() = 0;
 
-    // Protected: client code never deletes an object; its type does, as the
-    // object's own class. Declared last so it follows the operations above.
+public:
+    // Only a type's DTOR deletes an object (client code calls Release). The
+    // destructor is virtual, so `delete object` there runs the object's own
+    // destructor. Declared last so it follows the operations above.
     virtual ~IKWObject() = default;
 
+protected:
     // The type object drives the life cycle.
     friend class CKWObjectTypeImpl;
 };

@@ -16,7 +16,7 @@ inline constexpr GUID IID_IKWObject = {
 
 class KWCORE_API IKWUnknown {
 public:
-    virtual void* GetInterface(const CKWGuid& interfaceID) = 0;
+    virtual void* GetInterface(CKWGuid interfaceID) = 0;
 
 protected:
     ~IKWUnknown() = default;

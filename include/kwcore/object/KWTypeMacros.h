@@ -61,7 +61,7 @@ public:                                                           \
         TypeMembers                                               \
     };                                                            \
     static Class##Type* Get##Class##Type();                       \
-    IKWObjectType* GetType() const override;                      \
+    IKWObjectType* GetType() override;                            \
                                                                   \
 protected:                                                        \
     static Class##Type m_##Class##Type;                           \
@@ -93,7 +93,7 @@ private:
     Class::Class##Type* Class::Get##Class##Type() {                        \
         return &m_##Class##Type;                                           \
     }                                                                      \
-    IKWObjectType* Class::GetType() const {                                \
+    IKWObjectType* Class::GetType() {                                      \
         return &m_##Class##Type;                                           \
     }                                                                      \
     Class::Class##Type Class::m_##Class##Type KW_TYPE_OBJECT_STORAGE;

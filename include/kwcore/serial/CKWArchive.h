@@ -39,15 +39,15 @@ public:
     // Forgets the mode; succeeds.
     virtual CKWBOOL Close();
     virtual IKWReadOnlyCollection* GetDocumentCollection() { return &m_documents; }
-    virtual CKWObjGuidPtrMap<CKWDocument>::Iterator GetDocumentIterator() const {
+    virtual CKWObjGuidPtrMap<CKWDocument>::Iterator GetDocumentIterator() {
         return m_documents.GetIterator();
     }
     // Makes a document of the archive's document class (GetDocumentType)
     // under documentID (a new GUID when empty) and enters it; null when that
     // ID is taken or the document cannot be made. contentType is for
     // back-ends; the base ignores it.
-    virtual CKWDocument* CreateNewDocument(const CKWGuid& documentID, IKWObjectType* contentType);
-    virtual CKWBOOL DeleteDocument(const CKWGuid& documentID);
+    virtual CKWDocument* CreateNewDocument(CKWGuid documentID, IKWObjectType* contentType);
+    virtual CKWBOOL DeleteDocument(CKWGuid documentID);
     virtual CKWBOOL DeleteAllDocuments();
 
     AccessMode GetAccessMode() const { return m_accessMode; }

@@ -31,21 +31,21 @@ public:
     virtual int Open() { return 1; }
     virtual int Close() { return 1; }
     virtual IKWReadOnlyCollection* GetTypeManifestCollection() { return &m_manifests; }
-    virtual CKWObjGuidPtrMap<CKWTypeManifest>::Iterator GetTypeManifestIterator() const {
+    virtual CKWObjGuidPtrMap<CKWTypeManifest>::Iterator GetTypeManifestIterator() {
         return m_manifests.GetIterator();
     }
     // The stored object with that type and instance ID, loaded on first
     // request (with everything it links to); null when it is not stored, its
     // type is unknown or it cannot be read.
-    virtual IKWObject* GetObjectA(const CKWGuid& typeID, const CKWGuid& instanceID);
+    virtual IKWObject* GetObjectA(CKWGuid typeID, CKWGuid instanceID);
     // Makes a manifest of the document's manifest class for the stored type
     // typeID and enters it; null for an empty or taken ID. storedType is for
     // back-ends; the base ignores it.
-    virtual CKWTypeManifest* CreateTypeManifest(const CKWGuid& typeID, IKWObjectType* storedType);
-    virtual int DeleteTypeManifest(const CKWGuid& typeID);
+    virtual CKWTypeManifest* CreateTypeManifest(CKWGuid typeID, IKWObjectType* storedType);
+    virtual int DeleteTypeManifest(CKWGuid typeID);
     // Begins a new serial session (a new GUID).
     virtual void AdvanceSerialSessionID();
-    virtual CKWGuid GetSerialSessionID() const { return m_sessionID; }
+    virtual CKWGuid GetSerialSessionID() { return m_sessionID; }
     virtual int DeleteAllTypeManifests();
 
 protected:

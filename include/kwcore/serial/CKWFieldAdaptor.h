@@ -13,20 +13,20 @@
 
 class KWCORE_API CKWFieldAdaptor : public IKWField {
 public:
-    int SupportsStringStorage() const override { return 0; }
-    CString GetName() const override { return m_name; }
-    void SetName(const CString& name) override { m_name = name; }
-    void SetFieldID(const CKWGuid& fieldID) override { m_fieldID = fieldID; }
-    CKWGuid GetFieldID() const override { return m_fieldID; }
-    CString GetDescription() const override { return m_description; }
-    void SetDescription(const CString& description) override { m_description = description; }
-    double GetVersion() const override { return m_dVersion; }
+    int SupportsStringStorage() override { return 0; }
+    CString GetName() override { return m_name; }
+    void SetName(CString name) override { m_name = name; }
+    void SetFieldID(CKWGuid fieldID) override { m_fieldID = fieldID; }
+    CKWGuid GetFieldID() override { return m_fieldID; }
+    CString GetDescription() override { return m_description; }
+    void SetDescription(CString description) override { m_description = description; }
+    double GetVersion() override { return m_dVersion; }
     void SetVersion(double version) override { m_dVersion = version; }
-    CKWGuid GetDataTypeID() const override { return m_dataTypeID; }
-    void SetDataTypeID(const CKWGuid& dataTypeID) override { m_dataTypeID = dataTypeID; }
-    int GetFlags() const override { return m_iFlags; }
+    CKWGuid GetDataTypeID() override { return m_dataTypeID; }
+    void SetDataTypeID(CKWGuid dataTypeID) override { m_dataTypeID = dataTypeID; }
+    int GetFlags() override { return m_iFlags; }
     void SetFlags(int flags) override { m_iFlags = flags; }
-    CKWSerialObjectTypeImpl* GetOriginType() const override { return m_pOriginType; }
+    CKWSerialObjectTypeImpl* GetOriginType() override { return m_pOriginType; }
     void SetOriginType(CKWSerialObjectTypeImpl* type) override { m_pOriginType = type; }
     void Release() override { delete this; }
 

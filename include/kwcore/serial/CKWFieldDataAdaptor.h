@@ -9,7 +9,7 @@
 //   class CMyData : public CKWFieldDataAdaptor {
 //   public:
 //       CMyData(IKWField* f, CKWSerialObject* o) : CKWFieldDataAdaptor(f, o) {}
-//       CString GetStringValue() const override { return "fixed"; }
+//       CString GetStringValue() override { return "fixed"; }
 //   };
 #pragma once
 
@@ -26,28 +26,28 @@ public:
     int Equals(IKWFieldData* other) override;
     // Through the other's text; subclasses copy values.
     int SetTo(IKWFieldData* other) override;
-    IKWField* GetField() const override { return m_pField; }
-    CString GetStringValue() const override { return CString(); }
-    CKWSerialObject* GetOriginObject() const override { return m_pOriginObject; }
+    IKWField* GetField() override { return m_pField; }
+    CString GetStringValue() override { return CString(); }
+    CKWSerialObject* GetOriginObject() override { return m_pOriginObject; }
     void SetOriginObject(CKWSerialObject* object) override { m_pOriginObject = object; }
-    int GroupDataVaries() const override { return 0; }
-    int IsGroupData() const override { return 0; }
+    int GroupDataVaries() override { return 0; }
+    int IsGroupData() override { return 0; }
     IKWFieldData* GetEffectiveData() override { return this; }
     void Release(bool bDelete) override;
-    IKWFieldData* GetParentField() const override { return m_pParentField; }
+    IKWFieldData* GetParentField() override { return m_pParentField; }
     void SetParentField(IKWFieldData* parent) override { m_pParentField = parent; }
     // No text form here: 0.
-    int SetValueFromString(const CString&) override { return 0; }
+    int SetValueFromString(CString) override { return 0; }
     int SerializeTo(IKWFieldStream* stream) override;
     int SerializeFrom(IKWFieldStream* stream) override;
-    int HasFieldDataImplTypeOf(const CKWGuid& fieldID) const override;
-    int HasFieldTypeOf(const CKWGuid& dataTypeID) const override;
-    int ReadOnly() const override;
-    int HiliteReadable() const override { return 0; }
-    int Visible() const override;
-    int Expanded() const override;
-    int HasCheckbox() const override { return 0; }
-    int Checked() const override;
+    int HasFieldDataImplTypeOf(CKWGuid fieldID) override;
+    int HasFieldTypeOf(CKWGuid dataTypeID) override;
+    int ReadOnly() override;
+    int HiliteReadable() override { return 0; }
+    int Visible() override;
+    int Expanded() override;
+    int HasCheckbox() override { return 0; }
+    int Checked() override;
 
 protected:
     CKWFieldDataAdaptor(IKWField* field, CKWSerialObject* origin)

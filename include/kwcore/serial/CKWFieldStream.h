@@ -21,21 +21,21 @@ class KWCORE_API CKWFieldStream : public CKWObjectImpl, public IKWFieldStream {
 
 public:
     // Answers IID_IKWFieldStream too.
-    void* GetInterface(const CKWGuid& interfaceID) override;
+    void* GetInterface(CKWGuid interfaceID) override;
 
-    CKWDocument* GetDocument() const override { return m_pDocument; }
+    CKWDocument* GetDocument() override { return m_pDocument; }
     void SetDocument(CKWDocument* document) override { m_pDocument = document; }
     int WriteObjectHeader(IKWObject*) override { return 1; }
     int Write(IKWFieldData*) override { return 1; }
     int ReadObjectHeader(IKWObject*) override { return 1; }
     int Read(IKWFieldData*) override { return 1; }
-    int ObjectHasBeenSerialized(const CKWGuid& sessionID) const override;
-    void SetObjectSerialized(const CKWGuid& sessionID) override { m_sessionID = sessionID; }
-    IKWObject* GetResult() const override { return m_pResult; }
+    int ObjectHasBeenSerialized(CKWGuid sessionID) override;
+    void SetObjectSerialized(CKWGuid sessionID) override { m_sessionID = sessionID; }
+    IKWObject* GetResult() override { return m_pResult; }
     void SetResult(IKWObject* object) override { m_pResult = object; }
 
-    virtual CKWGuid GetStoredInstanceID() const { return m_storedInstanceID; }
-    virtual void SetStoredInstanceID(const CKWGuid& instanceID) { m_storedInstanceID = instanceID; }
+    virtual CKWGuid GetStoredInstanceID() { return m_storedInstanceID; }
+    virtual void SetStoredInstanceID(CKWGuid instanceID) { m_storedInstanceID = instanceID; }
     virtual int Close() { return 1; }
 
 protected:

@@ -51,8 +51,8 @@ public:
     const T& GetValue() const { return *m_pValue; }
     void SetValue(const T& value) { *m_pValue = value; }
 
-    CString GetStringValue() const override { return KWValueText<T>::ToText(*m_pValue); }
-    int SetValueFromString(const CString& text) override {
+    CString GetStringValue() override { return KWValueText<T>::ToText(*m_pValue); }
+    int SetValueFromString(CString text) override {
         return KWValueText<T>::FromText(text, *m_pValue) ? 1 : 0;
     }
 
@@ -67,7 +67,7 @@ public:
 
     explicit CKWFieldT(Accessor accessor) : m_access(accessor) {}
 
-    int SupportsStringStorage() const override { return 1; }
+    int SupportsStringStorage() override { return 1; }
     IKWFieldData* CreateFieldData(CKWSerialObject* object) override {
         if (!object || !m_access) {
             return nullptr;

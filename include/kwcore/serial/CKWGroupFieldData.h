@@ -24,21 +24,21 @@ public:
     int AddFieldData(IKWFieldData* fieldData);
     IKWFieldData* GetFirstFieldData() const;
     const std::list<IKWFieldData*>& GetFieldDataList() const { return m_members; }
-    int SupportsStringStorage() const;
+    int SupportsStringStorage();
 
     // The first member's field.
-    IKWField* GetField() const override;
-    CString GetStringValue() const override;
+    IKWField* GetField() override;
+    CString GetStringValue() override;
     // 1 only when every member agrees.
     int NotifyOfPendingChange(CString& text) override;
     void NotifyOfChange() override;
     // 1 when every member took the value.
     int SetTo(IKWFieldData* other) override;
-    int SetValueFromString(const CString& text) override;
+    int SetValueFromString(CString text) override;
     // The first member, or the group itself when empty.
     IKWFieldData* GetEffectiveData() override;
-    int GroupDataVaries() const override;
-    int IsGroupData() const override { return 1; }
+    int GroupDataVaries() override;
+    int IsGroupData() override { return 1; }
     // Forgets the members (they stay with their objects).
     void Release(bool bDelete) override;
 

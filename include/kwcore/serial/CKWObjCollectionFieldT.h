@@ -29,7 +29,7 @@ public:
     explicit CKWObjectIteratorAdaptor(Iterator iterator) : m_iterator(std::move(iterator)) {}
     IKWObject* GetNext(int bFromStart) override { return m_iterator.GetNext(bFromStart); }
     void Reset(int bFromStart) override { m_iterator.Reset(bFromStart); }
-    bool IsValid() const override { return m_iterator.IsValid(); }
+    bool IsValid() override { return m_iterator.IsValid(); }
 
 private:
     Iterator m_iterator;
@@ -41,8 +41,8 @@ template <class C, class T>
 class CKWObjectCollectionAdaptor : public IKWCollection<IKWObject> {
 public:
     explicit CKWObjectCollectionAdaptor(C& collection) : m_collection(collection) {}
-    int GetCount() const override { return m_collection.GetCount(); }
-    void* Find(const CKWGuid& instanceID) const override { return m_collection.Find(instanceID); }
+    int GetCount() override { return m_collection.GetCount(); }
+    void* Find(CKWGuid instanceID) override { return m_collection.Find(instanceID); }
     void RemoveAll(bool) override { m_collection.RemoveAll(false); }
     int Add(IKWObject* element) override { return m_collection.Add(dynamic_cast<T*>(element)); }
     int Remove(IKWObject* element) override {
@@ -64,7 +64,7 @@ public:
     C& GetCollection() const { return *m_pCollection; }
 
     // The number of links, for editors.
-    CString GetStringValue() const override {
+    CString GetStringValue() override {
         CString text;
         text.Format("%d", m_pCollection->GetCount());
         return text;

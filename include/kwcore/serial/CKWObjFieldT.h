@@ -33,7 +33,7 @@ public:
     void SetLink(T* object) { *m_ppLink = object; }
 
     // The linked object's instance ID; "Not Set" without one.
-    CString GetStringValue() const override {
+    CString GetStringValue() override {
         return *m_ppLink ? (*m_ppLink)->GetInstanceID().GetCString() : CString("Not Set");
     }
     int Equals(IKWFieldData* other) override {

@@ -20,7 +20,7 @@ class KWCORE_API CKWSerialObject : public CKWObjectImpl, public IKWSerializableA
 
 public:
     // Answers IID_IKWSerializableAdaptor too.
-    void* GetInterface(const CKWGuid& interfaceID) override;
+    void* GetInterface(CKWGuid interfaceID) override;
     IKWObject* GetThisObject() override { return this; }
 
 protected:

@@ -29,15 +29,15 @@ public:
     virtual void CreateFields(CKWSerialObjectTypeImpl* type, IKWObject* object);
     // Has the serializable parent type add its fields to type's table.
     virtual void AppendBaseFields(CKWSerialObjectTypeImpl* type, IKWObject* object);
-    virtual IKWField* GetField(const CKWGuid& fieldID);
+    virtual IKWField* GetField(CKWGuid fieldID);
     // The type's name followed by a counter: "CMyPart1", "CMyPart2", ...
     virtual CString GetNextInstanceName();
-    virtual void SetDescription(const CString& description) { m_description = description; }
-    virtual CString GetDescription() const { return m_description; }
+    virtual void SetDescription(CString description) { m_description = description; }
+    virtual CString GetDescription() { return m_description; }
     virtual void SetHelp(bool bHelp) { m_bHelp = bHelp; }
-    virtual int HasHelp() const { return m_bHelp ? 1 : 0; }
+    virtual int HasHelp() { return m_bHelp ? 1 : 0; }
     // The help topic: the type's name when help is on, else empty.
-    virtual CString GetHelp() const;
+    virtual CString GetHelp();
 
     // The fields in table order (base classes' first).
     const std::vector<IKWField*>& GetFields() const { return m_fields; }

@@ -22,23 +22,23 @@ public:
     virtual int Close() { return 1; }
     // 1 here; back-ends check the stored header against the type.
     virtual int ReadTypeHeader(IKWObjectType*) { return 1; }
-    virtual int TypeHeaderIsWritten() const { return m_bTypeHeaderWritten ? 1 : 0; }
+    virtual int TypeHeaderIsWritten() { return m_bTypeHeaderWritten ? 1 : 0; }
     // Marks the header written; 0 for a null type.
     virtual int WriteTypeHeader(IKWObjectType* type);
     virtual IKWReadOnlyCollection* GetInstanceFieldStreamCollection() { return &m_streams; }
-    virtual CKWObjGuidPtrMap<CKWFieldStream>::Iterator GetInstanceFieldStreamIterator() const {
+    virtual CKWObjGuidPtrMap<CKWFieldStream>::Iterator GetInstanceFieldStreamIterator() {
         return m_streams.GetIterator();
     }
     // Makes a stream of the manifest's stream class for the stored object
     // instanceID and enters it; null for an empty or taken ID. objectType is
     // for back-ends; the base ignores it.
-    virtual CKWFieldStream* CreateFieldStream(const CKWGuid& instanceID, IKWObjectType* objectType);
-    virtual int DeleteFieldStream(const CKWGuid& instanceID);
+    virtual CKWFieldStream* CreateFieldStream(CKWGuid instanceID, IKWObjectType* objectType);
+    virtual int DeleteFieldStream(CKWGuid instanceID);
     virtual int DeleteAllFieldStreams();
-    virtual CKWDocument* GetDocument() const { return m_pDocument; }
+    virtual CKWDocument* GetDocument() { return m_pDocument; }
     virtual void SetDocument(CKWDocument* document) { m_pDocument = document; }
-    virtual CKWGuid GetStoredTypeID() const { return m_storedTypeID; }
-    virtual void SetStoredTypeID(const CKWGuid& typeID) { m_storedTypeID = typeID; }
+    virtual CKWGuid GetStoredTypeID() { return m_storedTypeID; }
+    virtual void SetStoredTypeID(CKWGuid typeID) { m_storedTypeID = typeID; }
 
 protected:
     CKWTypeManifest() = default;

@@ -26,23 +26,23 @@ inline constexpr int KW_FIELD_LOAD_SAVE = 3;  // both
 class KWCORE_API IKWField {
 public:
     // 1 when the value has a text form that a field stream stores as text.
-    virtual int SupportsStringStorage() const = 0;
-    virtual CString GetName() const = 0;
-    virtual void SetName(const CString& name) = 0;
-    virtual void SetFieldID(const CKWGuid& fieldID) = 0;
-    virtual CKWGuid GetFieldID() const = 0;
-    virtual CString GetDescription() const = 0;
-    virtual void SetDescription(const CString& description) = 0;
-    virtual double GetVersion() const = 0;
+    virtual int SupportsStringStorage() = 0;
+    virtual CString GetName() = 0;
+    virtual void SetName(CString name) = 0;
+    virtual void SetFieldID(CKWGuid fieldID) = 0;
+    virtual CKWGuid GetFieldID() = 0;
+    virtual CString GetDescription() = 0;
+    virtual void SetDescription(CString description) = 0;
+    virtual double GetVersion() = 0;
     virtual void SetVersion(double version) = 0;
-    virtual CKWGuid GetDataTypeID() const = 0;
-    virtual void SetDataTypeID(const CKWGuid& dataTypeID) = 0;
-    virtual int GetFlags() const = 0;
+    virtual CKWGuid GetDataTypeID() = 0;
+    virtual void SetDataTypeID(CKWGuid dataTypeID) = 0;
+    virtual int GetFlags() = 0;
     virtual void SetFlags(int flags) = 0;
     // A new field data bound to this field's member in object (which must be
     // of the class that declared the field), or null. The caller owns it.
     virtual IKWFieldData* CreateFieldData(CKWSerialObject* object) = 0;
-    virtual CKWSerialObjectTypeImpl* GetOriginType() const = 0;
+    virtual CKWSerialObjectTypeImpl* GetOriginType() = 0;
     virtual void SetOriginType(CKWSerialObjectTypeImpl* type) = 0;
     // Frees the field; called by the field table that owns it.
     virtual void Release() = 0;

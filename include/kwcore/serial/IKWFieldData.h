@@ -28,33 +28,33 @@ public:
     virtual int Equals(IKWFieldData* other) = 0;
     // Copies the other's value; 0 when it cannot.
     virtual int SetTo(IKWFieldData* other) = 0;
-    virtual IKWField* GetField() const = 0;
-    virtual CString GetStringValue() const = 0;
-    virtual CKWSerialObject* GetOriginObject() const = 0;
+    virtual IKWField* GetField() = 0;
+    virtual CString GetStringValue() = 0;
+    virtual CKWSerialObject* GetOriginObject() = 0;
     virtual void SetOriginObject(CKWSerialObject* object) = 0;
-    virtual int GroupDataVaries() const = 0;
-    virtual int IsGroupData() const = 0;
+    virtual int GroupDataVaries() = 0;
+    virtual int IsGroupData() = 0;
     // The field data an editor acts on: itself, or a group's first member.
     virtual IKWFieldData* GetEffectiveData() = 0;
     // Gives back what the field data holds; with bDelete, frees it too.
     virtual void Release(bool bDelete) = 0;
-    virtual IKWFieldData* GetParentField() const = 0;
+    virtual IKWFieldData* GetParentField() = 0;
     virtual void SetParentField(IKWFieldData* parent) = 0;
     // 1 when the text was taken as the new value; 0 leaves the value unchanged.
-    virtual int SetValueFromString(const CString& text) = 0;
+    virtual int SetValueFromString(CString text) = 0;
     virtual int SerializeTo(IKWFieldStream* stream) = 0;
     virtual int SerializeFrom(IKWFieldStream* stream) = 0;
     // 1 when this is the field data of the field with that field ID.
-    virtual int HasFieldDataImplTypeOf(const CKWGuid& fieldID) const = 0;
+    virtual int HasFieldDataImplTypeOf(CKWGuid fieldID) = 0;
     // 1 when the field's value type (its data-type ID) is dataTypeID.
-    virtual int HasFieldTypeOf(const CKWGuid& dataTypeID) const = 0;
-    virtual int ReadOnly() const = 0;
+    virtual int HasFieldTypeOf(CKWGuid dataTypeID) = 0;
+    virtual int ReadOnly() = 0;
     // 1 when an editor should show a read-only value highlighted.
-    virtual int HiliteReadable() const = 0;
-    virtual int Visible() const = 0;
-    virtual int Expanded() const = 0;
-    virtual int HasCheckbox() const = 0;
-    virtual int Checked() const = 0;
+    virtual int HiliteReadable() = 0;
+    virtual int Visible() = 0;
+    virtual int Expanded() = 0;
+    virtual int HasCheckbox() = 0;
+    virtual int Checked() = 0;
 
 protected:
     virtual ~IKWFieldData() = default;

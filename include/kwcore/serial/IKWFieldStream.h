@@ -25,15 +25,15 @@ inline constexpr GUID IID_IKWFieldStream = {
 
 class KWCORE_API IKWFieldStream {
 public:
-    virtual CKWDocument* GetDocument() const = 0;
+    virtual CKWDocument* GetDocument() = 0;
     virtual void SetDocument(CKWDocument* document) = 0;
     virtual int WriteObjectHeader(IKWObject* object) = 0;
     virtual int Write(IKWFieldData* fieldData) = 0;
     virtual int ReadObjectHeader(IKWObject* object) = 0;
     virtual int Read(IKWFieldData* fieldData) = 0;
     // 1 when the stream's object was written or read in that session.
-    virtual int ObjectHasBeenSerialized(const CKWGuid& sessionID) const = 0;
-    virtual void SetObjectSerialized(const CKWGuid& sessionID) = 0;
+    virtual int ObjectHasBeenSerialized(CKWGuid sessionID) = 0;
+    virtual void SetObjectSerialized(CKWGuid sessionID) = 0;
     // The object the link field refers to, loaded on demand; null when unset.
     virtual IKWObject* ReadLink(IKWFieldData* fieldData) = 0;
     // Adds each referenced object to collection.
@@ -42,7 +42,7 @@ public:
     virtual int WriteLink(IKWFieldData* fieldData, IKWObject* object) = 0;
     virtual int WriteLinks(IKWFieldData* fieldData, IKWIterator<IKWObject>* iterator) = 0;
     // The object read from this stream, or null.
-    virtual IKWObject* GetResult() const = 0;
+    virtual IKWObject* GetResult() = 0;
     virtual void SetResult(IKWObject* object) = 0;
 
 protected:

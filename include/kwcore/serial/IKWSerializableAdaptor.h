@@ -34,7 +34,7 @@ public:
     // (the caller keeps it then).
     virtual int AddFieldData(IKWFieldData* fieldData);
     // The field data of the field with that field ID, or null.
-    virtual IKWFieldData* GetFieldData(const CKWGuid& fieldID);
+    virtual IKWFieldData* GetFieldData(CKWGuid fieldID);
     // Frees every field data.
     virtual void ReleaseFieldData();
     // Saves the object into the document once per session; 1 on success.
@@ -47,8 +47,8 @@ public:
     // Replaces the field data by new ones from the type's field table; 0
     // when the object's type has no field table.
     virtual int InitFieldData();
-    virtual CString GetInstanceName() const { return m_instanceName; }
-    virtual void SetInstanceName(const CString& name) { m_instanceName = name; }
+    virtual CString GetInstanceName() { return m_instanceName; }
+    virtual void SetInstanceName(CString name) { m_instanceName = name; }
     virtual int OnBeforeSave(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) { return 1; }
     virtual int OnBeforeLoad(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) { return 1; }
     virtual void OnAfterLoad(CKWDocument*) {}

@@ -15,7 +15,6 @@
 #include "KWFileReplacement.h"
 #include "KWForEachAs.h"
 #include "KWLinkAttributeOrder.h"
-#include "KWWriterErrorHandler.h"
 #include "KWXMLGuidNames.h"
 #include "KWXercesGuard.h"
 #include "kwcore/platform/CKWTrace.h"
@@ -83,21 +82,28 @@ CKWBOOL CKWXMLFileArchive::CloseWithUI() {
     return CKWBOOL(false);
 }
 
-// The documents of an earlier Open lost their elements with its DOM; they
-// make way for those of this one.
+// The documents the host holds stay, and its pointers to them stay good.
+// What they held of an earlier file went with that file's DOM; each takes its
+// part of the file opened now: its stored content when reading, a new
+// element when writing.
 CKWBOOL CKWXMLFileArchive::Open(AccessMode mode) {
     // kept: the base's result is ignored; the XML archive decides alone.
     CKWArchive::Open(mode);
     ReleaseDOM();
-    DeleteAllDocuments();
+    kwIteration::ForEachAs<CKWXMLFileDocument>(
+        GetDocumentIterator(),
+        [](CKWXMLFileDocument* document) { document->DeleteAllTypeManifests(); });
     if (!InitializePlatform()) {
         return CKWBOOL(false);
     }
     if (mode == modeRead) {
         return CKWBOOL(LoadDOMFromFile() != 0);
     }
-    if (mode == modeWrite) {
-        return CKWBOOL(CreateDOM() != 0);
+    if (mode == modeWrite && CreateDOM()) {
+        kwIteration::ForEachAs<CKWXMLFileDocument>(
+            GetDocumentIterator(),
+            [&](CKWXMLFileDocument* document) { document->SetArchive(this); });
+        return CKWBOOL(true);
     }
     return CKWBOOL(false);
 }
@@ -113,8 +119,7 @@ CKWBOOL CKWXMLFileArchive::Close() {
     return CKWBOOL(result);
 }
 
-CKWDocument* CKWXMLFileArchive::CreateNewDocument(const CKWGuid& documentID,
-                                                  IKWObjectType* contentType) {
+CKWDocument* CKWXMLFileArchive::CreateNewDocument(CKWGuid documentID, IKWObjectType* contentType) {
     if (!m_pDOMDocument) {
         return nullptr;
     }
@@ -125,7 +130,7 @@ CKWDocument* CKWXMLFileArchive::CreateNewDocument(const CKWGuid& documentID,
     return document;
 }
 
-int CKWXMLFileArchive::SetFile(const CString& fileName) {
+int CKWXMLFileArchive::SetFile(CString fileName) {
     m_fileName = fileName;
     return 1;
 }
@@ -173,15 +178,28 @@ int CKWXMLFileArchive::LoadDOMFromFile() {
     return parsed ? 1 : 0;
 }
 
-// The root element's name is not checked: any root is taken as "KWXML".
+// The root element's name is not checked: any root is taken as "KWXML". A
+// document the host holds under a stored ID takes that stored document.
 void CKWXMLFileArchive::LoadDocuments() {
     DOMElement* root = m_pDOMDocument ? m_pDOMDocument->getDocumentElement() : nullptr;
     kwXMLGuidNames::ForEachNamedChild(root, [&](const CKWGuid& documentID, DOMElement* element) {
-        auto* document = dynamic_cast<CKWXMLFileDocument*>(CreateNewDocument(documentID, nullptr));
+        CKWXMLFileDocument* document = HeldDocumentWithoutElement(documentID);
+        if (document) {
+            document->SetArchive(this);
+        } else {
+            document = dynamic_cast<CKWXMLFileDocument*>(CreateNewDocument(documentID, nullptr));
+        }
         if (document) {
             document->LoadTypeManifests(element);
         }
     });
+}
+
+// Held from before this Open: a document of this file already has its element.
+CKWXMLFileDocument* CKWXMLFileArchive::HeldDocumentWithoutElement(const CKWGuid& documentID) {
+    auto* held = static_cast<CKWDocument*>(GetDocumentCollection()->Find(documentID));
+    auto* document = dynamic_cast<CKWXMLFileDocument*>(held);
+    return document && !document->GetDocumentElement() ? document : nullptr;
 }
 
 int CKWXMLFileArchive::WriteDOMToFile() {
@@ -210,9 +228,8 @@ bool CKWXMLFileArchive::WriteDOMToText(std::string& text) {
         }
         XercesPtr<DOMLSSerializer> writer(implementation->createLSSerializer());
         XercesPtr<DOMLSOutput> output(implementation->createLSOutput());
-        kwXerces::WriterErrorHandler errors(this);
         DOMConfiguration* config = writer->getDomConfig();
-        config->setParameter(XMLUni::fgDOMErrorHandler, static_cast<DOMErrorHandler*>(&errors));
+        config->setParameter(XMLUni::fgDOMErrorHandler, static_cast<DOMErrorHandler*>(this));
         if (config->canSetParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true)) {
             config->setParameter(XMLUni::fgDOMWRTFormatPrettyPrint, true);
         }

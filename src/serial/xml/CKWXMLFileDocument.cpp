@@ -25,8 +25,7 @@ void CKWXMLFileDocument::SetArchive(CKWXMLFileArchive* archive) {
     });
 }
 
-CKWTypeManifest* CKWXMLFileDocument::CreateTypeManifest(const CKWGuid& typeID,
-                                                        IKWObjectType* storedType) {
+CKWTypeManifest* CKWXMLFileDocument::CreateTypeManifest(CKWGuid typeID, IKWObjectType* storedType) {
     CKWTypeManifest* manifest = CKWDocument::CreateTypeManifest(typeID, storedType);
     if (auto* xmlManifest = dynamic_cast<CKWXMLFileTypeManifest*>(manifest)) {
         xmlManifest->SetArchive(m_pArchive);

@@ -35,7 +35,7 @@ DOMElement* CKWXMLFileTypeManifest::AppendTypeElement(IKWObjectType* type) {
     });
 }
 
-CKWFieldStream* CKWXMLFileTypeManifest::CreateFieldStream(const CKWGuid& instanceID,
+CKWFieldStream* CKWXMLFileTypeManifest::CreateFieldStream(CKWGuid instanceID,
                                                           IKWObjectType* objectType) {
     CKWFieldStream* stream = CKWTypeManifest::CreateFieldStream(instanceID, objectType);
     if (auto* xmlStream = dynamic_cast<CKWXMLFileFieldStream*>(stream)) {

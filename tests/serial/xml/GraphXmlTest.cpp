@@ -24,7 +24,7 @@ int Live(CKWObjectTypeImpl* type) {
 
 // Each node's edges (by instance ID) as (edge, primary, secondary) IDs, in list order.
 using Shape = std::map<CKWGuid, std::vector<std::vector<CKWGuid>>>;
-CKWGuid IdOf(const IKWObject* object) {
+CKWGuid IdOf(IKWObject* object) {
     return object ? object->GetInstanceID() : CKWGuid();
 }
 

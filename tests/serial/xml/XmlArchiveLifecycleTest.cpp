@@ -105,6 +105,46 @@ TEST_F(XmlArchiveLifecycle, StreamWritesNeedTheirParentElements) {
     EXPECT_TRUE(archive->Close());
 }
 
+TEST_F(XmlArchiveLifecycle, IsItsWritersErrorHandlerAndItsStreamsOpenAndCloseAsNoOps) {
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("bases.xml"));
+    IKWObject* object = archive.get();
+    auto* handler = dynamic_cast<XERCES_CPP_NAMESPACE::DOMErrorHandler*>(object);
+    ASSERT_NE(handler, nullptr);
+    EXPECT_EQ(handler, static_cast<XERCES_CPP_NAMESPACE::DOMErrorHandler*>(archive.get()));
+    EXPECT_EQ(dynamic_cast<CKWArchive*>(handler), archive.get());
+    CSamplePart* part = NewPart("one");
+    ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
+    auto* stream =
+        dynamic_cast<CKWXMLFileFieldStream*>(NewStream(archive.get(), part->GetInstanceID()));
+    ASSERT_NE(stream, nullptr);
+    EXPECT_EQ(stream->Open(), 1);
+    EXPECT_EQ(stream->Close(), 1);
+    EXPECT_EQ(stream->WriteObjectHeader(part), 1);
+    EXPECT_TRUE(archive->Close());
+}
+
+// The host's pointer to a document stays good across Close and Open.
+TEST_F(XmlArchiveLifecycle, HeldDocumentsStayAcrossOpenAndTakeTheOpenedFile) {
+    CSamplePart* part = NewPart("kept");
+    const CKWGuid partID = part->GetInstanceID();
+    KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("held.xml"));
+    ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
+    CKWDocument* document = archive->CreateNewDocument(CKWGuid(), nullptr);
+    ASSERT_TRUE(archive->Close());
+    ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
+    ASSERT_EQ(archive->GetDocumentCollection()->Find(document->GetInstanceID()), document);
+    ASSERT_EQ(part->SerializeTo(document), 1);
+    ASSERT_TRUE(archive->Close());
+    ReleaseAllParts();
+    ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
+    EXPECT_EQ(archive->GetDocumentCollection()->GetCount(), 1);
+    auto* loaded =
+        dynamic_cast<CSamplePart*>(document->GetObjectA(CKWGuid(kSamplePartTypeID), partID));
+    ASSERT_NE(loaded, nullptr);
+    EXPECT_EQ(std::string(loaded->m_Name), "kept");
+    EXPECT_TRUE(archive->Close());
+}
+
 using XmlAtomicSave = XmlArchiveTest;
 
 TEST_F(XmlAtomicSave, SaveReplacesTheFileKeepingItsPermissionsAndLeavesNoTemporaryFile) {

@@ -29,8 +29,8 @@ CKWXMLFileFieldStream* StreamOf(CKWXMLFileArchive* archive, const CKWGuid& insta
 // Records what ReadLinks adds, null entries included.
 class CRecordingCollection : public IKWCollection<IKWObject> {
 public:
-    int GetCount() const override { return static_cast<int>(m_added.size()); }
-    void* Find(const CKWGuid&) const override { return nullptr; }
+    int GetCount() override { return static_cast<int>(m_added.size()); }
+    void* Find(CKWGuid) override { return nullptr; }
     void RemoveAll(bool) override { m_added.clear(); }
     int Add(IKWObject* element) override {
         m_added.push_back(element);

@@ -20,11 +20,16 @@
 #pragma once
 
 #include <string>
+#include <xercesc/dom/DOMErrorHandler.hpp>
 
 #include "kwcore/serial/CKWArchive.h"
 #include "kwcore/serial/xml/KWXercesForward.h"
 
-class KWCORE_API CKWXMLFileArchive : public CKWArchive {
+class CKWXMLFileDocument;
+
+// The archive is the DOM writer's error handler itself (handleError).
+class KWCORE_API CKWXMLFileArchive : public CKWArchive,
+                                     public XERCES_CPP_NAMESPACE::DOMErrorHandler {
     KW_DECLARE_TYPE(CKWXMLFileArchive, CKWObjectTypeImpl)
 
 public:
@@ -33,20 +38,22 @@ public:
     CKWBOOL OpenWithUI(AccessMode mode) override;
     CKWBOOL CloseWithUI() override;
     // modeRead loads the file, modeWrite starts an empty tree; other modes fail.
+    // Documents the archive already holds stay: they take the stored document
+    // of their ID when reading, a new element when writing.
     CKWBOOL Open(AccessMode mode) override;
     // In write mode writes the file; in every mode drops the DOM. True when
     // nothing was open.
     CKWBOOL Close() override;
     // Null while no DOM is open.
-    CKWDocument* CreateNewDocument(const CKWGuid& documentID, IKWObjectType* contentType) override;
+    CKWDocument* CreateNewDocument(CKWGuid documentID, IKWObjectType* contentType) override;
 
-    int SetFile(const CString& fileName);
+    int SetFile(CString fileName);
     const CString& GetFile() const { return m_fileName; }
     // The open DOM, or null.
     XERCES_CPP_NAMESPACE::DOMDocument* GetDOMDocument() const { return m_pDOMDocument; }
 
     // Errors of the DOM writer: true lets it go on.
-    virtual bool handleError(const XERCES_CPP_NAMESPACE::DOMError& error);
+    bool handleError(const XERCES_CPP_NAMESPACE::DOMError& error) override;
     virtual void resetErrors() {}
 
 protected:
@@ -66,6 +73,7 @@ private:
     void TerminatePlatform();
     void ReleaseDOM();
     void LoadDocuments();
+    CKWXMLFileDocument* HeldDocumentWithoutElement(const CKWGuid& documentID);
     bool WriteDOMToText(std::string& text);
 
     CString m_fileName;

@@ -23,7 +23,7 @@ public:
     CKWXMLFileArchive* GetArchive() const { return m_pArchive; }
     XERCES_CPP_NAMESPACE::DOMElement* GetDocumentElement() const { return m_pDocumentElement; }
 
-    CKWTypeManifest* CreateTypeManifest(const CKWGuid& typeID, IKWObjectType* storedType) override;
+    CKWTypeManifest* CreateTypeManifest(CKWGuid typeID, IKWObjectType* storedType) override;
     // Takes element as the document's and makes a manifest for each child
     // named after a GUID (others are skipped).
     int LoadTypeManifests(XERCES_CPP_NAMESPACE::DOMElement* element);

@@ -33,6 +33,8 @@ public:
     int ReadLinks(IKWFieldData* fieldData, IKWCollection<IKWObject>* collection) override;
     int WriteLink(IKWFieldData* fieldData, IKWObject* object) override;
     int WriteLinks(IKWFieldData* fieldData, IKWIterator<IKWObject>* iterator) override;
+    // A stream has nothing to open or close of its own: both give 1.
+    virtual int Open() { return 1; }
 
     void SetManifest(CKWXMLFileTypeManifest* manifest) { m_pManifest = manifest; }
     void SetArchive(CKWXMLFileArchive* archive) { m_pArchive = archive; }

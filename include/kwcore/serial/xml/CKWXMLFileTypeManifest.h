@@ -28,8 +28,7 @@ public:
     // when reading (a read DOM is never written back).
     int ReadTypeHeader(IKWObjectType* type) override;
     int WriteTypeHeader(IKWObjectType* type) override;
-    CKWFieldStream* CreateFieldStream(const CKWGuid& instanceID,
-                                      IKWObjectType* objectType) override;
+    CKWFieldStream* CreateFieldStream(CKWGuid instanceID, IKWObjectType* objectType) override;
     // Takes element as the manifest's and makes a stream for each child named
     // after a GUID (others are skipped).
     int LoadFieldStreams(XERCES_CPP_NAMESPACE::DOMElement* element);
