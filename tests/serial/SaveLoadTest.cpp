@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "MemArchiveTest.h"
@@ -170,16 +171,45 @@ TEST_F(SaveLoad, FlagsChooseTheDirectionsAFieldTakes) {
     EXPECT_EQ(std::string(a->m_Name), "alpha");       // 3: both
 }
 
-TEST_F(SaveLoad, AnObjectThatCannotBeReadIsReleasedAndItsLinksStayUnset) {
+TEST_F(SaveLoad, EachFieldIsReadOncePerObjectWhereverTheLoadStarts) {
+    auto* type = CLinkCountingNode::GetCLinkCountingNodeType();
+    std::vector<std::pair<CKWDocument*, CKWGuid>> starts;  // a document for each start
+    for (CLinkCountingNode* start : NewLinkCountingGraph()) {
+        starts.emplace_back(m_pArchive->CreateNewDocument(CKWGuid(), nullptr),
+                            start->GetInstanceID());
+        ASSERT_EQ(start->SerializeTo(starts.back().first), 1);
+    }
+    type->ReleaseInstances();
+    for (const auto& [document, startID] : starts) {
+        auto* loaded =
+            dynamic_cast<CLinkCountingNode*>(document->GetObjectA(type->GetID(), startID));
+        ASSERT_NE(loaded, nullptr);
+        EXPECT_EQ(loaded->GetInstanceID(), startID);
+        EXPECT_EQ(DescribeLinkCountingGraph(loaded), kLinkCountingGraphLoaded);
+        EXPECT_EQ(type->GetInstanceCount(), 3);
+        type->ReleaseInstances();
+    }
+}
+
+TEST_F(SaveLoad, AnObjectThatCannotBeReadIsReleasedUnlessALinkAlreadyHoldsIt) {
     ASSERT_EQ(Save(m_pA), 1);
     StreamA()->m_fields[CKWGuid(kLoadOnlyFieldID)].text = "";
     StreamB()->m_fields[CKWGuid(kCountFieldID)].text = "not a number";
+    ReleaseSamples();
+    EXPECT_EQ(m_pDocument->GetObjectA(CKWGuid(kSamplePartTypeID), m_bID), nullptr);
+    EXPECT_EQ(StreamB()->GetResult(), nullptr);
+    EXPECT_EQ(CSamplePart::GetCSamplePartType()->GetInstanceCount(), 0);
+    // Met by a's link, b is kept as read up to its failing field: no link dangles.
     CSampleAssembly* a = ReleaseAndLoad();
     ASSERT_NE(a, nullptr);
-    EXPECT_EQ(a->m_pLink, nullptr);
-    EXPECT_EQ(a->m_Links.GetCount(), 1);
-    EXPECT_EQ(StreamB()->GetResult(), nullptr);
-    EXPECT_EQ(CSamplePart::GetCSamplePartType()->GetInstanceCount(), 1);  // c alone
+    CSamplePart* b = a->m_pLink;
+    ASSERT_NE(b, nullptr);
+    EXPECT_EQ(StreamB()->GetResult(), b);
+    EXPECT_EQ(std::string(b->m_Name), "beta");
+    EXPECT_EQ(b->m_pLink, nullptr);  // after the failing field
+    EXPECT_EQ(b->m_hookCalls, (std::vector<CString>{"BeforeLoad"}));
+    EXPECT_EQ(a->m_Links.GetCount(), 2);
+    EXPECT_EQ(CSamplePart::GetCSamplePartType()->GetInstanceCount(), 2);
 }
 
 TEST_F(SaveLoad, AFailingFieldStopsTheLoadWithTheFieldsBeforeItReadAndLinksKept) {
