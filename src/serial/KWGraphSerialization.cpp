@@ -42,14 +42,18 @@ struct BegunObject {
 struct LoadFrame {
     LoadFrame(IKWObject* o, IKWSerializableAdaptor* a, IKWFieldStream* s, bool created)
         : object(o), adaptor(a), stream(s), bCreated(created) {}
-    explicit LoadFrame(const BegunObject& begun)
-        : LoadFrame(begun.object, begun.adaptor, begun.stream, true) {}
+    LoadFrame(const BegunObject& begun, bool queued)
+        : LoadFrame(begun.object, begun.adaptor, begun.stream, true) {
+        bQueued = queued;
+    }
 
     IKWObject* object;
     IKWSerializableAdaptor* adaptor;
     IKWFieldStream* stream;
     // Made by GetStoredObject (released when it cannot be read), or the caller's.
     bool bCreated;
+    // Made for a link of the field the frame below just read.
+    bool bQueued = false;
     std::size_t field = 0;
     // The field just read failed: the frame ends once its linked objects were read.
     bool bFieldFailed = false;
@@ -59,13 +63,14 @@ struct LoadFrame {
 
 struct LoadWork {
     enum class Links {
-        Load,   // load an unread object at once, with everything it links to
-        Queue,  // while a field is read: make an unread object and queue its fields
+        Load,     // load an unread object at once, with everything it links to
+        Queue,    // while a field is read: make an unread object and queue its fields
+        Resolve,  // a field read again: unread objects stay unresolved
     };
     std::vector<LoadFrame> frames;
     Links links = Links::Load;
-    // Objects GetStoredObject is reading, and whether an object read
-    // meanwhile links to them.
+    // Objects made by GetStoredObject whose fields are being read, and
+    // whether an object read meanwhile links to them.
     std::unordered_map<IKWObject*, bool> reading;
     // The outcome of the last frame that ended.
     bool bLastRead = false;
@@ -186,7 +191,7 @@ int RunSave(CKWDocument* document, SaveWork& work, std::size_t base) {
 // object is recorded as the stream's result first, so links back to it
 // (cycles) resolve to it and it is read once.
 BegunObject BeginCreated(CKWDocument* document, IKWObjectType* type, CKWTypeManifest* manifest,
-                         IKWFieldStream* stream, const CKWGuid& instanceID, LoadWork& work) {
+                         IKWFieldStream* stream, const CKWGuid& instanceID) {
     IKWObject* object = type->CreateInstance(instanceID);
     IKWSerializableAdaptor* adaptor = AdaptorOf(object);
     if (!adaptor) {
@@ -196,15 +201,37 @@ BegunObject BeginCreated(CKWDocument* document, IKWObjectType* type, CKWTypeMani
         return BegunObject{};
     }
     stream->SetResult(object);
-    work.reading[object] = false;
     adaptor->OnBeforeLoad(document, manifest, stream);
     if (!stream->ReadObjectHeader(object)) {
-        work.reading.erase(object);
         stream->SetResult(nullptr);
         object->Release();
         return BegunObject{};
     }
     return BegunObject{object, adaptor, stream};
+}
+
+// Starts reading the fields of an object GetStoredObject made.
+void PushCreated(LoadWork& work, const BegunObject& begun, bool queued) {
+    work.reading[begun.object] = false;
+    work.frames.emplace_back(begun, queued);
+}
+
+// Reads one field, its links resolved as links says.
+bool ReadField(IKWFieldData* data, IKWFieldStream* stream, LoadWork& work, LoadWork::Links links) {
+    work.links = links;
+    const int read = data->SerializeFrom(stream);
+    work.links = LoadWork::Links::Load;
+    return read != 0;
+}
+
+// An object made for a link that cannot be read is dropped from the field
+// that linked it, by reading that field again without it, before it goes.
+void UnlinkFromLinkingField(LoadWork& work) {
+    LoadFrame& linking = work.frames.back();
+    IKWFieldData* data = linking.adaptor->GetFieldDataList()[linking.field - 1];
+    if (!ReadField(data, linking.stream, work, LoadWork::Links::Resolve)) {
+        work.frames.back().bFieldFailed = true;
+    }
 }
 
 // An object that cannot be read is released, unless an object read
@@ -222,19 +249,16 @@ void EndFrame(CKWDocument* document, LoadWork& work, bool read) {
     }
     if (read) {
         frame.adaptor->OnAfterLoad(document);
-    } else if (frame.bCreated && !linked) {
-        frame.stream->SetResult(nullptr);
-        frame.object->Release();
+        return;
     }
-}
-
-// Reads the field once. The objects its links meet that were not read yet
-// are made at once, so the links resolve to them, and queued on the frame.
-bool ReadField(IKWFieldData* data, IKWFieldStream* stream, LoadWork& work) {
-    work.links = LoadWork::Links::Queue;
-    const int read = data->SerializeFrom(stream);
-    work.links = LoadWork::Links::Load;
-    return read != 0;
+    if (!frame.bCreated || linked) {
+        return;
+    }
+    frame.stream->SetResult(nullptr);
+    if (frame.bQueued) {
+        UnlinkFromLinkingField(work);
+    }
+    frame.object->Release();
 }
 
 // Runs the frames above base to the end: each frame reads its next field,
@@ -245,7 +269,7 @@ bool RunLoad(CKWDocument* document, LoadWork& work, std::size_t base) {
         LoadFrame& top = work.frames.back();
         if (top.nextLinked < top.linked.size()) {
             const BegunObject next = top.linked[top.nextLinked++];
-            work.frames.emplace_back(next);
+            PushCreated(work, next, true);
             continue;
         }
         top.linked.clear();
@@ -256,7 +280,8 @@ bool RunLoad(CKWDocument* document, LoadWork& work, std::size_t base) {
             continue;
         }
         IKWFieldData* data = fields[top.field++];
-        if (kwFieldFlags::ReadOnLoad(data) && !ReadField(data, top.stream, work)) {
+        if (kwFieldFlags::ReadOnLoad(data) &&
+            !ReadField(data, top.stream, work, LoadWork::Links::Queue)) {
             // A hook may have loaded meanwhile: the frame is found again.
             work.frames.back().bFieldFailed = true;
         }
@@ -315,12 +340,11 @@ IKWObject* QueueLinked(CKWDocument* document, IKWObjectType* type, CKWTypeManife
                        IKWFieldStream* stream, const CKWGuid& instanceID, LoadWork& work) {
     const std::size_t reader = work.frames.size() - 1;
     work.links = LoadWork::Links::Load;
-    const BegunObject begun = BeginCreated(document, type, manifest, stream, instanceID, work);
+    const BegunObject begun = BeginCreated(document, type, manifest, stream, instanceID);
     work.links = LoadWork::Links::Queue;
     if (!begun.object) {
         return nullptr;
     }
-    work.reading[begun.object] = true;  // the field being read links to it
     work.frames[reader].linked.push_back(begun);
     return begun.object;
 }
@@ -421,12 +445,15 @@ IKWObject* GetStoredObject(CKWDocument* document, const CKWGuid& typeID,
     if (work && work->links == LoadWork::Links::Queue && !work->frames.empty()) {
         return QueueLinked(document, type, manifest, stream, instanceID, *work);
     }
+    if (work && work->links == LoadWork::Links::Resolve) {
+        return nullptr;
+    }
     const bool read = LoadWith(document, [&](LoadWork& work) {
-        const BegunObject begun = BeginCreated(document, type, manifest, stream, instanceID, work);
+        const BegunObject begun = BeginCreated(document, type, manifest, stream, instanceID);
         if (!begun.object) {
             return false;
         }
-        work.frames.emplace_back(begun);
+        PushCreated(work, begun, false);
         return true;
     });
     return read ? stream->GetResult() : nullptr;

@@ -9,7 +9,9 @@
 // yet that a field links to is made (with its stored instance ID) and its
 // header read while the field is read, so the link resolves to it at once;
 // its fields are read after that field, each object with everything it links
-// to, before the object's next field: the order of recursive loading.
+// to, before the object's next field: the order of recursive loading. Should
+// such an object fail to load, the field is read again without it, and it is
+// released, unless an object read meanwhile links to it.
 #pragma once
 
 #include "kwcore/serial/CKWDocument.h"
