@@ -14,6 +14,8 @@
 
 #include "kwcore/platform/Rpc.h"
 
+#include "KWChaCha.h"
+
 #include <pthread.h>
 #include <sys/random.h>
 
@@ -24,73 +26,13 @@
 
 namespace {
 
-// ------------------------------------------------------------------- ChaCha
+using kwChaCha::kBlockBytes;
+using kwChaCha::kKeyWords;
+using kwChaCha::kLanes;
 
-// One ChaCha state word of four consecutive blocks, made four at a time.
-typedef std::uint32_t WordLanes __attribute__((vector_size(16)));
-
-constexpr int kLanes = 4;
 constexpr int kChaChaRounds = 12;
-constexpr int kStateWords = 16;
-constexpr std::size_t kBlockBytes = 64;
-constexpr std::size_t kKeyWords = 8;
-
-WordLanes Broadcast(std::uint32_t word) {
-    return WordLanes{word, word, word, word};
-}
-
-template <int Bits>
-WordLanes RotateLeft(WordLanes lanes) {
-    return (lanes << Bits) | (lanes >> (32 - Bits));
-}
-
-void QuarterRound(WordLanes& a, WordLanes& b, WordLanes& c, WordLanes& d) {
-    a += b;
-    d = RotateLeft<16>(d ^ a);
-    c += d;
-    b = RotateLeft<12>(b ^ c);
-    a += b;
-    d = RotateLeft<8>(d ^ a);
-    c += d;
-    b = RotateLeft<7>(b ^ c);
-}
-
-void DoubleRound(WordLanes (&x)[kStateWords]) {
-    QuarterRound(x[0], x[4], x[8], x[12]);
-    QuarterRound(x[1], x[5], x[9], x[13]);
-    QuarterRound(x[2], x[6], x[10], x[14]);
-    QuarterRound(x[3], x[7], x[11], x[15]);
-    QuarterRound(x[0], x[5], x[10], x[15]);
-    QuarterRound(x[1], x[6], x[11], x[12]);
-    QuarterRound(x[2], x[7], x[8], x[13]);
-    QuarterRound(x[3], x[4], x[9], x[14]);
-}
-
-// Writes the four blocks with counters firstBlock .. firstBlock + 3, word by
-// word across the blocks (word 0 of each, then word 1, ...): any fixed order
-// of the key stream is as random, and this one needs no transposing.
-void MakeFourBlocks(const std::uint32_t (&key)[kKeyWords], std::uint32_t firstBlock,
-                    unsigned char* out) {
-    static constexpr std::uint32_t kSigma[4] = {0x61707865, 0x3320646e, 0x79622d32, 0x6b206574};
-    WordLanes input[kStateWords] = {};
-    for (int i = 0; i < 4; ++i) {
-        input[i] = Broadcast(kSigma[i]);
-    }
-    for (std::size_t i = 0; i < kKeyWords; ++i) {
-        input[4 + i] = Broadcast(key[i]);
-    }
-    input[12] = Broadcast(firstBlock) + WordLanes{0, 1, 2, 3};
-
-    WordLanes x[kStateWords];
-    std::memcpy(x, input, sizeof x);
-    for (int round = 0; round < kChaChaRounds; round += 2) {
-        DoubleRound(x);
-    }
-    for (int word = 0; word < kStateWords; ++word) {
-        const WordLanes sum = x[word] + input[word];
-        std::memcpy(out + word * sizeof sum, &sum, sizeof sum);
-    }
-}
+// The stream is told apart by its key alone.
+constexpr std::uint32_t kNoNonce[kwChaCha::kNonceWords] = {};
 
 // ------------------------------------------------------- per-thread pool
 
@@ -150,8 +92,9 @@ bool Refill(RandomPool& pool) {
         return false;
     }
     --pool.refillsLeft;
-    MakeFourBlocks(pool.key, 0, pool.bytes);
-    MakeFourBlocks(pool.key, kLanes, pool.bytes + kLanes * kBlockBytes);
+    kwChaCha::MakeFourBlocks(pool.key, kNoNonce, 0, kChaChaRounds, pool.bytes);
+    kwChaCha::MakeFourBlocks(pool.key, kNoNonce, kLanes, kChaChaRounds,
+                             pool.bytes + kLanes * kBlockBytes);
     std::memcpy(pool.key, pool.bytes, kKeyBytes);
     pool.remaining = kPoolBytes - kKeyBytes;
     return true;

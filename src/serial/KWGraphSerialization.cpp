@@ -30,40 +30,47 @@ struct SaveWork {
     bool bQueueLinks = false;
 };
 
-// A link to an object not read yet, met by a field's first reading.
-struct PendingLink {
-    IKWObjectType* type;
-    CKWTypeManifest* manifest;
+// An object made for its stream, its header read, its fields not yet.
+struct BegunObject {
+    IKWObject* object;
+    IKWSerializableAdaptor* adaptor;
     IKWFieldStream* stream;
-    CKWGuid instanceID;
 };
 
-// An object being read: its next field, and the links to objects not read
-// yet that the current field met (read before the field is read again).
+// An object being read: its next field, and the objects made for the links
+// the field just read met (read, in that order, before the next field).
 struct LoadFrame {
     LoadFrame(IKWObject* o, IKWSerializableAdaptor* a, IKWFieldStream* s, bool created)
         : object(o), adaptor(a), stream(s), bCreated(created) {}
+    LoadFrame(const BegunObject& begun, bool queued)
+        : LoadFrame(begun.object, begun.adaptor, begun.stream, true) {
+        bQueued = queued;
+    }
 
     IKWObject* object;
     IKWSerializableAdaptor* adaptor;
     IKWFieldStream* stream;
     // Made by GetStoredObject (released when it cannot be read), or the caller's.
     bool bCreated;
+    // Made for a link of the field the frame below just read.
+    bool bQueued = false;
     std::size_t field = 0;
-    std::vector<PendingLink> pending;
-    std::size_t nextPending = 0;
+    // The field just read failed: the frame ends once its linked objects were read.
+    bool bFieldFailed = false;
+    std::vector<BegunObject> linked;
+    std::size_t nextLinked = 0;
 };
 
 struct LoadWork {
     enum class Links {
-        Load,     // load an unread object at once
-        Queue,    // a field's first reading: queue unread objects on the top frame
+        Load,     // load an unread object at once, with everything it links to
+        Queue,    // while a field is read: make an unread object and queue its fields
         Resolve,  // a field read again: unread objects stay unresolved
     };
     std::vector<LoadFrame> frames;
     Links links = Links::Load;
-    // Objects GetStoredObject is reading, and whether an object read
-    // meanwhile links to them.
+    // Objects made by GetStoredObject whose fields are being read, and
+    // whether an object read meanwhile links to them.
     std::unordered_map<IKWObject*, bool> reading;
     // The outcome of the last frame that ended.
     bool bLastRead = false;
@@ -179,31 +186,52 @@ int RunSave(CKWDocument* document, SaveWork& work, std::size_t base) {
 
 // ---------------------------------------------------------------- loading
 
-// The first steps of reading an object made for a stream; false when it
-// cannot begin (the object is then released).
-bool BeginCreated(CKWDocument* document, const PendingLink& link, LoadWork& work) {
-    IKWObject* object = link.type->CreateInstance(link.instanceID);
-    if (!object) {
-        return false;
-    }
+// Makes the object stored in the stream and reads everything before its
+// fields; a null object when that fails (the object is then released). The
+// object is recorded as the stream's result first, so links back to it
+// (cycles) resolve to it and it is read once.
+BegunObject BeginCreated(CKWDocument* document, IKWObjectType* type, CKWTypeManifest* manifest,
+                         IKWFieldStream* stream, const CKWGuid& instanceID) {
+    IKWObject* object = type->CreateInstance(instanceID);
     IKWSerializableAdaptor* adaptor = AdaptorOf(object);
     if (!adaptor) {
-        object->Release();
-        return false;
+        if (object) {
+            object->Release();
+        }
+        return BegunObject{};
     }
-    // Recorded before its fields are read, so links back to it (cycles)
-    // resolve to it and it is read once.
-    link.stream->SetResult(object);
-    work.reading[object] = false;
-    adaptor->OnBeforeLoad(document, link.manifest, link.stream);
-    if (!link.stream->ReadObjectHeader(object)) {
-        work.reading.erase(object);
-        link.stream->SetResult(nullptr);
+    stream->SetResult(object);
+    adaptor->OnBeforeLoad(document, manifest, stream);
+    if (!stream->ReadObjectHeader(object)) {
+        stream->SetResult(nullptr);
         object->Release();
-        return false;
+        return BegunObject{};
     }
-    work.frames.emplace_back(object, adaptor, link.stream, true);
-    return true;
+    return BegunObject{object, adaptor, stream};
+}
+
+// Starts reading the fields of an object GetStoredObject made.
+void PushCreated(LoadWork& work, const BegunObject& begun, bool queued) {
+    work.reading[begun.object] = false;
+    work.frames.emplace_back(begun, queued);
+}
+
+// Reads one field, its links resolved as links says.
+bool ReadField(IKWFieldData* data, IKWFieldStream* stream, LoadWork& work, LoadWork::Links links) {
+    work.links = links;
+    const int read = data->SerializeFrom(stream);
+    work.links = LoadWork::Links::Load;
+    return read != 0;
+}
+
+// An object made for a link that cannot be read is dropped from the field
+// that linked it, by reading that field again without it, before it goes.
+void UnlinkFromLinkingField(LoadWork& work) {
+    LoadFrame& linking = work.frames.back();
+    IKWFieldData* data = linking.adaptor->GetFieldDataList()[linking.field - 1];
+    if (!ReadField(data, linking.stream, work, LoadWork::Links::Resolve)) {
+        work.frames.back().bFieldFailed = true;
+    }
 }
 
 // An object that cannot be read is released, unless an object read
@@ -221,64 +249,41 @@ void EndFrame(CKWDocument* document, LoadWork& work, bool read) {
     }
     if (read) {
         frame.adaptor->OnAfterLoad(document);
-    } else if (frame.bCreated && !linked) {
-        frame.stream->SetResult(nullptr);
-        frame.object->Release();
+        return;
     }
-}
-
-// Starts reading a queued link's object unless it was read meanwhile.
-void BeginQueued(CKWDocument* document, const PendingLink& link, LoadWork& work) {
-    if (!link.stream->GetResult()) {
-        BeginCreated(document, link, work);
+    if (!frame.bCreated || linked) {
+        return;
     }
+    frame.stream->SetResult(nullptr);
+    if (frame.bQueued) {
+        UnlinkFromLinkingField(work);
+    }
+    frame.object->Release();
 }
 
-int ReadField(IKWFieldData* data, IKWFieldStream* stream, LoadWork& work, LoadWork::Links links) {
-    work.links = links;
-    const int read = data->SerializeFrom(stream);
-    work.links = LoadWork::Links::Load;
-    return read;
-}
-
-// Runs the frames above base to the end: each frame reads the objects its
-// current field linked to, then reads that field again, then its next
-// field, then ends. Gives whether the frame at base was read.
+// Runs the frames above base to the end: each frame reads its next field,
+// then the objects that field linked to (each with everything it links to),
+// then its next field, then ends. Gives whether the frame at base was read.
 bool RunLoad(CKWDocument* document, LoadWork& work, std::size_t base) {
     while (work.frames.size() > base) {
         LoadFrame& top = work.frames.back();
-        if (top.nextPending < top.pending.size()) {
-            const PendingLink link = top.pending[top.nextPending++];
-            BeginQueued(document, link, work);
+        if (top.nextLinked < top.linked.size()) {
+            const BegunObject next = top.linked[top.nextLinked++];
+            PushCreated(work, next, true);
             continue;
         }
+        top.linked.clear();
+        top.nextLinked = 0;
         const std::vector<IKWFieldData*>& fields = top.adaptor->GetFieldDataList();
-        if (!top.pending.empty()) {
-            // Every object the field linked to was read: read the field again.
-            top.pending.clear();
-            top.nextPending = 0;
-            if (!ReadField(fields[top.field++], top.stream, work, LoadWork::Links::Resolve)) {
-                EndFrame(document, work, false);
-            }
+        if (top.bFieldFailed || top.field >= fields.size()) {
+            EndFrame(document, work, !top.bFieldFailed);
             continue;
         }
-        if (top.field >= fields.size()) {
-            EndFrame(document, work, true);
-            continue;
-        }
-        IKWFieldData* data = fields[top.field];
-        if (!kwFieldFlags::ReadOnLoad(data)) {
-            ++top.field;
-            continue;
-        }
-        const int read = ReadField(data, top.stream, work, LoadWork::Links::Queue);
-        LoadFrame& same = work.frames.back();
-        if (!same.pending.empty()) {
-            continue;  // the field is read again once its links were read
-        }
-        ++same.field;
-        if (!read) {
-            EndFrame(document, work, false);
+        IKWFieldData* data = fields[top.field++];
+        if (kwFieldFlags::ReadOnLoad(data) &&
+            !ReadField(data, top.stream, work, LoadWork::Links::Queue)) {
+            // A hook may have loaded meanwhile: the frame is found again.
+            work.frames.back().bFieldFailed = true;
         }
     }
     return work.bLastRead;
@@ -327,6 +332,21 @@ IKWObject* Loaded(IKWObject* loaded, LoadWork* work) {
         }
     }
     return loaded;
+}
+
+// Makes an object met by a field's link and queues its fields on the frame
+// reading that field. Hooks it runs load as outside a field.
+IKWObject* QueueLinked(CKWDocument* document, IKWObjectType* type, CKWTypeManifest* manifest,
+                       IKWFieldStream* stream, const CKWGuid& instanceID, LoadWork& work) {
+    const std::size_t reader = work.frames.size() - 1;
+    work.links = LoadWork::Links::Load;
+    const BegunObject begun = BeginCreated(document, type, manifest, stream, instanceID);
+    work.links = LoadWork::Links::Queue;
+    if (!begun.object) {
+        return nullptr;
+    }
+    work.frames[reader].linked.push_back(begun);
+    return begun.object;
 }
 
 }  // namespace
@@ -401,9 +421,9 @@ int LoadGraph(CKWDocument* document, IKWSerializableAdaptor* adaptor, CKWTypeMan
     return 1;
 }
 
-// While a field is read for the first time, an object not read yet is only
-// queued (null now, resolved when the field is read again); while it is
-// read again, one still not read stays unresolved.
+// While a field is read, an object not read yet is made and its header read
+// (so a link to an object that is not stored stays unset), and its fields
+// are read once the field is done: the link resolves to it at once.
 IKWObject* GetStoredObject(CKWDocument* document, const CKWGuid& typeID,
                            const CKWGuid& instanceID) {
     if (!typeID.IsValid() || !instanceID.IsValid()) {
@@ -422,16 +442,20 @@ IKWObject* GetStoredObject(CKWDocument* document, const CKWGuid& typeID,
     if (!type) {
         return nullptr;
     }
-    const PendingLink link{type, manifest, stream, instanceID};
     if (work && work->links == LoadWork::Links::Queue && !work->frames.empty()) {
-        work->frames.back().pending.push_back(link);
-        return nullptr;
+        return QueueLinked(document, type, manifest, stream, instanceID, *work);
     }
     if (work && work->links == LoadWork::Links::Resolve) {
         return nullptr;
     }
-    const bool read =
-        LoadWith(document, [&](LoadWork& work) { return BeginCreated(document, link, work); });
+    const bool read = LoadWith(document, [&](LoadWork& work) {
+        const BegunObject begun = BeginCreated(document, type, manifest, stream, instanceID);
+        if (!begun.object) {
+            return false;
+        }
+        PushCreated(work, begun, false);
+        return true;
+    });
     return read ? stream->GetResult() : nullptr;
 }
 

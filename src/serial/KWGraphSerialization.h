@@ -5,9 +5,13 @@
 // Saving: an object's fields are written one at a time; the objects a field
 // links to are queued while it is written and saved, each with everything it
 // links to, before the next field: the order of recursive saving, so files
-// come out the same. Loading: a field that meets links to objects not read
-// yet is read again once those objects were read (each with everything it
-// links to), so every link resolves as it would with recursive loading.
+// come out the same. Loading: each field is read once. An object not read
+// yet that a field links to is made (with its stored instance ID) and its
+// header read while the field is read, so the link resolves to it at once;
+// its fields are read after that field, each object with everything it links
+// to, before the object's next field: the order of recursive loading. Should
+// such an object fail to load, the field is read again without it, and it is
+// released, unless an object read meanwhile links to it.
 #pragma once
 
 #include "kwcore/serial/CKWDocument.h"

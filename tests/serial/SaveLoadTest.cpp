@@ -3,6 +3,7 @@
 
 #include <initializer_list>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "MemArchiveTest.h"
@@ -168,6 +169,26 @@ TEST_F(SaveLoad, FlagsChooseTheDirectionsAFieldTakes) {
     EXPECT_EQ(std::string(a->m_LoadOnly), "legacy");  // 1: read
     EXPECT_TRUE(a->m_SaveOnly.IsEmpty());             // 2: not read back
     EXPECT_EQ(std::string(a->m_Name), "alpha");       // 3: both
+}
+
+TEST_F(SaveLoad, EachFieldIsReadOncePerObjectWhereverTheLoadStarts) {
+    auto* type = CLinkCountingNode::GetCLinkCountingNodeType();
+    std::vector<std::pair<CKWDocument*, CKWGuid>> starts;  // a document for each start
+    for (CLinkCountingNode* start : NewLinkCountingGraph()) {
+        starts.emplace_back(m_pArchive->CreateNewDocument(CKWGuid(), nullptr),
+                            start->GetInstanceID());
+        ASSERT_EQ(start->SerializeTo(starts.back().first), 1);
+    }
+    type->ReleaseInstances();
+    for (const auto& [document, startID] : starts) {
+        auto* loaded =
+            dynamic_cast<CLinkCountingNode*>(document->GetObjectA(type->GetID(), startID));
+        ASSERT_NE(loaded, nullptr);
+        EXPECT_EQ(loaded->GetInstanceID(), startID);
+        EXPECT_EQ(DescribeLinkCountingGraph(loaded), kLinkCountingGraphLoaded);
+        EXPECT_EQ(type->GetInstanceCount(), 3);
+        type->ReleaseInstances();
+    }
 }
 
 TEST_F(SaveLoad, AnObjectThatCannotBeReadIsReleasedAndItsLinksStayUnset) {

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "CLinkCountingNode.h"
 #include "CMemArchive.h"
 #include "CSamplePart.h"
 #include "KWTestObjects.h"
@@ -36,6 +37,7 @@ protected:
     static void ReleaseSamples() {
         CSampleAssembly::GetCSampleAssemblyType()->ReleaseInstances();
         CSamplePart::GetCSamplePartType()->ReleaseInstances();
+        CLinkCountingNode::GetCLinkCountingNodeType()->ReleaseInstances();
     }
 
     CMemArchive* m_pArchive = nullptr;

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "CLinkCountingNode.h"
 #include "CSamplePart.h"
 #include "CTempFolder.h"
 #include "XmlArchiveFiles.h"
@@ -23,6 +24,7 @@ inline CSamplePart* NewPart(const char* name) {
 
 inline void ReleaseAllParts() {
     CSamplePart::GetCSamplePartType()->ReleaseInstances();
+    CLinkCountingNode::GetCLinkCountingNodeType()->ReleaseInstances();
 }
 
 inline int LivePartCount() {

@@ -79,6 +79,27 @@ TEST_F(XmlRoundTrip, GraphWithCycleIsWrittenAndLoadedOnceWithAllFields) {
     EXPECT_TRUE(archive->Close());
 }
 
+TEST_F(XmlRoundTrip, EachFieldIsReadOncePerObjectWhereverTheLoadStarts) {
+    auto* type = CLinkCountingNode::GetCLinkCountingNodeType();
+    const std::vector<CLinkCountingNode*> nodes = NewLinkCountingGraph();
+    ASSERT_EQ(1, SaveXmlFile(Path("counted.xml"), nodes[0]));
+    std::vector<CKWGuid> ids;
+    for (CLinkCountingNode* node : nodes) {
+        ids.push_back(node->GetInstanceID());
+    }
+    ReleaseAllParts();
+    for (const CKWGuid& id : ids) {
+        KWOwned<CKWXMLFileArchive> archive = NewXmlArchive(Path("counted.xml"));
+        ASSERT_TRUE(archive->Open(CKWArchive::modeRead));
+        auto* loaded = dynamic_cast<CLinkCountingNode*>(
+            LoadFromFirstDocument(archive.get(), type->GetID(), id));
+        ASSERT_NE(nullptr, loaded);
+        EXPECT_EQ(kLinkCountingGraphLoaded, DescribeLinkCountingGraph(loaded));
+        EXPECT_EQ(3, type->GetInstanceCount());
+        ReleaseAllParts();
+    }
+}
+
 TEST_F(XmlRoundTrip, AnyTextReadsBackByteForByte) {
     const CString texts[] = {
         "",
