@@ -3,8 +3,11 @@
 // lists for the length of the construction.
 #include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <new>
 #include <vector>
@@ -20,6 +23,48 @@ using kwRationalArithmetic::Query2TRational;
 
 namespace {
 
+// How many binary places, from the leading bit of the largest coordinate to
+// the lowest bit set in any coordinate, the exact line test can hold: its
+// products of coordinate differences must fit TRational<32>'s 1024 bits.
+const int kExactSpan = 500;
+
+// The binary exponents of the leading and of the lowest set bit of a finite,
+// nonzero value.
+void BitRange(double value, int& leading, int& lowest) {
+    leading = std::ilogb(value);
+    const double mantissa = std::ldexp(std::fabs(value), 52 - leading);  // an integer below 2^53
+    const auto bits = static_cast<std::uint64_t>(mantissa);
+    lowest = leading - 52 + std::ilogb(static_cast<double>(bits & (~bits + 1)));
+}
+
+// The power of two that takes the largest coordinate into [1, 2), or higher
+// where the lowest bit would otherwise drop below what Real holds: the
+// scaled points then keep every bit, and the exact queries decide as on the
+// points given. False when the coordinates span more than kExactSpan places.
+template <class Real, class Vector2>
+bool ExactScale(int count, const Vector2* points, int& power) {
+    int leading = INT_MIN, lowest = INT_MAX;
+    for (int i = 0; i < count; ++i) {
+        for (Real value : {points[i].X(), points[i].Y()}) {
+            if (!std::isfinite(value) || value == Real(0)) {
+                continue;
+            }
+            int top = 0, bottom = 0;
+            BitRange(static_cast<double>(value), top, bottom);
+            leading = std::max(leading, top);
+            lowest = std::min(lowest, bottom);
+        }
+    }
+    power = 0;
+    if (leading == INT_MIN) {
+        return true;
+    }
+    const int smallestBit =
+        std::numeric_limits<Real>::min_exponent - std::numeric_limits<Real>::digits;
+    power = std::max(-leading, smallestBit - lowest);
+    return leading - lowest <= kExactSpan;
+}
+
 template <class Real, class Other>
 class CEarClipperT {
 public:
@@ -27,6 +72,8 @@ public:
 
     // Builds the query and the coordinates the reflex index works on.
     CEarClipperT(int iVQuantity, const Vector2* akPoint, Query::Type eQueryType, Real fEpsilon);
+    // False when the query cannot decide exactly on these points.
+    bool Ready() const { return m_spQuery != nullptr; }
     // Writes the n - 2 triangles to aiIndex.
     void Triangulate(int* aiIndex);
 
@@ -72,7 +119,7 @@ private:
     void Update(int i);
 
     std::unique_ptr<Query2<Real, Other>> m_spQuery;
-    std::unique_ptr<Vector2[]> m_spScaled;  // scaled coordinates, for the types that scale
+    std::unique_ptr<Vector2[]> m_spScaled;  // the coordinates the query sees
     std::vector<double> m_indexX, m_indexY;
     std::unique_ptr<kwEarClipping::CReflexVertexIndex> m_spReflexIndex;
     std::vector<SVertex> m_vertices;
@@ -94,22 +141,32 @@ CEarClipperT<Real, Other>::CEarClipperT(int iVQuantity, const Vector2* akPoint,
     }
 }
 
-// The exact queries work on the points as given.
+// The exact queries work on the points scaled by a power of two, which
+// changes no sign they compute (and no decision of the filter, whose test is
+// homogeneous), but keeps the rationals within their words and the filter's
+// products clear of overflow and underflow at every scale.
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::PrepareExactQuery(const Vector2* akPoint, Query::Type eQueryType,
                                                   Real fEpsilon) {
     const int count = static_cast<int>(m_vertices.size());
-    if (eQueryType == Query::QT_RATIONAL) {
-        m_spQuery.reset(new Query2TRational<Real, Other>(count, akPoint));
-    } else {
-        m_spQuery.reset(new Query2Filtered<Real, Other>(count, akPoint, fEpsilon));
+    int power = 0;
+    if (!ExactScale<Real>(count, akPoint, power)) {
+        return;
     }
-    // As the exact arithmetic reads them: non-finite values count as 0.
+    m_spScaled.reset(new Vector2[m_vertices.size()]);
     for (std::size_t i = 0; i < m_vertices.size(); ++i) {
-        const double x = static_cast<double>(akPoint[i].X());
-        const double y = static_cast<double>(akPoint[i].Y());
+        const Vector2 scaled(std::ldexp(akPoint[i].X(), power), std::ldexp(akPoint[i].Y(), power));
+        m_spScaled[i] = scaled;
+        // As the exact arithmetic reads them: non-finite values count as 0.
+        const double x = static_cast<double>(scaled.X());
+        const double y = static_cast<double>(scaled.Y());
         m_indexX[i] = std::isfinite(x) ? x : 0.0;
         m_indexY[i] = std::isfinite(y) ? y : 0.0;
+    }
+    if (eQueryType == Query::QT_RATIONAL) {
+        m_spQuery.reset(new Query2TRational<Real, Other>(count, m_spScaled.get()));
+    } else {
+        m_spQuery.reset(new Query2Filtered<Real, Other>(count, m_spScaled.get(), fEpsilon));
     }
 }
 
@@ -401,11 +458,14 @@ CKWTriangulateEarClipping<Real, Other>::CKWTriangulateEarClipping(int iVQuantity
         eQueryType < Query::QT_INT64 || eQueryType > Query::QT_FILTERED) {
         return;
     }
-    raiIndex = new (std::nothrow) int[3 * static_cast<std::size_t>(iVQuantity - 1)];
-    if (raiIndex == nullptr) {
+    CEarClipperT<Real, Other> clipper(iVQuantity, akPoint, eQueryType, fEpsilon);
+    if (!clipper.Ready()) {
         return;
     }
-    CEarClipperT<Real, Other>(iVQuantity, akPoint, eQueryType, fEpsilon).Triangulate(raiIndex);
+    raiIndex = new (std::nothrow) int[3 * static_cast<std::size_t>(iVQuantity - 1)];
+    if (raiIndex != nullptr) {
+        clipper.Triangulate(raiIndex);
+    }
 }
 
 template <class Real, class Other>
