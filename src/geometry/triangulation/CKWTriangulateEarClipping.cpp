@@ -43,24 +43,40 @@ void BitRange(double value, int& leading, int& lowest) {
 // points given. False when the coordinates span more than kExactSpan places.
 template <class Real, class Vector2>
 bool ExactScale(int count, const Vector2* points, int& power) {
-    int leading = INT_MIN, lowest = INT_MAX;
+    Real largest = 0, smallest = std::numeric_limits<Real>::max();
     for (int i = 0; i < count; ++i) {
         for (Real value : {points[i].X(), points[i].Y()}) {
-            if (!std::isfinite(value) || value == Real(0)) {
-                continue;
+            const Real magnitude = std::fabs(value);
+            if (magnitude > Real(0) && magnitude <= std::numeric_limits<Real>::max()) {
+                largest = std::max(largest, magnitude);
+                smallest = std::min(smallest, magnitude);
             }
-            int top = 0, bottom = 0;
-            BitRange(static_cast<double>(value), top, bottom);
-            leading = std::max(leading, top);
-            lowest = std::min(lowest, bottom);
         }
     }
     power = 0;
-    if (leading == INT_MIN) {
+    if (largest == Real(0)) {
         return true;
     }
+    const int leading = std::ilogb(largest);
     const int smallestBit =
         std::numeric_limits<Real>::min_exponent - std::numeric_limits<Real>::digits;
+    power = -leading;
+    // Every bit of a value lies at most digits - 1 places below its leading
+    // bit: usually that settles it without looking at the bits themselves.
+    const int roughSpan = leading - std::ilogb(smallest) + std::numeric_limits<Real>::digits - 1;
+    if (roughSpan <= std::min(kExactSpan, -smallestBit)) {
+        return true;
+    }
+    int lowest = INT_MAX;
+    for (int i = 0; i < count; ++i) {
+        for (Real value : {points[i].X(), points[i].Y()}) {
+            if (std::isfinite(value) && value != Real(0)) {
+                int top = 0, bottom = 0;
+                BitRange(static_cast<double>(value), top, bottom);
+                lowest = std::min(lowest, bottom);
+            }
+        }
+    }
     power = std::max(-leading, smallestBit - lowest);
     return leading - lowest <= kExactSpan;
 }
@@ -153,20 +169,26 @@ void CEarClipperT<Real, Other>::PrepareExactQuery(const Vector2* akPoint, Query:
     if (!ExactScale<Real>(count, akPoint, power)) {
         return;
     }
-    m_spScaled.reset(new Vector2[m_vertices.size()]);
+    const Vector2* points = akPoint;
+    if (power != 0) {
+        m_spScaled.reset(new Vector2[m_vertices.size()]);
+        for (std::size_t i = 0; i < m_vertices.size(); ++i) {
+            m_spScaled[i] =
+                Vector2(std::ldexp(akPoint[i].X(), power), std::ldexp(akPoint[i].Y(), power));
+        }
+        points = m_spScaled.get();
+    }
+    // As the exact arithmetic reads them: non-finite values count as 0.
     for (std::size_t i = 0; i < m_vertices.size(); ++i) {
-        const Vector2 scaled(std::ldexp(akPoint[i].X(), power), std::ldexp(akPoint[i].Y(), power));
-        m_spScaled[i] = scaled;
-        // As the exact arithmetic reads them: non-finite values count as 0.
-        const double x = static_cast<double>(scaled.X());
-        const double y = static_cast<double>(scaled.Y());
+        const double x = static_cast<double>(points[i].X());
+        const double y = static_cast<double>(points[i].Y());
         m_indexX[i] = std::isfinite(x) ? x : 0.0;
         m_indexY[i] = std::isfinite(y) ? y : 0.0;
     }
     if (eQueryType == Query::QT_RATIONAL) {
-        m_spQuery.reset(new Query2TRational<Real, Other>(count, m_spScaled.get()));
+        m_spQuery.reset(new Query2TRational<Real, Other>(count, points));
     } else {
-        m_spQuery.reset(new Query2Filtered<Real, Other>(count, m_spScaled.get(), fEpsilon));
+        m_spQuery.reset(new Query2Filtered<Real, Other>(count, points, fEpsilon));
     }
 }
 
