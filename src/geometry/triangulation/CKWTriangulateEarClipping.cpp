@@ -37,10 +37,13 @@ void BitRange(double value, int& leading, int& lowest) {
     lowest = leading - 52 + std::ilogb(static_cast<double>(bits & (~bits + 1)));
 }
 
-// The power of two that takes the largest coordinate into [1, 2), or higher
-// where the lowest bit would otherwise drop below what Real holds: the
-// scaled points then keep every bit, and the exact queries decide as on the
-// points given. False when the coordinates span more than kExactSpan places.
+// The power of two the exact queries see the points scaled by: 0 while
+// every bit set lies within 2^(max_exponent / 5) of 1 either way, where
+// neither the rationals nor the filter's products can leave their range;
+// else the power that takes the largest coordinate into [1, 2), raised where
+// the lowest bit would drop below what Real holds. The scaled points keep
+// every bit, and the queries decide as on the points given. False when the
+// coordinates span more than kExactSpan places.
 template <class Real, class Vector2>
 bool ExactScale(int count, const Vector2* points, int& power) {
     Real largest = 0, smallest = std::numeric_limits<Real>::max();
@@ -60,25 +63,29 @@ bool ExactScale(int count, const Vector2* points, int& power) {
     const int leading = std::ilogb(largest);
     const int smallestBit =
         std::numeric_limits<Real>::min_exponent - std::numeric_limits<Real>::digits;
-    power = -leading;
     // Every bit of a value lies at most digits - 1 places below its leading
     // bit: usually that settles it without looking at the bits themselves.
-    const int roughSpan = leading - std::ilogb(smallest) + std::numeric_limits<Real>::digits - 1;
-    if (roughSpan <= std::min(kExactSpan, -smallestBit)) {
-        return true;
-    }
-    int lowest = INT_MAX;
-    for (int i = 0; i < count; ++i) {
-        for (Real value : {points[i].X(), points[i].Y()}) {
-            if (std::isfinite(value) && value != Real(0)) {
-                int top = 0, bottom = 0;
-                BitRange(static_cast<double>(value), top, bottom);
-                lowest = std::min(lowest, bottom);
+    int lowest = std::ilogb(smallest) - (std::numeric_limits<Real>::digits - 1);
+    if (leading - lowest > std::min(kExactSpan, -smallestBit)) {
+        lowest = INT_MAX;
+        for (int i = 0; i < count; ++i) {
+            for (Real value : {points[i].X(), points[i].Y()}) {
+                if (std::isfinite(value) && value != Real(0)) {
+                    int top = 0, bottom = 0;
+                    BitRange(static_cast<double>(value), top, bottom);
+                    lowest = std::min(lowest, bottom);
+                }
             }
         }
+        if (leading - lowest > kExactSpan) {
+            return false;
+        }
     }
-    power = std::max(-leading, smallestBit - lowest);
-    return leading - lowest <= kExactSpan;
+    const int window = std::numeric_limits<Real>::max_exponent / 5;
+    if (leading > window || lowest < -window) {
+        power = std::max(-leading, smallestBit - lowest);
+    }
+    return true;
 }
 
 template <class Real, class Other>
@@ -157,10 +164,10 @@ CEarClipperT<Real, Other>::CEarClipperT(int iVQuantity, const Vector2* akPoint,
     }
 }
 
-// The exact queries work on the points scaled by a power of two, which
-// changes no sign they compute (and no decision of the filter, whose test is
-// homogeneous), but keeps the rationals within their words and the filter's
-// products clear of overflow and underflow at every scale.
+// The exact queries work on the points scaled by a power of two where they
+// lie far from 1, which changes no sign they compute (and no decision of the
+// filter, whose test is homogeneous), but keeps the rationals within their
+// words and the filter's products clear of overflow and underflow.
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::PrepareExactQuery(const Vector2* akPoint, Query::Type eQueryType,
                                                   Real fEpsilon) {

@@ -16,8 +16,9 @@
 // The factor grows with the extent instead of normalising it, so QT_INT64 is
 // exact only while r stays below about 2^5 (QT_INTEGER far beyond); this is
 // the established behaviour and callers rely on it.
-// QT_RATIONAL and QT_FILTERED (uncertainty fEpsilon) see the points scaled by
-// a power of two that takes the largest coordinate near 1: the same signs
+// QT_RATIONAL and QT_FILTERED (uncertainty fEpsilon) see the points as given
+// near 1 (within about 2^200 either way in double, 2^25 in float), else scaled
+// by a power of two that takes the largest coordinate near 1: the same signs
 // and filter decisions as on the points given, but exact at every scale.
 // They refuse (a null array) a polygon whose coordinates span more than 500
 // binary places, from the leading bit of the largest to the lowest bit set in
