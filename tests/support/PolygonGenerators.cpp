@@ -158,3 +158,51 @@ SBenchPolygon MakeRandomPolygonWithHoles(std::size_t outerVertices, std::size_t 
     }
     return polygon;
 }
+
+SBenchPolygon MakeNearDegeneratePolygon(bool hole, std::uint32_t seed) {
+    CUniform random(seed);
+    const auto grid = [&random](double low, double high) {
+        return std::floor(random.Next(low, high + 1));
+    };
+    std::vector<SBenchPoint> cells;
+    const int n = static_cast<int>(grid(4, 14));
+    while (static_cast<int>(cells.size()) < n) {
+        const SBenchPoint p = {grid(-6, 6), grid(-6, 6)};
+        if (p.x != 0 || p.y != 0) {
+            cells.push_back(p);
+        }
+    }
+    // Counter-clockwise around the origin, exactly (the cells are small
+    // integers): by half-plane, then by turn, nearer first on one ray.
+    std::sort(cells.begin(), cells.end(), [](const SBenchPoint& a, const SBenchPoint& b) {
+        const bool upperA = a.y > 0 || (a.y == 0 && a.x > 0);
+        const bool upperB = b.y > 0 || (b.y == 0 && b.x > 0);
+        if (upperA != upperB) {
+            return upperA;
+        }
+        const double turn = a.x * b.y - a.y * b.x;
+        return turn != 0 ? turn > 0 : a.x * a.x + a.y * a.y < b.x * b.x + b.y * b.y;
+    });
+    SBenchPolygon polygon;
+    polygon.contours.push_back(cells);
+    if (hole) {
+        const double cx = random.Next(-2, 2), cy = random.Next(-2, 2);
+        SBenchContour triangle;
+        for (int k = 0; k < 3; ++k) {
+            const double angle = -2 * kPi * k / 3 + random.Next(-0.3, 0.3);
+            const double radius = random.Next(1, 3);
+            triangle.push_back({std::round(cx + radius * std::cos(angle)),
+                                std::round(cy + radius * std::sin(angle))});
+        }
+        polygon.contours.push_back(triangle);
+    }
+    const double a = random.Next(0.7, 1.3), b = random.Next(-0.3, 0.3);
+    const double c = random.Next(-0.3, 0.3), d = random.Next(0.7, 1.3);
+    const double ox = random.Next(-1, 1), oy = random.Next(-1, 1);
+    for (SBenchContour& contour : polygon.contours) {
+        for (SBenchPoint& p : contour) {
+            p = {ox + a * p.x + b * p.y, oy + c * p.x + d * p.y};
+        }
+    }
+    return polygon;
+}

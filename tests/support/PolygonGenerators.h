@@ -43,6 +43,14 @@ SBenchPolygon MakeCombPolygon(std::size_t n, std::uint32_t seed);
 // each; about half of the n >= 12 vertices are on holes.
 SBenchPolygon MakePolygonWithHoles(std::size_t n, std::uint32_t seed);
 
+// Not always valid, unlike the others, and meant for property tests of the
+// validity check: a star-shaped polygon of 4 to 14 vertices on a small
+// integer grid, with a triangular hole on the grid when `hole`, mapped by a
+// random affine map that the grid does not survive, so that its collinear
+// vertices and vertices at equal heights end up rounding errors apart.
+// Vertices may coincide, and the hole may cross the boundary or lie outside.
+SBenchPolygon MakeNearDegeneratePolygon(bool hole, std::uint32_t seed);
+
 // A star-shaped outer contour (at least 4 vertices) with up to `holes` star-shaped holes of
 // `holeVertices` each, placed at random without overlap (fewer holes when
 // they do not fit). For property tests over many shapes.

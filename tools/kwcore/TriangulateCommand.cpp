@@ -161,7 +161,8 @@ int RunEarClip(const SPolygonText& text, const SOptions& options, Triangles& tri
         n, points.get(), static_cast<kwRationalArithmetic::Query::Type>(type), kEarClipUncertainty,
         indices);
     if (indices == nullptr) {
-        error = "ear clipping needs at least three points";
+        // The polygon passed the check: only the exact queries' span refuses it.
+        error = "the coordinates span more binary places than the exact queries hold";
         return 1;
     }
     for (int t = 0; t < n - 2; ++t) {

@@ -3,8 +3,11 @@
 // lists for the length of the construction.
 #include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
 
+#include <algorithm>
 #include <climits>
 #include <cmath>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <new>
 #include <vector>
@@ -20,6 +23,71 @@ using kwRationalArithmetic::Query2TRational;
 
 namespace {
 
+// How many binary places, from the leading bit of the largest coordinate to
+// the lowest bit set in any coordinate, the exact line test can hold: its
+// products of coordinate differences must fit TRational<32>'s 1024 bits.
+const int kExactSpan = 500;
+
+// The binary exponents of the leading and of the lowest set bit of a finite,
+// nonzero value.
+void BitRange(double value, int& leading, int& lowest) {
+    leading = std::ilogb(value);
+    const double mantissa = std::ldexp(std::fabs(value), 52 - leading);  // an integer below 2^53
+    const auto bits = static_cast<std::uint64_t>(mantissa);
+    lowest = leading - 52 + std::ilogb(static_cast<double>(bits & (~bits + 1)));
+}
+
+// The power of two the exact queries see the points scaled by: 0 while
+// every bit set lies within 2^(max_exponent / 5) of 1 either way, where
+// neither the rationals nor the filter's products can leave their range;
+// else the power that takes the largest coordinate into [1, 2), raised where
+// the lowest bit would drop below what Real holds. The scaled points keep
+// every bit, and the queries decide as on the points given. False when the
+// coordinates span more than kExactSpan places.
+template <class Real, class Vector2>
+bool ExactScale(int count, const Vector2* points, int& power) {
+    Real largest = 0, smallest = std::numeric_limits<Real>::max();
+    for (int i = 0; i < count; ++i) {
+        for (Real value : {points[i].X(), points[i].Y()}) {
+            const Real magnitude = std::fabs(value);
+            if (magnitude > Real(0) && magnitude <= std::numeric_limits<Real>::max()) {
+                largest = std::max(largest, magnitude);
+                smallest = std::min(smallest, magnitude);
+            }
+        }
+    }
+    power = 0;
+    if (largest == Real(0)) {
+        return true;
+    }
+    const int leading = std::ilogb(largest);
+    const int smallestBit =
+        std::numeric_limits<Real>::min_exponent - std::numeric_limits<Real>::digits;
+    // Every bit of a value lies at most digits - 1 places below its leading
+    // bit: usually that settles it without looking at the bits themselves.
+    int lowest = std::ilogb(smallest) - (std::numeric_limits<Real>::digits - 1);
+    if (leading - lowest > std::min(kExactSpan, -smallestBit)) {
+        lowest = INT_MAX;
+        for (int i = 0; i < count; ++i) {
+            for (Real value : {points[i].X(), points[i].Y()}) {
+                if (std::isfinite(value) && value != Real(0)) {
+                    int top = 0, bottom = 0;
+                    BitRange(static_cast<double>(value), top, bottom);
+                    lowest = std::min(lowest, bottom);
+                }
+            }
+        }
+        if (leading - lowest > kExactSpan) {
+            return false;
+        }
+    }
+    const int window = std::numeric_limits<Real>::max_exponent / 5;
+    if (leading > window || lowest < -window) {
+        power = std::max(-leading, smallestBit - lowest);
+    }
+    return true;
+}
+
 template <class Real, class Other>
 class CEarClipperT {
 public:
@@ -27,6 +95,8 @@ public:
 
     // Builds the query and the coordinates the reflex index works on.
     CEarClipperT(int iVQuantity, const Vector2* akPoint, Query::Type eQueryType, Real fEpsilon);
+    // False when the query cannot decide exactly on these points.
+    bool Ready() const { return m_spQuery != nullptr; }
     // Writes the n - 2 triangles to aiIndex.
     void Triangulate(int* aiIndex);
 
@@ -72,7 +142,7 @@ private:
     void Update(int i);
 
     std::unique_ptr<Query2<Real, Other>> m_spQuery;
-    std::unique_ptr<Vector2[]> m_spScaled;  // scaled coordinates, for the types that scale
+    std::unique_ptr<Vector2[]> m_spScaled;  // the coordinates the query sees
     std::vector<double> m_indexX, m_indexY;
     std::unique_ptr<kwEarClipping::CReflexVertexIndex> m_spReflexIndex;
     std::vector<SVertex> m_vertices;
@@ -94,22 +164,38 @@ CEarClipperT<Real, Other>::CEarClipperT(int iVQuantity, const Vector2* akPoint,
     }
 }
 
-// The exact queries work on the points as given.
+// The exact queries work on the points scaled by a power of two where they
+// lie far from 1, which changes no sign they compute (and no decision of the
+// filter, whose test is homogeneous), but keeps the rationals within their
+// words and the filter's products clear of overflow and underflow.
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::PrepareExactQuery(const Vector2* akPoint, Query::Type eQueryType,
                                                   Real fEpsilon) {
     const int count = static_cast<int>(m_vertices.size());
-    if (eQueryType == Query::QT_RATIONAL) {
-        m_spQuery.reset(new Query2TRational<Real, Other>(count, akPoint));
-    } else {
-        m_spQuery.reset(new Query2Filtered<Real, Other>(count, akPoint, fEpsilon));
+    int power = 0;
+    if (!ExactScale<Real>(count, akPoint, power)) {
+        return;
+    }
+    const Vector2* points = akPoint;
+    if (power != 0) {
+        m_spScaled.reset(new Vector2[m_vertices.size()]);
+        for (std::size_t i = 0; i < m_vertices.size(); ++i) {
+            m_spScaled[i] =
+                Vector2(std::ldexp(akPoint[i].X(), power), std::ldexp(akPoint[i].Y(), power));
+        }
+        points = m_spScaled.get();
     }
     // As the exact arithmetic reads them: non-finite values count as 0.
     for (std::size_t i = 0; i < m_vertices.size(); ++i) {
-        const double x = static_cast<double>(akPoint[i].X());
-        const double y = static_cast<double>(akPoint[i].Y());
+        const double x = static_cast<double>(points[i].X());
+        const double y = static_cast<double>(points[i].Y());
         m_indexX[i] = std::isfinite(x) ? x : 0.0;
         m_indexY[i] = std::isfinite(y) ? y : 0.0;
+    }
+    if (eQueryType == Query::QT_RATIONAL) {
+        m_spQuery.reset(new Query2TRational<Real, Other>(count, points));
+    } else {
+        m_spQuery.reset(new Query2Filtered<Real, Other>(count, points, fEpsilon));
     }
 }
 
@@ -401,11 +487,14 @@ CKWTriangulateEarClipping<Real, Other>::CKWTriangulateEarClipping(int iVQuantity
         eQueryType < Query::QT_INT64 || eQueryType > Query::QT_FILTERED) {
         return;
     }
-    raiIndex = new (std::nothrow) int[3 * static_cast<std::size_t>(iVQuantity - 1)];
-    if (raiIndex == nullptr) {
+    CEarClipperT<Real, Other> clipper(iVQuantity, akPoint, eQueryType, fEpsilon);
+    if (!clipper.Ready()) {
         return;
     }
-    CEarClipperT<Real, Other>(iVQuantity, akPoint, eQueryType, fEpsilon).Triangulate(raiIndex);
+    raiIndex = new (std::nothrow) int[3 * static_cast<std::size_t>(iVQuantity - 1)];
+    if (raiIndex != nullptr) {
+        clipper.Triangulate(raiIndex);
+    }
 }
 
 template <class Real, class Other>

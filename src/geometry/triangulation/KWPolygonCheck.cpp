@@ -7,10 +7,17 @@
 // every decision taken by the exact orientation predicate. The same sweep
 // finds, at the topmost vertex of each contour, the edge directly to its left,
 // which tells whether the contour lies inside the polygon's area.
+//
+// The triangulation's sweep, though, places each vertex among the edges by
+// comparing rounded keys (Linebase::keyAt). At every vertex the check
+// compares the same keys the same way and wants each edge on its exact side;
+// edges further off than the keys' error bound cannot fail, so it looks only
+// at the few nearest.
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <iterator>
+#include <limits>
 #include <set>
 #include <string>
 #include <vector>
@@ -44,7 +51,11 @@ struct SContours {
     std::vector<int> contour;           // by vertex
     std::vector<unsigned> prev, next;   // by vertex, within its contour
     std::vector<unsigned> first, size;  // by contour
+    std::vector<Linebase> lines;        // by vertex: the edge leaving it, as the sweep keys it
+    double largestX = 0.0;              // the largest |x|
 };
+
+const unsigned kNone = ~0u;
 
 class CSweepCheck {
 public:
@@ -52,7 +63,8 @@ public:
         : m_c(contours),
           m_status(SOrder{this}),
           m_handle(contours.x.size(), m_status.end()),
-          m_contourSeen(contours.size.size(), false) {}
+          m_contourSeen(contours.size.size(), false),
+          m_keyReach(KeyReach(contours.largestX)) {}
 
     CheckCode Run(CheckResult& result);
 
@@ -81,6 +93,21 @@ private:
     CheckCode Crossing(unsigned s, unsigned t, unsigned near, CheckResult& result) const;
     bool TestNeighbours(Status::iterator it, unsigned near, CheckResult& result) const;
 
+    // Twice the largest error of a rounded key of an edge at a height it
+    // spans: each key is within 11 roundings of the largest |x|.
+    static double KeyReach(double largestX) {
+        return 2 * (64 * std::numeric_limits<double>::epsilon() * largestX +
+                    16 * std::numeric_limits<double>::denorm_min());
+    }
+    // The first edge not at v (nor at `also`), walking outward from the gap
+    // before `gap`, whose rounded key at v's height falls on the wrong side
+    // of `query` (v's x, or the key of an edge ending at v); kNone when there
+    // is none.
+    unsigned MisplacedEdge(Status::iterator gap, unsigned v, unsigned also, double query) const;
+    bool TouchesAtKeys(Status::iterator gap, unsigned v, unsigned also, double query,
+                       CheckResult& result) const;
+    CheckCode TooClose(unsigned v, unsigned edge, CheckResult& result) const;
+
     // The phases of Run: each true when it found a problem, in result.
     bool FindDuplicatedPoint(const std::vector<unsigned>& order, CheckResult& result) const;
     bool FindTurnBack(CheckResult& result) const;
@@ -102,6 +129,7 @@ private:
     unsigned m_inserting = 0;
     mutable bool m_bContact = false;
     mutable unsigned m_contactWith = 0;
+    const double m_keyReach;
 };
 
 // Only the edge being inserted is ever compared: it starts at the current
@@ -202,6 +230,70 @@ CheckCode CSweepCheck::Crossing(unsigned s, unsigned t, unsigned near, CheckResu
     return Report(result, CHECK_SELF_INTERSECTION, message, contour, otherContour, x, y);
 }
 
+unsigned CSweepCheck::MisplacedEdge(Status::iterator gap, unsigned v, unsigned also,
+                                    double query) const {
+    const double y = m_c.y[v];
+    // Edges at v are not compared with v: they leave the status or enter it.
+    const auto misplaced = [this, v, also, y, query](unsigned e, bool left, bool& far) {
+        if (e == v || m_c.next[e] == v || e == also || m_c.next[e] == also) {
+            return false;
+        }
+        const double key = m_c.lines[e].keyAt(y);
+        far = std::fabs(key - query) > m_keyReach;
+        return !(left ? key < query : key > query);
+    };
+    bool far = false;
+    for (Status::iterator it = gap; it != m_status.begin() && !far;) {
+        --it;
+        if (misplaced(*it, true, far)) {
+            return *it;
+        }
+    }
+    far = false;
+    for (Status::iterator it = gap; it != m_status.end() && !far; ++it) {
+        if (misplaced(*it, false, far)) {
+            return *it;
+        }
+    }
+    return kNone;
+}
+
+bool CSweepCheck::TouchesAtKeys(Status::iterator gap, unsigned v, unsigned also, double query,
+                                CheckResult& result) const {
+    const unsigned edge = MisplacedEdge(gap, v, also, query);
+    if (edge == kNone) {
+        return false;
+    }
+    TooClose(v, edge, result);
+    return true;
+}
+
+// v and an edge the sweep cannot tell apart: at one height as an end of the
+// edge, they are one point to it; elsewhere v touches the edge.
+CheckCode CSweepCheck::TooClose(unsigned v, unsigned edge, CheckResult& result) const {
+    const int contour = std::min(m_c.contour[v], m_c.contour[edge]);
+    const int otherContour = std::max(m_c.contour[v], m_c.contour[edge]);
+    for (unsigned end : {edge, m_c.next[edge]}) {
+        if (end != v && m_c.y[end] == m_c.y[v]) {
+            return Report(result, CHECK_DUPLICATED_POINT,
+                          Format("the points (%g, %g) and (%g, %g) are too close for the sweep "
+                                 "to tell apart",
+                                 m_c.x[v], m_c.y[v], m_c.x[end], m_c.y[end]),
+                          contour, otherContour, m_c.x[v], m_c.y[v]);
+        }
+    }
+    const std::string message =
+        contour == otherContour
+            ? Format(
+                  "contour %g comes closer to itself near (%g, %g) than the sweep can tell "
+                  "apart",
+                  contour + 1, m_c.x[v], m_c.y[v])
+            : Format("contours %g and %g come closer near (%g, %g) than the sweep can tell apart",
+                     contour + 1, otherContour + 1, m_c.x[v], m_c.y[v]);
+    return Report(result, CHECK_SELF_INTERSECTION, message, contour, otherContour, m_c.x[v],
+                  m_c.y[v]);
+}
+
 bool CSweepCheck::TestNeighbours(Status::iterator it, unsigned near, CheckResult& result) const {
     if (it != m_status.begin()) {
         const unsigned left = *std::prev(it);
@@ -291,8 +383,12 @@ bool CSweepCheck::FindCrossing(const std::vector<unsigned>& order, CheckResult& 
     return false;
 }
 
-// The two edges that become neighbours when one between them leaves.
+// The two edges that become neighbours when one between them leaves. The
+// sweep finds a leaving edge by its rounded key, and then places v by its x
+// when no edge starts at v.
 bool CSweepCheck::RemoveEdgesEndingAt(unsigned v, CheckResult& result) {
+    Status::iterator gap = m_status.end();
+    bool removed = false;
     for (unsigned s : {m_c.prev[v], v}) {
         if (Lower(s) != v) {
             continue;
@@ -300,13 +396,21 @@ bool CSweepCheck::RemoveEdgesEndingAt(unsigned v, CheckResult& result) {
         const Status::iterator it = m_handle[s];
         const bool hasLeft = it != m_status.begin();
         const Status::iterator left = hasLeft ? std::prev(it) : m_status.end();
-        const Status::iterator right = m_status.erase(it);
-        if (hasLeft && right != m_status.end() && Intersect(*left, *right)) {
-            Crossing(*left, *right, v, result);
+        gap = m_status.erase(it);
+        removed = true;
+        if (hasLeft && gap != m_status.end() && Intersect(*left, *gap)) {
+            Crossing(*left, *gap, v, result);
+            return true;
+        }
+        // A horizontal edge keeps the key of its left end, where it meets
+        // the edges at that end.
+        const unsigned also = m_c.y[s] == m_c.y[m_c.next[s]] ? Upper(s) : kNone;
+        if (TouchesAtKeys(gap, v, also, m_c.lines[s].keyAt(m_c.y[v]), result)) {
             return true;
         }
     }
-    return false;
+    const bool edgeStarts = Upper(m_c.prev[v]) == v || Upper(v) == v;
+    return removed && !edgeStarts && TouchesAtKeys(gap, v, kNone, m_c.x[v], result);
 }
 
 bool CSweepCheck::InsertEdgesStartingAt(unsigned v, Status::iterator inserted[2],
@@ -324,6 +428,14 @@ bool CSweepCheck::InsertEdgesStartingAt(unsigned v, Status::iterator inserted[2]
             return true;
         }
         if (TestNeighbours(it, v, result)) {
+            return true;
+        }
+        // The edge leaving v enters the sweep keyed by v's x.
+        if (s == v && !(m_c.lines[s].keyAt(m_c.y[v]) == m_c.x[v])) {
+            TooClose(v, s, result);
+            return true;
+        }
+        if (insertedCount == 0 && TouchesAtKeys(it, v, kNone, m_c.x[v], result)) {
             return true;
         }
         inserted[insertedCount++] = it;
@@ -377,6 +489,7 @@ SContours Flatten(const std::vector<Pointbase*>& pointById, const std::vector<un
     for (std::size_t id = 1; id <= total; ++id) {
         contours.x.push_back(pointById[id]->x);
         contours.y.push_back(pointById[id]->y);
+        contours.largestX = std::max(contours.largestX, std::fabs(pointById[id]->x));
     }
     contours.contour.resize(total);
     contours.prev.resize(total);
@@ -393,6 +506,11 @@ SContours Flatten(const std::vector<Pointbase*>& pointById, const std::vector<un
             contours.prev[v] = offset + (k + count - 1) % count;
         }
         offset += count;
+    }
+    contours.lines.reserve(total);
+    for (unsigned v = 0; v < total; ++v) {
+        contours.lines.emplace_back(pointById[v + 1], pointById[contours.next[v] + 1], INPUT,
+                                    v + 1);
     }
     return contours;
 }

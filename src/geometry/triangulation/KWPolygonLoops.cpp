@@ -13,13 +13,30 @@ namespace {
 const unsigned char kForwardUsed = 1;
 const unsigned char kBackwardUsed = 2;
 
-}  // namespace
-
-double PolygonImpl::angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const {
-    const double ax = a.x - b.x, ay = a.y - b.y;
-    const double cx = c.x - b.x, cy = c.y - b.y;
-    return (ax * cx + ay * cy) / std::sqrt((ax * ax + ay * ay) * (cx * cx + cy * cy));
+// Where c lies as seen from b, for c not left of a -> b: 0 straight back
+// towards a, 1 right of the line, 2 straight on.
+int RightSide(const Pointbase& a, const Pointbase& b, const Pointbase& c, double det) {
+    if (det < 0) {
+        return 1;
+    }
+    const bool towardsA = a.x != b.x ? (c.x > b.x) == (a.x > b.x) : (c.y > b.y) == (a.y > b.y);
+    return towardsA ? 0 : 2;
 }
+
+// Whether the angle a-b-c is wider than a-b-d, for c and d not left of
+// a -> b; decided exactly, as rounded cosines cannot tell nearly parallel
+// edges apart.
+bool Wider(const Pointbase& a, const Pointbase& b, const Pointbase& c, double cDet,
+           const Pointbase& d, double dDet) {
+    const int cSide = RightSide(a, b, c, cDet);
+    const int dSide = RightSide(a, b, d, dDet);
+    if (cSide != dSide) {
+        return cSide > dSide;
+    }
+    return cSide == 1 && Orient(b, d, c) > 0;
+}
+
+}  // namespace
 
 // Marks the walk along `line` from its current start; an edge used in every
 // direction it can be walked leaves both incident lists.
@@ -52,8 +69,7 @@ Linebase* PolygonImpl::selectNextEdge(Linebase* current) {
     }
     Linebase* leftChoice = 0;
     Linebase* otherChoice = 0;
-    double leftBest = -2.0;
-    double otherBest = 2.0;
+    double otherDet = 0.0;
     for (unsigned id : incident) {
         if (id == current->id()) {
             continue;
@@ -68,13 +84,13 @@ Linebase* PolygonImpl::selectNextEdge(Linebase* current) {
         }
         const Pointbase& c = *candidate->endPoint(1);
         const double det = Orient(a, b, c);
-        const double cosine = angleCosb(a, b, c);
-        if (det > 0 && cosine > leftBest) {
-            leftChoice = candidate;
-            leftBest = cosine;
-        } else if (cosine < otherBest) {
+        if (det > 0) {
+            if (leftChoice == 0 || Orient(b, c, *leftChoice->endPoint(1)) < 0) {
+                leftChoice = candidate;
+            }
+        } else if (otherChoice == 0 || Wider(a, b, c, det, *otherChoice->endPoint(1), otherDet)) {
             otherChoice = candidate;
-            otherBest = cosine;
+            otherDet = det;
         }
     }
     return leftChoice != 0 ? leftChoice : otherChoice;

@@ -158,8 +158,9 @@ private:
     void endEdge(const SEvent& v);
 
     // Loop extraction.
+    // The edge the walk takes at the end of `edge`: the sharpest left turn,
+    // failing that the widest turn; angles compared exactly.
     Linebase* selectNextEdge(Linebase* edge);
-    double angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const;
     void useEdge(Linebase* edge);
     bool isUsedFrom(const Linebase* edge, unsigned startId) const;
     void walkLoop(Linebase* first, unsigned loop);

@@ -328,18 +328,54 @@ TYPED_TEST(EarClippingTest, MatchesReferenceOnLargerPolygons) {
     }
 }
 
-TYPED_TEST(EarClippingTest, MatchesReferenceAtExtremeScales) {
-    // The index bounds runs of vertices by rotated boxes; far out it falls
-    // back on axis-aligned ones, and both must stay conservative.
+// The exact queries decide at every scale as at unit scale: a star on a grid
+// that scaling by powers of two keeps exact, clipped far out and far in,
+// gives the unit-scale reference's triangles. The scaled query kinds (whose
+// factor follows the extent) agree with the reference on the points given.
+TYPED_TEST(EarClippingTest, MatchesReferenceAtEveryScale) {
     typedef typename TypeParam::Real Real;
-    const bool single = sizeof(Real) == sizeof(float);
+    typedef typename TestFixture::V V;
+    // Near 1e-300, 1e-160, 1e-140, 1e160 and 1e300 (1e-30 and 1e30 in single precision).
+    const std::vector<int> powers = sizeof(Real) == sizeof(float)
+                                        ? std::vector<int>{-100, 100}
+                                        : std::vector<int>{-997, -532, -465, 531, 996};
     std::mt19937 random(5);
-    for (double radius : {single ? 1e30 : 1e152, single ? 1e-30 : 1e-100, 1e7}) {
-        const auto star = TestFixture::Star(random, 300, radius, false);
-        for (Query::Type type : {Query::QT_FILTERED, Query::QT_RATIONAL}) {
-            TestFixture::ExpectSameAsReference(star, type);
+    for (int round = 0; round < 3; ++round) {
+        std::vector<V> unit = TestFixture::Star(random, 40 + 80 * round, 1.0, false);
+        for (V& p : unit) {
+            p = V(std::ldexp(std::round(std::ldexp(p.X(), 20)), -20),
+                  std::ldexp(std::round(std::ldexp(p.Y(), 20)), -20));
+        }
+        for (int power : powers) {
+            std::vector<V> scaled;
+            for (const V& p : unit) {
+                scaled.push_back(V(std::ldexp(p.X(), power), std::ldexp(p.Y(), power)));
+            }
+            for (Query::Type type : kAllTypes) {
+                const bool exact = type == Query::QT_RATIONAL || type == Query::QT_FILTERED;
+                CReferenceEarClipping<Real, typename TypeParam::Other> reference(
+                    exact ? unit : scaled, type, Epsilon<Real>());
+                ASSERT_EQ(Clip(scaled, type), reference.m_triangles)
+                    << "query " << type << ", 2^" << power << ", " << unit.size();
+            }
         }
     }
+}
+
+// The exact queries hold 500 binary places from the leading bit of the
+// largest coordinate to the lowest bit set in any; beyond, they refuse.
+TEST(EarClippingSpan, ExactQueriesRefuseWhatTheyCannotHoldExactly) {
+    typedef CKWVector2T<double, float> V;
+    const double big = std::ldexp(1.0, 250);
+    const std::vector<V> held = {{0, 0}, {big, 0}, {big, big}, {std::ldexp(1.0, -250), big}};
+    const std::vector<V> beyond = {{0, 0}, {big, 0}, {big, big}, {std::ldexp(1.0, -251), big}};
+    const std::vector<V> wide = {{1e-300, 1e-300}, {1e300, 0}, {1e300, 1e300}, {0, 1e300}};
+    for (Query::Type type : {Query::QT_RATIONAL, Query::QT_FILTERED}) {
+        EXPECT_EQ(Clip(held, type), (Triangles{0, 1, 2, 0, 2, 3})) << type;
+        EXPECT_TRUE(Clip(beyond, type).empty()) << type;
+        EXPECT_TRUE(Clip(wide, type).empty()) << type;
+    }
+    EXPECT_EQ(Clip(wide, Query::QT_REAL).size(), 6u);
 }
 
 TYPED_TEST(EarClippingTest, InputOutsideTheContractStaysInRange) {

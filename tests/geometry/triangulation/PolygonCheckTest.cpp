@@ -13,6 +13,10 @@ using kwtest::Contour;
 namespace {
 
 const Contour kSquare = {0, 0, 10, 0, 10, 10, 0, 10};
+// The double after 3/7, a hair right of the edge (3, 7) -> (0, 0) at y = 1,
+// and the double before 1.3.
+const double kNearSlant = 0x1.b6db6db6db6dcp-2;
+const double kBeside = 0x1.4ccccccccccccp+0;
 
 CheckResult CheckOf(const std::vector<Contour>& contours) {
     Polygon polygon;
@@ -92,6 +96,17 @@ TEST(PolygonCheck, NamesEveryProblemThatWouldEndTheTriangulation) {
          {{3, 3, 5, 3, 5, 5, 3, 5}, {0, 0, 0, 10, 10, 10, 10, 0}},
          CHECK_HOLE_OUTSIDE,
          "contour 2 (a hole)"},
+        // Inside exactly, but where the sweep's rounded keys see them touch.
+        {"hole vertex a rounding unit right of a slanted edge",
+         {{0, 0, 10, 0, 3, 7}, {kNearSlant, 1, kNearSlant + 1, 1.5, kNearSlant + 1, 0.5}},
+         CHECK_SELF_INTERSECTION,
+         "contours 1 and 2 come closer near (0.428571, 1) than the sweep can tell apart"},
+        {"vertices at one height a rounding unit apart",
+         {{-10, -10, 20, -10, 20, 20, -10, 20},
+          {1.3, 0.3, 0.3, 3.3, 4, 3.1},
+          {kBeside, 0.3, kBeside - 3, -2.7, kBeside - 3, 3.3}},
+         CHECK_DUPLICATED_POINT,
+         "too close for the sweep to tell apart"},
     };
     for (const SCase& c : cases) {
         const CheckResult result = CheckOf(c.contours);
@@ -164,6 +179,28 @@ TEST(PolygonCheckDeathTest, AcceptedPolygonsAllTriangulate) {
     for (const std::vector<Contour>& contours : accepted) {
         kwtest::ExpectTriangulationTiles(contours, true);
     }
+}
+
+// Polygons whose vertices and edges come within rounding errors of each
+// other: whatever the check accepts triangulates, without ending the process
+// (which would end this test), into tiles. Some are refused only for the
+// sweep's rounding.
+TEST(PolygonCheck, AcceptedNearDegeneratePolygonsTriangulate) {
+    int accepted = 0, refusedForRounding = 0;
+    for (std::uint32_t seed = 1; seed <= 3000; ++seed) {
+        const std::vector<Contour> contours =
+            kwtest::Flatten(MakeNearDegeneratePolygon(seed % 3 != 0, seed));
+        Polygon polygon;
+        CheckResult result;
+        if (!Build(polygon, contours) || polygon.Check(&result) != CHECK_OK) {
+            refusedForRounding += result.message.find("sweep") != std::string::npos;
+            continue;
+        }
+        ++accepted;
+        kwtest::ExpectTriangulationTiles(contours, true);
+    }
+    EXPECT_GT(accepted, 1000);
+    EXPECT_GT(refusedForRounding, 5);
 }
 
 // Valid random polygons spoiled in one way each: the check names that way.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "PolygonGenerators.h"
+#include "kwcore/geometry/exact/KWOrient2D.h"
 #include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 
 namespace kwtest {
@@ -83,13 +84,17 @@ inline void ExpectTiles(kwPolygonTriangulation::Polygon& polygon,
     double area = 0.0;
     std::set<unsigned> used;
     for (const kwPolygonTriangulation::Triangle& t : polygon.triangles()) {
-        const double twice = TwiceArea(polygon, t);
+        // The turn exactly: slivers have rounded areas of either sign.
+        const kwPolygonTriangulation::Pointbase& a = *polygon.points()[t[0]];
+        const kwPolygonTriangulation::Pointbase& b = *polygon.points()[t[1]];
+        const kwPolygonTriangulation::Pointbase& c = *polygon.points()[t[2]];
+        const double turn = kwPolygonTriangulation::orient2d(a.x, a.y, b.x, b.y, c.x, c.y);
         if (allowFlat) {
-            ASSERT_GE(twice, 0.0) << t[0] << " " << t[1] << " " << t[2];
+            ASSERT_GE(turn, 0.0) << t[0] << " " << t[1] << " " << t[2];
         } else {
-            ASSERT_GT(twice, 0.0) << t[0] << " " << t[1] << " " << t[2];
+            ASSERT_GT(turn, 0.0) << t[0] << " " << t[1] << " " << t[2];
         }
-        area += twice;
+        area += TwiceArea(polygon, t);
         used.insert(t.begin(), t.end());
     }
     EXPECT_EQ(used.size(), vertices);

@@ -128,9 +128,11 @@ public:
 };
 
 // Exact rational arithmetic on the coordinates as given (NaN and infinities
-// count as 0), in TRational<32>: exact for any float coordinates and for
-// double coordinates within a few hundred binary orders of magnitude of each
-// other. Vertices are converted on first use and kept.
+// count as 0), in TRational<32>: the line and triangle tests are exact for
+// any float coordinates, and for doubles while the leading bit of the largest
+// coordinate lies at most 509 binary places above both 2^0 and the lowest bit
+// set in any coordinate (scaling by a power of two, which keeps every sign,
+// brings the largest near 1). Vertices are converted on first use and kept.
 template <class Real, class Other>
 class KWCORE_API Query2TRational : public Query2<Real, Other> {
 public:

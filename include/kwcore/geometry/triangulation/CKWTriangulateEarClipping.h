@@ -16,13 +16,19 @@
 // The factor grows with the extent instead of normalising it, so QT_INT64 is
 // exact only while r stays below about 2^5 (QT_INTEGER far beyond); this is
 // the established behaviour and callers rely on it.
-// QT_RATIONAL and QT_FILTERED (uncertainty fEpsilon) see the points as given.
+// QT_RATIONAL and QT_FILTERED (uncertainty fEpsilon) see the points as given
+// near 1 (within about 2^200 either way in double, 2^25 in float), else scaled
+// by a power of two that takes the largest coordinate near 1: the same signs
+// and filter decisions as on the points given, but exact at every scale.
+// They refuse (a null array) a polygon whose coordinates span more than 500
+// binary places, from the leading bit of the largest to the lowest bit set in
+// any (say 1e-100 beside 1e60): the exact line test could not hold it.
 //
 // Input outside the contract (clockwise or self-intersecting contours,
 // repeated points, NaN) gives triangles that do not cover the polygon, but
 // still n - 2 triples of indices in [0, n); when no ear is left the next
-// vertex of the ring is clipped. Fewer than 3 points, no points or an unknown
-// query type give a null array.
+// vertex of the ring is clipped. Fewer than 3 points, no points, an unknown
+// query type or, for the exact queries, too wide a span give a null array.
 //
 //   using kwRationalArithmetic::Query;
 //   int* indices = nullptr;

@@ -101,11 +101,11 @@ public:
     double keyValue() const { return m_keyValue; }
     unsigned helper() const { return m_helper; }
 
-    // The key at sweep height y: the x where the edge crosses the line y;
-    // for a horizontal edge, its smaller x.
-    void setKeyValue(double y) {
-        m_keyValue = m_bHorizontal ? m_slope : m_x0 + (y - m_y0) * m_slope;
-    }
+    // The key at sweep height y, rounded: the x where the edge crosses the
+    // line y; for a horizontal edge, its smaller x. Polygon::Check decides
+    // with this same rounding.
+    double keyAt(double y) const { return m_bHorizontal ? m_slope : m_x0 + (y - m_y0) * m_slope; }
+    void setKeyValue(double y) { m_keyValue = keyAt(y); }
     // Raises the key by delta (at least to the next double).
     void increaseKeyValue(double delta);
     void setHelper(unsigned vertexId) { m_helper = vertexId; }
@@ -134,9 +134,11 @@ enum CheckCode {
     CHECK_OK = 0,
     CHECK_TOO_FEW_POINTS,     // no contour, or a contour of fewer than 3 points
     CHECK_NOT_FINITE,         // a coordinate is NaN or infinite
-    CHECK_DUPLICATED_POINT,   // two vertices at the same place (or a refused contour)
+    CHECK_DUPLICATED_POINT,   // two vertices at the same place, or at one height and closer
+                              // than the sweep's keys tell apart (or a refused contour)
     CHECK_BAD_NUMBERING,      // a reversed contour added after another one
-    CHECK_SELF_INTERSECTION,  // edges cross, touch or overlap, within or across contours
+    CHECK_SELF_INTERSECTION,  // edges cross, touch or overlap, within or across contours, or
+                              // a vertex is closer to an edge than the sweep's keys tell
     CHECK_WRONG_ORIENTATION,  // outer contour clockwise, or a hole counter-clockwise
     CHECK_HOLE_OUTSIDE        // a hole not inside the outer contour, or inside another hole
 };
@@ -185,9 +187,13 @@ public:
     void Finish();
 
     // Every problem that would make triangulation() end the process, in
-    // O(n log n); the first one found, or CHECK_OK. Exact: a vertex a hair
-    // off an edge passes, although the sweep, which places vertices by
-    // rounded keys, may then still fail on it.
+    // O(n log n); the first one found, or CHECK_OK. Crossings, contacts and
+    // orientations are decided exactly; besides, the sweep places vertices
+    // among the edges by rounded keys (Linebase::keyAt), so a vertex whose
+    // rounded key comparison with an edge disagrees with the exact one is
+    // reported as touching it (CHECK_SELF_INTERSECTION), or as repeating the
+    // edge's end at the same height (CHECK_DUPLICATED_POINT). What passes
+    // triangulates.
     CheckCode Check(CheckResult* result = 0) const;
 
     // The three phases, then "Total number of triangles:<n>" on standard
