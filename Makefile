@@ -35,9 +35,11 @@ BENCH_PACKAGES := $(BUILD_PACKAGES) g++ $(XML_PACKAGES) libbenchmark-dev \
 WINDOWS_PACKAGES := $(BUILD_PACKAGES) g++-mingw-w64-x86-64-posix googletest wine64
 
 FUZZ_DIR := build/fuzz
+# Seconds for each fuzzer in make fuzz.
 FUZZ_SECONDS ?= 300
-# The short run that closes make test.
-FUZZ_TEST_SECONDS := 30
+# The short run that closes make test: about a minute in all.
+FUZZ_TEST_XML_SECONDS := 30
+FUZZ_TEST_TEXT_SECONDS := 10
 
 BENCH_DIR := build/release/bench
 BENCH_RESULTS := build/release/bench-results
@@ -74,13 +76,15 @@ test:
 	cmake --workflow --preset sanitize
 	cmake --workflow --preset tsan
 	cmake --workflow --preset fuzz
-	fuzz/run-xml-fuzzer.sh $(FUZZ_DIR) $(FUZZ_TEST_SECONDS)
+	fuzz/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_TEST_XML_SECONDS) xml
+	fuzz/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_TEST_TEXT_SECONDS) guid tuple polygon
 
-# A longer run of the XML loader fuzzer; its corpus grows in $(FUZZ_DIR).
+# A longer run of every fuzzer, one after the other; their corpora grow in
+# $(FUZZ_DIR)/corpus.
 fuzz:
 	@$(call require-packages,$(FUZZ_PACKAGES))
 	cmake --workflow --preset fuzz
-	fuzz/run-xml-fuzzer.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
+	fuzz/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
 
 # Runs one benchmark program at a time, so they do not compete for cores.
 bench:

@@ -1,7 +1,6 @@
 // Loop extraction: walks the planar graph of contour edges and diagonals and
 // keeps each closed loop as a monotone piece (searchMonotones).
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 #include "KWPolygonTriangulationImpl.h"
@@ -13,13 +12,22 @@ namespace {
 const unsigned char kForwardUsed = 1;
 const unsigned char kBackwardUsed = 2;
 
-}  // namespace
-
-double PolygonImpl::angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const {
-    const double ax = a.x - b.x, ay = a.y - b.y;
-    const double cx = c.x - b.x, cy = c.y - b.y;
-    return (ax * cx + ay * cy) / std::sqrt((ax * ax + ay * ay) * (cx * cx + cy * cy));
+// Whether, at b reached from a, the edge to c1 comes before the edge to c2
+// turning clockwise from the way back to a: the sharpest left turn first,
+// then straight on, then the widest right turn. Exact orientation tests
+// decide, so even directions too close for their cosines to tell apart
+// (a long thin wedge) are ordered right.
+bool TurnsBefore(const Pointbase& a, const Pointbase& b, const Pointbase& c1, const Pointbase& c2) {
+    const bool left1 = Orient(a, b, c1) > 0;
+    const bool left2 = Orient(a, b, c2) > 0;
+    if (left1 != left2) {
+        return left1;
+    }
+    // Within one half-turn, c1 comes first when c2 lies clockwise of it.
+    return Orient(b, c1, c2) < 0;
 }
+
+}  // namespace
 
 // Marks the walk along `line` from its current start; an edge used in every
 // direction it can be walked leaves both incident lists.
@@ -50,10 +58,7 @@ Linebase* PolygonImpl::selectNextEdge(Linebase* current) {
     if (others == 0) {
         return 0;
     }
-    Linebase* leftChoice = 0;
-    Linebase* otherChoice = 0;
-    double leftBest = -2.0;
-    double otherBest = 2.0;
+    Linebase* choice = 0;
     for (unsigned id : incident) {
         if (id == current->id()) {
             continue;
@@ -66,18 +71,11 @@ Linebase* PolygonImpl::selectNextEdge(Linebase* current) {
         if (others == 1) {
             return candidate;
         }
-        const Pointbase& c = *candidate->endPoint(1);
-        const double det = Orient(a, b, c);
-        const double cosine = angleCosb(a, b, c);
-        if (det > 0 && cosine > leftBest) {
-            leftChoice = candidate;
-            leftBest = cosine;
-        } else if (cosine < otherBest) {
-            otherChoice = candidate;
-            otherBest = cosine;
+        if (choice == 0 || TurnsBefore(a, b, *candidate->endPoint(1), *choice->endPoint(1))) {
+            choice = candidate;
         }
     }
-    return leftChoice != 0 ? leftChoice : otherChoice;
+    return choice;
 }
 
 void PolygonImpl::searchMonotones() {

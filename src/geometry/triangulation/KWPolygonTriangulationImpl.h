@@ -159,7 +159,6 @@ private:
 
     // Loop extraction.
     Linebase* selectNextEdge(Linebase* edge);
-    double angleCosb(const Pointbase& a, const Pointbase& b, const Pointbase& c) const;
     void useEdge(Linebase* edge);
     bool isUsedFrom(const Linebase* edge, unsigned startId) const;
     void walkLoop(Linebase* first, unsigned loop);
