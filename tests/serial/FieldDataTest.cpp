@@ -141,10 +141,29 @@ TEST_F(FieldData, GroupsGiveTheCommonTextVariesOrEmpty) {
         EXPECT_EQ(group->GroupDataVaries(), row.varies);
         group->Release(true);
     }
+    // A group stands for its members' field; an empty one for none.
+    CKWGroupFieldData* names = Group(kNameFieldID);
+    EXPECT_EQ(names->GetField(), Data(m_pPart, kNameFieldID)->GetField());
+    EXPECT_EQ(names->SupportsStringStorage(), 1);  // a text field
+    names->Release(true);
     auto* empty = new CKWGroupFieldData;
     EXPECT_EQ(std::string(empty->GetStringValue()), "EMPTY");
     EXPECT_EQ(empty->AddFieldData(nullptr) + empty->AddFieldData(empty), 0);
+    EXPECT_EQ(empty->GetField(), nullptr);
+    EXPECT_EQ(empty->SupportsStringStorage(), 0);
     empty->Release(true);
+}
+
+TEST_F(FieldData, AnObjectRefusesNullFieldDataAndHandsItsParentToEach) {
+    EXPECT_EQ(m_pPart->AddFieldData(nullptr), 0);
+    auto* holder = new CKWGroupFieldData;
+    m_pPart->SetParentField(holder);
+    for (IKWFieldData* data : m_pPart->GetFieldDataList()) {
+        EXPECT_EQ(data->GetParentField(), holder);
+    }
+    EXPECT_EQ(Data(m_pOther, kNameFieldID)->GetParentField(), nullptr);
+    m_pPart->SetParentField(nullptr);
+    holder->Release(true);
 }
 
 TEST_F(FieldData, GroupsPassEditsToEveryMember) {
