@@ -25,6 +25,10 @@ DEMO_PACKAGES := $(BUILD_PACKAGES) g++ $(XML_PACKAGES)
 TEST_PACKAGES := $(BUILD_PACKAGES) g++ $(CLANG_PACKAGES) $(XML_PACKAGES) \
 	libgtest-dev libgmock-dev pkg-config libeigen3-dev
 FUZZ_PACKAGES := $(BUILD_PACKAGES) $(CLANG_PACKAGES) $(XML_PACKAGES)
+# The coverage run: the tests built with clang, and llvm-profdata and llvm-cov
+# to read what they counted.
+COVERAGE_PACKAGES := $(BUILD_PACKAGES) clang llvm $(XML_PACKAGES) \
+	libgtest-dev libgmock-dev libeigen3-dev
 # The benchmarks and the peers they measure against: libuuid (GUIDs),
 # Boost.Serialization (XML archive), Boost.Signals2 (observers), Boost.Graph
 # (graph walks), CGAL (triangulations) and Eigen (matrices and quaternions).
@@ -35,9 +39,11 @@ BENCH_PACKAGES := $(BUILD_PACKAGES) g++ $(XML_PACKAGES) libbenchmark-dev \
 WINDOWS_PACKAGES := $(BUILD_PACKAGES) g++-mingw-w64-x86-64-posix googletest wine64
 
 FUZZ_DIR := build/fuzz
+# Seconds for each fuzzer in make fuzz.
 FUZZ_SECONDS ?= 300
-# The short run that closes make test.
-FUZZ_TEST_SECONDS := 30
+# The short run that closes make test: about a minute in all.
+FUZZ_TEST_XML_SECONDS := 30
+FUZZ_TEST_TEXT_SECONDS := 10
 
 BENCH_DIR := build/release/bench
 BENCH_RESULTS := build/release/bench-results
@@ -61,7 +67,7 @@ apt-get -q update; \
 DEBIAN_FRONTEND=noninteractive apt-get -q install -y --no-install-recommends $$missing
 endef
 
-.PHONY: demo test fuzz bench test-windows clean
+.PHONY: demo test fuzz coverage bench test-windows clean
 
 demo:
 	@$(call require-packages,$(DEMO_PACKAGES))
@@ -74,13 +80,23 @@ test:
 	cmake --workflow --preset sanitize
 	cmake --workflow --preset tsan
 	cmake --workflow --preset fuzz
-	fuzz/run-xml-fuzzer.sh $(FUZZ_DIR) $(FUZZ_TEST_SECONDS)
+	fuzz/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_TEST_XML_SECONDS) xml
+	fuzz/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_TEST_TEXT_SECONDS) guid tuple polygon
 
-# A longer run of the XML loader fuzzer; its corpus grows in $(FUZZ_DIR).
+# A longer run of every fuzzer, one after the other; their corpora grow in
+# $(FUZZ_DIR)/corpus.
 fuzz:
 	@$(call require-packages,$(FUZZ_PACKAGES))
 	cmake --workflow --preset fuzz
-	fuzz/run-xml-fuzzer.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
+	fuzz/run-fuzzers.sh $(FUZZ_DIR) $(FUZZ_SECONDS)
+
+# Line coverage of the library by the tests, per subsystem; the profiles of
+# an earlier run are dropped first.
+coverage:
+	@$(call require-packages,$(COVERAGE_PACKAGES))
+	rm -rf build/coverage/profiles
+	cmake --workflow --preset coverage
+	tools/coverage.sh build/coverage
 
 # Runs one benchmark program at a time, so they do not compete for cores.
 bench:

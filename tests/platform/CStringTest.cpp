@@ -25,8 +25,13 @@ TEST(CStringBasics, NullReadsAsEmptyOutOfRangeAccessIsHarmlessAndOperandsKeepThe
     text.SetAt(0, 'z');
     EXPECT_TRUE(text == "zb" && text[2] == '\0' && text.GetAt(-1) == '\0');
     EXPECT_EQ('<' + ("x" + text + "y") + '>' + CString("!"), "<xzby>!");
+    EXPECT_EQ(text + CString("1") + "2" + '3', "zb123");
     text = none;
     EXPECT_TRUE(text.IsEmpty());
+    text = 'q';
+    EXPECT_EQ(text, "q");
+    text = std::string("r\0s", 3);
+    EXPECT_EQ(text.GetLength(), 3);
 }
 
 TEST(CStringFormat, FollowsPrintfAtAnyLengthAndMayReadItsOwnText) {
@@ -41,12 +46,32 @@ TEST(CStringFormat, FollowsPrintfAtAnyLengthAndMayReadItsOwnText) {
     EXPECT_EQ(text, "abc+abc");
     text.AppendFormat("[%s]", text.GetString());
     EXPECT_EQ(text, "abc+abc[abc+abc]");
+    text.Format(static_cast<const char*>(nullptr));  // no format: empty
+    EXPECT_TRUE(text.IsEmpty());
 }
 
 TEST(CStringComparison, ComparesUnsignedBytesWithEitherOperandFirstAndFoldsOnlyAsciiCase) {
     char buffer[] = "b";
     const CString b(buffer);
     EXPECT_TRUE(buffer == b && "a" != b && "a" < b && "c" > b && "b" >= b && b < CString("ba"));
+    // Every operator and operand order agrees with Compare, bytes unsigned.
+    const char* const texts[] = {"", "a", "ab", "b", "\xC3\xA9"};
+    for (const char* x : texts) {
+        for (const char* y : texts) {
+            const CString cx(x), cy(y);
+            const int order = cx.Compare(y);
+            SCOPED_TRACE(std::string(x) + " against " + y);
+            EXPECT_EQ(
+                (Ints{cx == cy, cx == y, x == cy, cx != cy, cx != y, x != cy}),
+                (Ints{order == 0, order == 0, order == 0, order != 0, order != 0, order != 0}));
+            EXPECT_EQ((Ints{cx<cy, cx<y, x<cy, cx> cy, cx> y, x> cy}),
+                      (Ints{order<0, order<0, order<0, order> 0, order> 0, order> 0}));
+            EXPECT_EQ(
+                (Ints{cx <= cy, cx <= y, x <= cy, cx >= cy, cx >= y, x >= cy}),
+                (Ints{order <= 0, order <= 0, order <= 0, order >= 0, order >= 0, order >= 0}));
+            EXPECT_EQ(std::hash<CString>()(cx) == std::hash<CString>()(cy), order == 0);
+        }
+    }
     // CompareNoCase folds to lower case as _stricmp does: '_' sorts before letters.
     EXPECT_EQ((Ints{CString("z").Compare("\xC3\xA9"), b.Compare("a"), CString().Compare(nullptr),
                     CString("Hello").CompareNoCase("hELLO"), CString("abc").CompareNoCase("ABD"),
@@ -60,8 +85,9 @@ TEST(CStringSearch, FindsFromAStartAndGivesMinusOneOutsideTheText) {
     EXPECT_EQ((Ints{text.Find('c'), text.Find('c', 3), text.Find('c', 6), text.Find('c', -1),
                     text.Find('x'), text.Find("bc", 2), text.Find("", 6), text.Find("a", 7),
                     text.Find(static_cast<const char*>(nullptr)), CString("a/b/c").ReverseFind('/'),
-                    CString("abc").ReverseFind('a'), CString().ReverseFind('x')}),
-              (Ints{2, 5, -1, -1, -1, 4, 6, -1, -1, 3, 0, -1}));
+                    CString("abc").ReverseFind('a'), CString().ReverseFind('x'),
+                    text.FindOneOf("xc"), text.FindOneOf("xyz"), text.FindOneOf("")}),
+              (Ints{2, 5, -1, -1, -1, 4, 6, -1, -1, 3, 0, -1, 2, -1, -1}));
 }
 
 TEST(CStringExtraction, ClampsOutOfRangeArgumentsAndSpansStopAtTheFirstMismatch) {
@@ -116,9 +142,9 @@ TEST(CStringTrim, RemovesWhiteSpaceByDefaultOrACharacterOrASet) {
     CString xs("xxabcxx"), dots("..a..");
     EXPECT_EQ((Strings{CString(" \t\r\n x y \v\f").Trim(), CString("   ").Trim(),
                        CString("-+-value+-").Trim("+-"), CString("ab").Trim("ab"), xs.TrimLeft('x'),
-                       xs.TrimRight('x'), dots.TrimLeft("."),
+                       xs.TrimRight('x'), CString("xxaxx").Trim('x'), dots.TrimLeft("."),
                        dots.TrimRight(static_cast<const char*>(nullptr))}),
-              (Strings{"x y", "", "value", "", "abcxx", "abc", "a..", "a.."}));
+              (Strings{"x y", "", "value", "", "abcxx", "abc", "a", "a..", "a.."}));
 }
 
 TEST(CStringBuffer, ReleaseBufferMeasuresToTheTerminatorOrClampsAGivenLength) {

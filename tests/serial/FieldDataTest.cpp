@@ -92,14 +92,37 @@ TEST_F(FieldData, EqualsSetToAndCloneCompareAndCopyEveryKind) {
     EXPECT_EQ(m_pOther->CloneFieldData(nullptr), 0);
 }
 
-TEST_F(FieldData, ChangeNoticesAskTheHoldingObject) {
+TEST_F(FieldData, ChangeNoticesAndPresentationAskTheHoldingObject) {
     IKWFieldData* name = Data(m_pPart, kNameFieldID);
+    IKWFieldData* count = Data(m_pPart, kCountFieldID);
     CString proposed = "spoke";
     EXPECT_EQ(name->NotifyOfPendingChange(proposed), 1);
     m_pPart->m_bRefuseChanges = true;
     EXPECT_EQ(name->NotifyOfPendingChange(proposed), 0);
     name->NotifyOfChange();
     EXPECT_EQ(m_pPart->m_changedFields, (std::vector<IKWFieldData*>{name}));
+    name->NotifyOfCheckboxChange(1);
+    EXPECT_EQ(m_pPart->m_checkboxChanges, std::vector<int>{1});
+    // The holder answers for each field data by itself.
+    m_pPart->m_pReadOnlyField = count;
+    EXPECT_EQ(count->ReadOnly(), 1);
+    EXPECT_EQ(name->ReadOnly(), 0);
+    EXPECT_EQ(name->Visible(), 1);
+    EXPECT_EQ(name->Expanded(), 1);
+    EXPECT_EQ(name->HasFieldTypeOf(CKWGuid(kTextTypeID)), 1);
+    EXPECT_EQ(name->HasFieldTypeOf(CKWGuid(kIntTypeID)), 0);
+    EXPECT_EQ(name->HasFieldTypeOf(CKWGuid()), 0);
+    // Without a holder nothing is refused and everything is shown.
+    name->SetOriginObject(nullptr);
+    EXPECT_EQ(name->NotifyOfPendingChange(proposed), 1);
+    name->NotifyOfChange();
+    name->NotifyOfCheckboxChange(0);
+    EXPECT_EQ(m_pPart->m_changedFields.size(), 1u);
+    EXPECT_EQ(m_pPart->m_checkboxChanges.size(), 1u);
+    EXPECT_EQ(name->ReadOnly(), 0);
+    EXPECT_EQ(name->Visible(), 1);
+    EXPECT_EQ(name->Expanded(), 1);
+    name->SetOriginObject(m_pPart);
 }
 
 TEST_F(FieldData, GroupsGiveTheCommonTextVariesOrEmpty) {
@@ -118,10 +141,29 @@ TEST_F(FieldData, GroupsGiveTheCommonTextVariesOrEmpty) {
         EXPECT_EQ(group->GroupDataVaries(), row.varies);
         group->Release(true);
     }
+    // A group stands for its members' field; an empty one for none.
+    CKWGroupFieldData* names = Group(kNameFieldID);
+    EXPECT_EQ(names->GetField(), Data(m_pPart, kNameFieldID)->GetField());
+    EXPECT_EQ(names->SupportsStringStorage(), 1);  // a text field
+    names->Release(true);
     auto* empty = new CKWGroupFieldData;
     EXPECT_EQ(std::string(empty->GetStringValue()), "EMPTY");
     EXPECT_EQ(empty->AddFieldData(nullptr) + empty->AddFieldData(empty), 0);
+    EXPECT_EQ(empty->GetField(), nullptr);
+    EXPECT_EQ(empty->SupportsStringStorage(), 0);
     empty->Release(true);
+}
+
+TEST_F(FieldData, AnObjectRefusesNullFieldDataAndHandsItsParentToEach) {
+    EXPECT_EQ(m_pPart->AddFieldData(nullptr), 0);
+    auto* holder = new CKWGroupFieldData;
+    m_pPart->SetParentField(holder);
+    for (IKWFieldData* data : m_pPart->GetFieldDataList()) {
+        EXPECT_EQ(data->GetParentField(), holder);
+    }
+    EXPECT_EQ(Data(m_pOther, kNameFieldID)->GetParentField(), nullptr);
+    m_pPart->SetParentField(nullptr);
+    holder->Release(true);
 }
 
 TEST_F(FieldData, GroupsPassEditsToEveryMember) {

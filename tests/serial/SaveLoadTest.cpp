@@ -216,6 +216,27 @@ TEST_F(SaveLoad, AFailingFieldStopsTheLoadWithTheFieldsBeforeItReadAndLinksKept)
     EXPECT_EQ(CSampleAssembly::GetCSampleAssemblyType()->GetInstanceCount(), 1);
 }
 
+TEST_F(SaveLoad, SerializeFromReadsAHostMadeObjectOncePerSession) {
+    ASSERT_EQ(Save(m_pA), 1);
+    StreamA()->m_fields[CKWGuid(kLoadOnlyFieldID)].text = "kept";
+    ReleaseSamples();
+    m_pDocument->AdvanceSerialSessionID();
+    auto* b = dynamic_cast<CSamplePart*>(CSamplePart::GetCSamplePartType()->CreateInstance(m_bID));
+    ASSERT_NE(b, nullptr);
+    ASSERT_EQ(b->SerializeFrom(m_pDocument, nullptr, nullptr), 1);
+    EXPECT_EQ(std::string(b->m_Name), "beta");
+    ASSERT_NE(b->m_pLink, nullptr);
+    EXPECT_EQ(b->m_pLink->GetInstanceID(), m_aID);
+    EXPECT_EQ(b->m_pLink->m_pLink, b);  // the link back resolves to b, not to a copy
+    EXPECT_EQ(StreamB()->m_iHeaderReads, 1);
+    b->m_Name = "edited";
+    EXPECT_EQ(b->SerializeFrom(m_pDocument, nullptr, nullptr), 1);
+    EXPECT_EQ(std::string(b->m_Name), "edited");  // read once in a session
+    m_pDocument->AdvanceSerialSessionID();
+    EXPECT_EQ(b->SerializeFrom(m_pDocument, nullptr, StreamB()), 1);
+    EXPECT_EQ(std::string(b->m_Name), "beta");
+}
+
 TEST_F(SaveLoad, NullDocumentsUnknownTypesAndUnstoredObjectsFail) {
     EXPECT_EQ(AdaptorOf(m_pA)->SerializeTo(nullptr), 0);
     EXPECT_EQ(AdaptorOf(m_pA)->SerializeFieldDataTo(nullptr), 0);

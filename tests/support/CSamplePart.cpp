@@ -44,6 +44,12 @@ void CSamplePart::OnAfterFieldChanged(IKWFieldData* data) {
     }
 }
 
+void CSamplePart::OnAfterCheckboxChanged(IKWFieldData*, int checked) {
+    if (s_bRecordCalls) {
+        m_checkboxChanges.push_back(checked);
+    }
+}
+
 int CSamplePart::RecordHook(const char* name) {
     if (s_bRecordCalls) {
         m_hookCalls.push_back(name);

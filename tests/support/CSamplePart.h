@@ -49,6 +49,9 @@ public:
     std::vector<IKWFieldData*> m_changedFields;
     // Refuses every pending field change.
     bool m_bRefuseChanges = false;
+    // The one field data shown read-only, and the checkbox changes told of.
+    IKWFieldData* m_pReadOnlyField = nullptr;
+    std::vector<int> m_checkboxChanges;
 
     int OnBeforeSave(CKWDocument*, CKWTypeManifest*, IKWFieldStream*) override;
     void OnAfterSave(CKWDocument*) override;
@@ -56,6 +59,8 @@ public:
     void OnAfterLoad(CKWDocument*) override;
     int OnBeforeFieldChanged(IKWFieldData*, CString&) override;
     void OnAfterFieldChanged(IKWFieldData* data) override;
+    int IsFieldReadOnly(IKWFieldData* data) override { return data == m_pReadOnlyField; }
+    void OnAfterCheckboxChanged(IKWFieldData*, int checked) override;
 
 protected:
     CSamplePart() = default;

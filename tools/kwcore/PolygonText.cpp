@@ -65,6 +65,11 @@ bool Read(std::FILE* in, SPolygonText& polygon, std::string& error) {
             break;
         }
         ++number;
+        // A NUL would hide the rest of the line from the readers below.
+        if (line.find('\0') != std::string::npos) {
+            error = "line " + std::to_string(number) + ": a NUL character";
+            return false;
+        }
         if (IsBlank(line.c_str())) {
             // Only an empty line ends a contour; a comment line does not.
             if (line.find('#') == std::string::npos) {

@@ -110,8 +110,9 @@ int RunMonotone(const SPolygonText& text, const SOptions& options, Triangles& tr
     if (BuildCheckedPolygon(text, polygon, error) != 0) {
         return 1;
     }
-    // The checked polygon cannot end the process; the quiet phases leave
-    // standard output to the triangles.
+    // The quiet phases leave standard output to the triangles. The check is
+    // exact, the sweep's keys are rounded: a vertex off an edge by less than
+    // that rounding passes the check and can still end the process here.
     polygon.partition2Monotone();
     polygon.searchMonotones();
     polygon.triangulateMonotones();

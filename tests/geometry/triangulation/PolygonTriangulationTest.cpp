@@ -101,9 +101,26 @@ TEST(PolygonTriangulation, RefusesAContourThatRepeatsAPoint) {
     EXPECT_EQ(polygon.contourCount(), 2u);
 }
 
-TEST(PolygonTriangulation, CollinearRunsAndHorizontalEdges) {
-    const Contour runs = {0, 0, 1, 0, 2, 0, 3, 0, 3, 1, 3, 2, 2, 2, 2, 1, 1, 1, 1, 2, 0, 2, 0, 1};
-    kwtest::ExpectTriangulationTiles({runs}, true);
+TEST(PolygonTriangulation, TilesAwkwardShapes) {
+    struct SCase {
+        const char* name;
+        std::vector<Contour> contours;
+        bool allowFlat;
+    };
+    const SCase cases[] = {
+        {"collinear runs and horizontal edges",
+         {{0, 0, 1, 0, 2, 0, 3, 0, 3, 1, 3, 2, 2, 2, 2, 1, 1, 1, 1, 2, 0, 2, 0, 1}},
+         true},
+        // At the wedge's tip the edges and the diagonal differ in direction
+        // by less than their cosines can show.
+        {"holes in a thin wedge",
+         {{1, 0, 10, 0, 10, 5555555510}, {2, 4, 4, 4, 4, 2}, {6, 5, 5, 8, 8, 8}},
+         false},
+    };
+    for (const SCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        kwtest::ExpectTriangulationTiles(c.contours, c.allowFlat);
+    }
 }
 
 TEST(PolygonTriangulation, TilesGeneratedPolygons) {
