@@ -25,7 +25,7 @@ public:
             m_next = 0;
         }
     }
-    bool IsValid() const override { return true; }
+    bool IsValid() override { return true; }
 
 private:
     const std::vector<CLinkCountingNode*>& m_nodes;
@@ -36,8 +36,8 @@ private:
 class CNodeCollector : public IKWCollection<IKWObject> {
 public:
     explicit CNodeCollector(std::vector<CLinkCountingNode*>& nodes) : m_nodes(nodes) {}
-    int GetCount() const override { return static_cast<int>(m_nodes.size()); }
-    void* Find(const CKWGuid&) const override { return nullptr; }
+    int GetCount() override { return static_cast<int>(m_nodes.size()); }
+    void* Find(CKWGuid) override { return nullptr; }
     void RemoveAll(bool) override { m_nodes.clear(); }
     int Add(IKWObject* element) override {
         m_nodes.push_back(dynamic_cast<CLinkCountingNode*>(element));
