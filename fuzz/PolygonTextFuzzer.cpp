@@ -6,11 +6,13 @@
 // every digit, it reads as the same polygon. A polygon that passes the check
 // must triangulate: the sweep and ear clipping each give n + 2h - 2
 // triangles of known vertices that cover the polygon's area. The sweep ends
-// the process on a polygon it cannot handle, which the fuzzer reports; it is
-// run on integer coordinates up to 2^20, where a vertex off an edge is off by
-// far more than the rounding of the sweep's keys (nearer than that, the check
-// passes a polygon that the sweep may still refuse).
+// the process on a polygon it cannot handle, which the fuzzer reports: the
+// check decides with the sweep's own rounding, so none may reach it. Ear
+// clipping may refuse only coordinates spanning more binary places than its
+// exact queries hold.
+#include <algorithm>
 #include <array>
+#include <climits>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -29,8 +31,9 @@ namespace {
 const std::size_t kMaxVertices = 64;
 // Areas are compared where coordinates stay moderate, so sums keep their digits.
 const double kModerateCoordinate = 1e6;
-// The sweep runs on integer coordinates up to this magnitude.
-const double kSweepCoordinate = 1048576;
+// Binary places, from the leading bit of the largest coordinate to the
+// lowest bit set in any, beyond which ear clipping may refuse a polygon.
+const int kEarClippingSpan = 500;
 
 void Require(bool condition, const char* what) {
     if (!condition) {
@@ -143,8 +146,26 @@ bool IsModerate(double value) {
     return std::fabs(value) <= kModerateCoordinate;
 }
 
-bool IsSweepSized(double value) {
-    return std::fabs(value) <= kSweepCoordinate && value == std::floor(value);
+// Whether the coordinates span more binary places than ear clipping holds.
+bool SpansTooWide(const SPolygonText& polygon) {
+    int leading = INT_MIN, lowest = INT_MAX;
+    for (const std::vector<double>& contour : polygon.contours) {
+        for (double value : contour) {
+            if (value == 0.0) {
+                continue;
+            }
+            int exponent = 0;
+            double mantissa = std::frexp(std::fabs(value), &exponent);
+            leading = std::max(leading, exponent - 1);
+            int bottom = exponent;
+            while (mantissa != 0.0) {
+                mantissa = mantissa * 2.0 - std::floor(mantissa * 2.0);
+                --bottom;
+            }
+            lowest = std::min(lowest, bottom);
+        }
+    }
+    return leading != INT_MIN && leading - lowest > kEarClippingSpan;
 }
 
 // n + 2h - 2 triangles of vertices that exist, covering the outer contour's
@@ -197,7 +218,7 @@ bool BuildChecked(const SPolygonText& text, kwPolygonTriangulation::Polygon& pol
 
 void TriangulateMonotone(const SPolygonText& text) {
     kwPolygonTriangulation::Polygon polygon;
-    if (!EveryCoordinate(text, IsSweepSized) || !BuildChecked(text, polygon)) {
+    if (!BuildChecked(text, polygon)) {
         return;
     }
     polygon.partition2Monotone();
@@ -224,7 +245,10 @@ void ClipEars(const SPolygonText& text) {
     int* indices = nullptr;
     CKWTriangulateEarClipping<double, float> clip(
         n, points.data(), kwRationalArithmetic::Query::QT_FILTERED, 1e-12, indices);
-    Require(indices != nullptr, "ear clipping refused a checked polygon");
+    if (indices == nullptr) {
+        Require(SpansTooWide(text), "ear clipping refused a checked polygon");
+        return;
+    }
     Triangles triangles;
     for (int t = 0; t < n - 2; ++t) {
         triangles.push_back({{static_cast<std::size_t>(indices[3 * t]),

@@ -515,14 +515,22 @@ SContours Flatten(const std::vector<Pointbase*>& pointById, const std::vector<un
     return contours;
 }
 
+// Beyond this magnitude a product of two coordinate differences can
+// overflow, and neither the orientation test nor the sweep's keys are exact.
+const double kLargestCoordinate = std::ldexp(1.0, 500);
+
+bool InRange(double value) {
+    return std::fabs(value) <= kLargestCoordinate;
+}
+
 bool FindNotFinite(const SContours& contours, CheckResult& result) {
     for (std::size_t c = 0; c < contours.size.size(); ++c) {
         for (unsigned k = 0; k < contours.size[c]; ++k) {
             const unsigned v = contours.first[c] + k;
-            if (!std::isfinite(contours.x[v]) || !std::isfinite(contours.y[v])) {
+            if (!InRange(contours.x[v]) || !InRange(contours.y[v])) {
                 Report(result, CHECK_NOT_FINITE,
                        Format("vertex %g of contour %g has a coordinate that is not a finite "
-                              "number",
+                              "number of at most 2^500",
                               k + 1.0, static_cast<double>(c + 1)),
                        static_cast<int>(c));
                 return true;

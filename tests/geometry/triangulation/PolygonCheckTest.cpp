@@ -47,6 +47,8 @@ TEST(PolygonCheck, NamesEveryProblemThatWouldEndTheTriangulation) {
         {"two points", {kSquare, {1, 1, 2, 2}}, CHECK_TOO_FEW_POINTS, "contour 2 has 2 points"},
         {"NaN", {{0, 0, 1, 0, nan, 1}}, CHECK_NOT_FINITE, "vertex 3 of contour 1"},
         {"infinity", {{0, 0, 1, 0, 1, inf}}, CHECK_NOT_FINITE, "not a finite number"},
+        // Orientation products of this sliver overflow; the sweep would end the process.
+        {"beyond 2^500", {{0, 0, 1e302, 5602601550, 5, 4}}, CHECK_NOT_FINITE, "at most 2^500"},
         {"repeated point", {kSquare, {1, 1, 10, 10, 1, 2}}, CHECK_DUPLICATED_POINT, "refused"},
         {"clockwise outer",
          {{0, 0, 0, 10, 10, 10, 10, 0}},

@@ -133,7 +133,8 @@ extern template class KWCORE_API SplayTree<Linebase*, double>;
 enum CheckCode {
     CHECK_OK = 0,
     CHECK_TOO_FEW_POINTS,     // no contour, or a contour of fewer than 3 points
-    CHECK_NOT_FINITE,         // a coordinate is NaN or infinite
+    CHECK_NOT_FINITE,         // a coordinate is NaN, infinite or beyond 2^500 (about 3e150),
+                              // where products of coordinates overflow
     CHECK_DUPLICATED_POINT,   // two vertices at the same place, or at one height and closer
                               // than the sweep's keys tell apart (or a refused contour)
     CHECK_BAD_NUMBERING,      // a reversed contour added after another one
