@@ -24,10 +24,25 @@ constexpr int kCacheLine = 64;
 constexpr std::uintptr_t kCallerStackBudget = 256 << 10;
 constexpr std::uintptr_t kVisitHeadroom = 512 << 10;
 constexpr std::size_t kSideStackSize = 16 << 20;
+
+// The first side stack of the last walk on this thread that needed one,
+// kept with its first pages for the next: walks that go a little deeper
+// than the caller's stack allows reserve and touch nothing new.
+thread_local std::unique_ptr<kwStack::SideStack> t_pKeptSideStack;
+constexpr std::size_t kKeptSideStackBytes = 1 << 20;
 }  // namespace
 
 struct CKWDFSVisitor::Walk {
     explicit Walk(std::uintptr_t limit) : stackLimit(limit) {}
+    ~Walk() {
+        if (!sideStacks.empty() && !t_pKeptSideStack &&
+            sideStacks.front()->Trim(kKeptSideStackBytes)) {
+            t_pKeptSideStack = std::move(sideStacks.front());
+        }
+    }
+    Walk(const Walk&) = delete;
+    Walk& operator=(const Walk&) = delete;
+
     // A visit made from a frame below this goes on to the next side stack.
     std::uintptr_t stackLimit;
     // The side stacks reserved so far, and how many of them are running.
@@ -66,17 +81,18 @@ inline CKWGraphNode* CKWDFSVisitor::Across(const CKWGraphEdge* edge, const CKWGr
 }
 
 // The outermost call sets up the walk; the calls it makes, through the
-// visitor interface, walk on within it.
+// visitor interface, walk on within it. Both end in a tail call, so a level
+// of the recursion costs one frame of WalkFrom.
 int CKWDFSVisitor::VisitNode(CKWGraphNode* node) {
     const std::uint16_t session = GetSessionID();
     if (!node || node->m_iVisitedSession == session) {
         return 0;
     }
     node->m_iVisitedSession = session;
-    if (m_pWalk) {
-        WalkFrom(node, session);
-        return 1;
-    }
+    return m_pWalk ? WalkFrom(node, session) : BeginWalk(node, session);
+}
+
+int CKWDFSVisitor::BeginWalk(CKWGraphNode* node, std::uint16_t session) {
     const std::uintptr_t here = kwStack::Position();
     Walk walk(here > kCallerStackBudget ? here - kCallerStackBudget : 0);
     struct EndOfWalk {
@@ -87,14 +103,13 @@ int CKWDFSVisitor::VisitNode(CKWGraphNode* node) {
     m_pFreshNode = nullptr;
     m_iFreshChanges =
         m_DFSNodeList.GetCount() == 0 ? m_DFSNodeList.GetChangeCount() : kNoFreshChanges;
-    WalkFrom(node, session);
-    return 1;
+    return WalkFrom(node, session);
 }
 
 // The neighbour across each edge, in list order, each edge crossed at most
 // once; marks and neighbours are those of WasVisited, SetVisited and
 // GetNeighbor, read in place: this loop is the hot path of every walk.
-void CKWDFSVisitor::WalkFrom(CKWGraphNode* node, std::uint16_t session) {
+int CKWDFSVisitor::WalkFrom(CKWGraphNode* node, std::uint16_t session) {
     PrefetchEdges(node);
     m_pFreshNode = node;
     OnFirstVisit(node);
@@ -114,6 +129,7 @@ void CKWDFSVisitor::WalkFrom(CKWGraphNode* node, std::uint16_t session) {
             VisitOnSideStack(next);
         }
     }
+    return 1;
 }
 
 namespace {
@@ -143,7 +159,9 @@ struct SideStackVisit {
 void CKWDFSVisitor::VisitOnSideStack(CKWGraphNode* node) {
     Walk& walk = *m_pWalk;
     if (walk.sideStacksInUse == walk.sideStacks.size()) {
-        std::unique_ptr<kwStack::SideStack> stack = kwStack::SideStack::Reserve(kSideStackSize);
+        std::unique_ptr<kwStack::SideStack> stack =
+            t_pKeptSideStack ? std::move(t_pKeptSideStack)
+                             : kwStack::SideStack::Reserve(kSideStackSize);
         if (!stack) {
             return;
         }

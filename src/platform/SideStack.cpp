@@ -105,6 +105,12 @@ bool SideStack::Context::SwitchIn() {
     return true;
 }
 
+// A fiber's stack is committed and guarded by the system as it grows; it
+// cannot be given back in part.
+bool SideStack::Trim(std::size_t) {
+    return false;
+}
+
 std::unique_ptr<SideStack> SideStack::Reserve(std::size_t size) {
     auto context = std::make_unique<Context>();
     context->fiber =
@@ -205,6 +211,16 @@ void SideStack::Context::Main(int high, int low) {
         RunJob(*context->pJob);
         context->SwitchOut();
     }
+}
+
+bool SideStack::Trim(std::size_t keep) {
+    const std::size_t stackSize = m_pContext->mappingSize - m_pContext->guardSize;
+    if (keep >= stackSize) {
+        return true;
+    }
+    char* low = m_pContext->mapping + m_pContext->guardSize;
+    const std::size_t unused = (stackSize - keep) / m_pContext->guardSize * m_pContext->guardSize;
+    return madvise(low, unused, MADV_DONTNEED) == 0;
 }
 
 std::unique_ptr<SideStack> SideStack::Reserve(std::size_t size) {

@@ -46,6 +46,11 @@ public:
     // when the switch cannot be made.
     bool Run(Call call, void* argument);
 
+    // Gives the pages below the top keep bytes back to the system, so that
+    // a stack kept for later holds little memory; false where a stack
+    // cannot give pages back while it lives (then it is not worth keeping).
+    bool Trim(std::size_t keep);
+
 private:
     struct Context;
 

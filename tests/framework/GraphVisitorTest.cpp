@@ -15,6 +15,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <thread>
 #endif
 
 #include "GraphTestTypes.h"
@@ -351,8 +352,14 @@ int WalkWithoutRoomForSideStacks(const std::vector<CKWGraphNode*>& chain, CKWDFS
 TEST(DeepGraph, AWalkThatCannotReserveAStackStopsDeepeningWithoutHarm) {
     const std::vector<CKWGraphNode*> chain = NewChain(kChainLength / 10);
     auto* dfs = KWTestCreate<CKWDFSVisitor>(CKWDFSVisitor::GetCKWDFSVisitorType());
-    EXPECT_EXIT(std::exit(WalkWithoutRoomForSideStacks(chain, dfs)), ::testing::ExitedWithCode(0),
-                "");
+    // On a new thread, which has no side stack kept from earlier walks.
+    EXPECT_EXIT(
+        {
+            int failure = -1;
+            std::thread([&] { failure = WalkWithoutRoomForSideStacks(chain, dfs); }).join();
+            std::exit(failure);
+        },
+        ::testing::ExitedWithCode(0), "");
     ReleaseAllGraphObjects();
 }
 #endif

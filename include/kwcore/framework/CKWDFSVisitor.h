@@ -58,7 +58,8 @@ private:
     // the stacks it has reserved.
     struct Walk;
 
-    void WalkFrom(CKWGraphNode* node, std::uint16_t session);
+    int BeginWalk(CKWGraphNode* node, std::uint16_t session);
+    int WalkFrom(CKWGraphNode* node, std::uint16_t session);
     void VisitOnSideStack(CKWGraphNode* node);
     static void PrefetchEdges(const CKWGraphNode* node);
     static void PrefetchNode(const CKWGraphNode* node);
