@@ -1,5 +1,6 @@
 #include "kwcore/framework/CKWDFSVisitor.h"
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -23,7 +24,8 @@ constexpr int kCacheLine = 64;
 // there; and how large each side stack is.
 constexpr std::uintptr_t kCallerStackBudget = 256 << 10;
 constexpr std::uintptr_t kVisitHeadroom = 512 << 10;
-constexpr std::size_t kSideStackSize = 16 << 20;
+constexpr std::size_t kSideStackSize =
+    std::min<std::size_t>(16 << 20, kwStack::SideStack::kLargestSize);
 
 // The first side stack of the last walk on this thread that needed one,
 // kept with its first pages for the next: walks that go a little deeper

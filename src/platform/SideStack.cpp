@@ -18,18 +18,6 @@
 #include <unistd.h>
 #endif
 
-#if defined(__SANITIZE_ADDRESS__)
-#define KW_SIDE_STACK_ASAN 1
-#elif defined(__SANITIZE_THREAD__)
-#define KW_SIDE_STACK_TSAN 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define KW_SIDE_STACK_ASAN 1
-#elif __has_feature(thread_sanitizer)
-#define KW_SIDE_STACK_TSAN 1
-#endif
-#endif
-
 #if defined(KW_SIDE_STACK_ASAN)
 #include <sanitizer/asan_interface.h>
 #include <sanitizer/common_interface_defs.h>

@@ -18,6 +18,18 @@
 #include <cstdint>
 #include <memory>
 
+#if defined(__SANITIZE_ADDRESS__)
+#define KW_SIDE_STACK_ASAN 1
+#elif defined(__SANITIZE_THREAD__)
+#define KW_SIDE_STACK_TSAN 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KW_SIDE_STACK_ASAN 1
+#elif __has_feature(thread_sanitizer)
+#define KW_SIDE_STACK_TSAN 1
+#endif
+#endif
+
 namespace kwStack {
 
 // Where the running function's frame lies; deeper calls give lower values.
@@ -33,6 +45,14 @@ inline std::uintptr_t Position() {
 class SideStack {
 public:
     using Call = void (*)(void* argument);
+
+#if defined(KW_SIDE_STACK_TSAN)
+    // The thread sanitizer records at most 65535 calls of one stack; this
+    // much of even the smallest frames stays below that.
+    static constexpr std::size_t kLargestSize = 2 << 20;
+#else
+    static constexpr std::size_t kLargestSize = std::size_t{1} << 30;
+#endif
 
     // A stack on which a call may use at least size bytes below its first
     // frame; null when the system refuses the reservation.
