@@ -18,9 +18,12 @@ int CKWGraphNodeVisitorImpl::Start(CKWGraphNode* node) {
         return 0;
     }
     m_iSessionID = GetNextSessionID();
-    m_bLocked = true;
+    // Cleared however the walk ends, also when an override throws.
+    struct Lock {
+        Lock() { m_bLocked = true; }
+        ~Lock() { m_bLocked = false; }
+    } lock;
     VisitNode(node);
-    m_bLocked = false;
     return 1;
 }
 

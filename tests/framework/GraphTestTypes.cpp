@@ -1,5 +1,6 @@
 #include "GraphTestTypes.h"
 
+#include <stdexcept>
 #include <utility>
 
 #include "KWTestObjects.h"
@@ -28,19 +29,36 @@ int COneWayEdge::OnInitialize() {
 }
 
 int CRecordingVisitor::VisitNode(CKWGraphNode* node) {
-    m_visits.push_back(node);
-    return node == m_pBlocked ? 0 : CKWDFSVisitor::VisitNode(node);
+    m_steps.push_back({EStep::Visit, node});
+    const int visited = node == m_pBlocked ? 0 : CKWDFSVisitor::VisitNode(node);
+    m_steps.push_back({EStep::VisitDone, node});
+    if (node && node == m_pThrowAt) {
+        throw std::runtime_error("thrown by a visit");
+    }
+    return visited;
 }
 
 int CRecordingVisitor::AddToDFSList(CKWGraphNode* node) {
-    m_calls.push_back(node);
+    m_steps.push_back({EStep::Record, node});
     if (m_bStartInside) {
         m_nestedStarts.push_back(Start(node));
     }
     if (CKWGraphNode* extra = std::exchange(m_pAlsoRecord, nullptr)) {
         CKWDFSVisitor::AddToDFSList(extra);
     }
-    return CKWDFSVisitor::AddToDFSList(node);
+    const int recorded = CKWDFSVisitor::AddToDFSList(node);
+    m_steps.push_back({EStep::RecordDone, node});
+    return recorded;
+}
+
+std::vector<CKWGraphNode*> CRecordingVisitor::NodesAt(EStep step) const {
+    std::vector<CKWGraphNode*> nodes;
+    for (const SStep& seen : m_steps) {
+        if (seen.step == step) {
+            nodes.push_back(seen.node);
+        }
+    }
+    return nodes;
 }
 
 namespace {

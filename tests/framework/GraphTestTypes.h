@@ -31,9 +31,6 @@ protected:
     CCityNode() = default;
 };
 
-// Records every AddToDFSList and VisitNode call; can start a nested
-// traversal from AddToDFSList, record one more node there, and refuse to
-// visit a node.
 // The plain visitor's own rules, in a class of its own: its base type is abstract.
 class CPlainVisitor : public CKWGraphNodeVisitorImpl {
     KW_DECLARE_TYPE(CPlainVisitor, CKWObjectTypeImpl)
@@ -42,18 +39,31 @@ protected:
     CPlainVisitor() = default;
 };
 
+// A step a recording visitor saw: a call of VisitNode or AddToDFSList
+// beginning, or returning.
+enum class EStep { Visit, VisitDone, Record, RecordDone };
+struct SStep {
+    EStep step;
+    CKWGraphNode* node;
+};
+
+// Records every step of its VisitNode and AddToDFSList calls; can start a
+// nested traversal from AddToDFSList, record one more node there, refuse to
+// visit a node, and throw once a node's visit is done.
 class CRecordingVisitor : public CKWDFSVisitor {
     KW_DECLARE_TYPE(CRecordingVisitor, CKWObjectTypeImpl)
 
 public:
     int VisitNode(CKWGraphNode* node) override;
+    // The nodes of the steps of one kind, in order.
+    std::vector<CKWGraphNode*> NodesAt(EStep step) const;
 
-    std::vector<CKWGraphNode*> m_calls;
-    std::vector<CKWGraphNode*> m_visits;
+    std::vector<SStep> m_steps;
     bool m_bStartInside = false;
     std::vector<int> m_nestedStarts;
     CKWGraphNode* m_pAlsoRecord = nullptr;
     CKWGraphNode* m_pBlocked = nullptr;
+    CKWGraphNode* m_pThrowAt = nullptr;
 
 protected:
     CRecordingVisitor() = default;

@@ -1,14 +1,18 @@
 // CKWDFSVisitor: records the nodes reachable from a start node, depth first.
 //
-// The walk is pre-order and follows each node's edges in list order,
-// crossing every edge at most once per session (an edge that may not be
-// crossed from a node is still marked). Each node is handed to AddToDFSList
-// on its first visit, in visiting order, and every neighbour reached goes
-// through VisitNode. The walk keeps its own stack, so graphs of millions of
-// nodes are walked on an ordinary thread stack: an override of VisitNode
-// sees its node before the walk goes on from it, but returns before the
-// node's neighbours are walked. Start does not clear the recorded nodes:
-// call ClearDFSNodeList between runs. The list does not own the nodes.
+// The walk is pre-order and recursive: VisitNode marks its node, hands it to
+// AddToDFSList, then calls VisitNode for the neighbour across each edge of
+// the node, in list order, crossing every edge at most once per session (an
+// edge that may not be crossed from a node is still marked). An override of
+// VisitNode or AddToDFSList therefore sees the node's neighbours walked
+// inside its call to the base, and work after that call comes after them.
+// The recursion starts on the caller's stack and goes on, past a modest
+// depth, on stacks the walk reserves for itself, so chains of millions of
+// nodes are walked from an ordinary thread. When the system refuses such a
+// stack, the walk goes no deeper there: the neighbour it could not enter is
+// left unvisited, and the walk carries on with the next edge. Start does not
+// clear the recorded nodes: call ClearDFSNodeList between runs. The list
+// does not own the nodes.
 //
 //   dfs->Start(root);
 //   auto it = dfs->GetDFSNodeIterator();
@@ -17,7 +21,6 @@
 
 #include <cstdint>
 #include <limits>
-#include <vector>
 
 #include "kwcore/framework/CKWGraphNodeVisitorImpl.h"
 #include "kwcore/object/CKWObjPtrList.h"
@@ -51,28 +54,21 @@ protected:
     CKWObjPtrList<CKWGraphNode> m_DFSNodeList;
 
 private:
-    // A node whose edges the walk is crossing, and the next edge to cross.
-    struct Frame;
+    // The walk under way: how deep it may go on the stack it runs on, and
+    // the stacks it has reserved.
+    struct Walk;
 
-    void Enter(CKWGraphNode* node);
-    void Walk(std::uint16_t session);
+    int BeginWalk(CKWGraphNode* node, std::uint16_t session);
+    int WalkFrom(CKWGraphNode* node, std::uint16_t session);
+    void VisitOnSideStack(CKWGraphNode* node);
+    static void PrefetchEdges(const CKWGraphNode* node);
     static void PrefetchNode(const CKWGraphNode* node);
     static CKWGraphNode* Across(const CKWGraphEdge* edge, const CKWGraphNode* from);
 
     static constexpr std::uint64_t kNoFreshChanges = std::numeric_limits<std::uint64_t>::max();
-    // The walk under way, or null.
-    std::vector<Frame>* m_pWalk = nullptr;
-    std::vector<Frame> m_walk;
+    Walk* m_pWalk = nullptr;
     // The node in its first visit, until it is recorded.
     CKWGraphNode* m_pFreshNode = nullptr;
     // The list's change count while it holds only this walk's first visits.
     std::uint64_t m_iFreshChanges = kNoFreshChanges;
-};
-
-struct CKWDFSVisitor::Frame {
-    using Position = CKWObjPtrList<CKWGraphEdge>::List::const_iterator;
-    Frame(CKWGraphNode* n, Position first, Position last) : node(n), next(first), end(last) {}
-    CKWGraphNode* node;
-    Position next;
-    Position end;
 };
