@@ -5,13 +5,7 @@
 #include <utility>
 
 #if defined(_WIN32)
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#include <windows.h>
+#include "kwcore/platform/Win32Types.h"  // <windows.h>, lean and without min/max
 #else
 #include <sys/mman.h>
 #include <ucontext.h>
