@@ -55,7 +55,7 @@ void ForEach(CKWGuidMapIterator<T> iterator, Visit visit) {
 }
 
 template <class Visit>
-void ForEachStream(const CKWDocument* document, Visit visit) {
+void ForEachStream(CKWDocument* document, Visit visit) {
     ForEach(document->GetTypeManifestIterator(), [&](CKWTypeManifest* manifest) {
         ForEach(manifest->GetInstanceFieldStreamIterator(),
                 [&](CKWFieldStream* stream) { visit(manifest, stream); });
@@ -64,7 +64,7 @@ void ForEachStream(const CKWDocument* document, Visit visit) {
 
 // Every (type ID, instance ID) stored in the document, taken before any
 // GetObjectA adds manifests or streams to the maps being walked.
-std::vector<std::pair<CKWGuid, CKWGuid>> StoredObjects(const CKWDocument* document) {
+std::vector<std::pair<CKWGuid, CKWGuid>> StoredObjects(CKWDocument* document) {
     std::vector<std::pair<CKWGuid, CKWGuid>> stored;
     ForEachStream(document, [&](CKWTypeManifest* manifest, CKWFieldStream* stream) {
         stored.emplace_back(manifest->GetStoredTypeID(), stream->GetInstanceID());
@@ -73,7 +73,7 @@ std::vector<std::pair<CKWGuid, CKWGuid>> StoredObjects(const CKWDocument* docume
 }
 
 // Every object the document loaded: each one is the result of its stream.
-void CollectLoaded(const CKWDocument* document, std::set<IKWObject*>& loaded) {
+void CollectLoaded(CKWDocument* document, std::set<IKWObject*>& loaded) {
     ForEachStream(document, [&](CKWTypeManifest*, CKWFieldStream* stream) {
         if (IKWObject* object = stream->GetResult()) {
             loaded.insert(object);
