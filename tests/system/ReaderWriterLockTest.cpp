@@ -80,10 +80,16 @@ TYPED_TEST_SUITE(SystemReaderWriterLockBoth, LockProbes);
 TYPED_TEST(SystemReaderWriterLockBoth, WaitingWriterBlocksNewReaders) {
     TypeParam lock;
     CTrail trail;
-    std::thread firstReader([&] { lock.AcquireReaderLock(); });
-    firstReader.join();
-    std::thread secondReader([&] { lock.AcquireReaderLock(); });
-    secondReader.join();
+    std::atomic<bool> bLetGo{false};
+    std::vector<std::thread> earlyReaders;
+    for (int i = 0; i < 2; ++i)
+        earlyReaders.emplace_back([&] {
+            lock.AcquireReaderLock();
+            while (!bLetGo)
+                std::this_thread::yield();
+            lock.ReleaseReaderLock();
+        });
+    lock.WaitUntil([](auto& probe) { return probe.Readers() == 2; });
     std::thread writer([&] {
         lock.AcquireWriterLock();
         trail.Mark("writer");
@@ -97,10 +103,9 @@ TYPED_TEST(SystemReaderWriterLockBoth, WaitingWriterBlocksNewReaders) {
     });
     lock.WaitUntil([](auto& probe) { return probe.WaitingReaders() == 1; });
     EXPECT_TRUE(trail.Steps().empty());
-    // The earlier readers leave; in the reentrant lock they were threads
-    // that have ended, so their slots are given back through the base.
-    lock.CReaderWriterLockNonReentrance::ReleaseReaderLock();
-    lock.CReaderWriterLockNonReentrance::ReleaseReaderLock();
+    bLetGo = true;
+    for (auto& reader : earlyReaders)
+        reader.join();
     writer.join();
     lateReader.join();
     EXPECT_EQ(trail.Steps(), (std::vector<std::string>{"writer", "late reader"}));
