@@ -9,19 +9,17 @@
 
 CKWReaderWriterLock::CKWReaderWriterLock(const CKWReaderWriterLock& other)
     : CReaderWriterLockNonReentrance(other) {
-    auto& source = const_cast<CKWReaderWriterLock&>(other);
-    source.EnterGuard();
+    other.EnterGuard();
     m_mapThreadCounts = other.m_mapThreadCounts;
-    source.LeaveGuard();
+    other.LeaveGuard();
 }
 
 CKWReaderWriterLock& CKWReaderWriterLock::operator=(const CKWReaderWriterLock& other) {
     if (this != &other) {
         CReaderWriterLockNonReentrance::operator=(other);
-        auto& source = const_cast<CKWReaderWriterLock&>(other);
-        source.EnterGuard();
+        other.EnterGuard();
         std::map<DWORD, DWORD> mapCounts = other.m_mapThreadCounts;
-        source.LeaveGuard();
+        other.LeaveGuard();
         EnterGuard();
         m_mapThreadCounts.swap(mapCounts);
         LeaveGuard();

@@ -117,13 +117,12 @@ CReaderWriterLockNonReentrance::~CReaderWriterLockNonReentrance() {
 }
 
 void CReaderWriterLockNonReentrance::CopyCounters(const CReaderWriterLockNonReentrance& other) {
-    auto& source = const_cast<CReaderWriterLockNonReentrance&>(other);
-    source.EnterGuard();
+    other.EnterGuard();
     m_uWriters = other.m_uWriters;
     m_uReaders = other.m_uReaders;
     // Waiting readers belong to the other lock's event; none wait on this one.
     m_uWaitingReaders = 0;
-    source.LeaveGuard();
+    other.LeaveGuard();
 }
 
 void CReaderWriterLockNonReentrance::CloseEvents() {
@@ -135,7 +134,7 @@ void CReaderWriterLockNonReentrance::CloseEvents() {
     m_hReaderEvent = nullptr;
 }
 
-void CReaderWriterLockNonReentrance::EnterGuard() {
+void CReaderWriterLockNonReentrance::EnterGuard() const {
 #if defined(_WIN32)
     ::EnterCriticalSection(&m_csGuard);
 #else
@@ -143,7 +142,7 @@ void CReaderWriterLockNonReentrance::EnterGuard() {
 #endif
 }
 
-void CReaderWriterLockNonReentrance::LeaveGuard() {
+void CReaderWriterLockNonReentrance::LeaveGuard() const {
 #if defined(_WIN32)
     ::LeaveCriticalSection(&m_csGuard);
 #else

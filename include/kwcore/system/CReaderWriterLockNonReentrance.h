@@ -33,8 +33,8 @@ protected:
     void _AcquireWriterLock();
     void _ReleaseWriterLock();
 
-    void EnterGuard();
-    void LeaveGuard();
+    void EnterGuard() const;
+    void LeaveGuard() const;
     // Counts this thread as a writer once the readers have gone, giving up
     // its own reader slot first: used to turn a read lock into a write lock.
     // Leaves the guard before waiting.
@@ -46,9 +46,9 @@ protected:
     static void SignalEvent(HANDLE hEvent);
 
 #if defined(_WIN32)
-    CRITICAL_SECTION m_csGuard;
+    mutable CRITICAL_SECTION m_csGuard;
 #else
-    std::mutex m_csGuard;
+    mutable std::mutex m_csGuard;
 #endif
     // Auto-reset; exists while a writer holds or waits for the lock.
     HANDLE m_hWriterEvent;
