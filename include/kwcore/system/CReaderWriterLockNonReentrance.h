@@ -26,15 +26,15 @@ public:
     void ReleaseWriterLock();
 
 protected:
+    void EnterGuard() const;
+    void LeaveGuard() const;
+
     // The forms below expect the guard to be held by the caller.
     void _AcquireReaderLock();
     void _ReleaseReaderLock();
     // Leaves the guard; waits for the lock afterwards when it is busy.
     void _AcquireWriterLock();
     void _ReleaseWriterLock();
-
-    void EnterGuard() const;
-    void LeaveGuard() const;
     // Counts this thread as a writer once the readers have gone, giving up
     // its own reader slot first: used to turn a read lock into a write lock.
     // Leaves the guard before waiting.
@@ -50,10 +50,12 @@ protected:
 #else
     mutable std::mutex m_csGuard;
 #endif
-    // Auto-reset; exists while a writer holds or waits for the lock.
+    // Auto-reset; made when a writer has to wait, closed when the last
+    // writer leaves.
     HANDLE m_hWriterEvent;
     // Manual-reset; exists while readers wait for the writers to leave.
     HANDLE m_hReaderEvent;
+    // Writers holding or waiting, readers holding, readers waiting.
     unsigned m_uWriters;
     unsigned m_uReaders;
     unsigned m_uWaitingReaders;
