@@ -123,3 +123,7 @@
 #include "kwcore/geometry/triangulation/CKWTriangulateEarClipping.h"
 #include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 #include "kwcore/geometry/triangulation/KWSplayTree.h"
+
+// System services: reader-writer locks.
+#include "kwcore/system/CKWReaderWriterLock.h"
+#include "kwcore/system/CReaderWriterLockNonReentrance.h"

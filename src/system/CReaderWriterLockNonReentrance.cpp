@@ -1,0 +1,264 @@
+#include "kwcore/system/CReaderWriterLockNonReentrance.h"
+
+#include <cassert>
+
+#if !defined(_WIN32)
+#include <condition_variable>
+#endif
+
+namespace {
+
+#if defined(_WIN32)
+
+HANDLE CreateLockEvent(bool bManualReset) {
+    return ::CreateEventA(nullptr, bManualReset ? TRUE : FALSE, FALSE, nullptr);
+}
+void SetLockEvent(HANDLE hEvent) {
+    ::SetEvent(hEvent);
+}
+void ResetLockEvent(HANDLE hEvent) {
+    ::ResetEvent(hEvent);
+}
+void WaitLockEvent(HANDLE hEvent) {
+    ::WaitForSingleObject(hEvent, INFINITE);
+}
+void CloseLockEvent(HANDLE hEvent) {
+    ::CloseHandle(hEvent);
+}
+
+#else
+
+// An event as the lock uses it: auto-reset events let one waiter through
+// per signal, manual-reset ones stay signalled until reset.
+struct SKWLockEvent {
+    std::mutex mutex;
+    std::condition_variable signalled;
+    bool bSignalled = false;
+    bool bManualReset = false;
+};
+
+SKWLockEvent* AsEvent(HANDLE hEvent) {
+    return static_cast<SKWLockEvent*>(hEvent);
+}
+
+HANDLE CreateLockEvent(bool bManualReset) {
+    SKWLockEvent* pEvent = new SKWLockEvent;
+    pEvent->bManualReset = bManualReset;
+    return pEvent;
+}
+
+void SetLockEvent(HANDLE hEvent) {
+    SKWLockEvent* pEvent = AsEvent(hEvent);
+    {
+        std::lock_guard<std::mutex> lock(pEvent->mutex);
+        pEvent->bSignalled = true;
+    }
+    if (pEvent->bManualReset)
+        pEvent->signalled.notify_all();
+    else
+        pEvent->signalled.notify_one();
+}
+
+void ResetLockEvent(HANDLE hEvent) {
+    SKWLockEvent* pEvent = AsEvent(hEvent);
+    std::lock_guard<std::mutex> lock(pEvent->mutex);
+    pEvent->bSignalled = false;
+}
+
+void WaitLockEvent(HANDLE hEvent) {
+    SKWLockEvent* pEvent = AsEvent(hEvent);
+    std::unique_lock<std::mutex> lock(pEvent->mutex);
+    pEvent->signalled.wait(lock, [pEvent] { return pEvent->bSignalled; });
+    if (!pEvent->bManualReset)
+        pEvent->bSignalled = false;
+}
+
+void CloseLockEvent(HANDLE hEvent) {
+    delete AsEvent(hEvent);
+}
+
+#endif
+
+}  // namespace
+
+CReaderWriterLockNonReentrance::CReaderWriterLockNonReentrance()
+    : m_hWriterEvent(nullptr),
+      m_hReaderEvent(nullptr),
+      m_uWriters(0),
+      m_uReaders(0),
+      m_uWaitingReaders(0) {
+#if defined(_WIN32)
+    ::InitializeCriticalSection(&m_csGuard);
+#endif
+}
+
+CReaderWriterLockNonReentrance::CReaderWriterLockNonReentrance(
+    const CReaderWriterLockNonReentrance& other)
+    : CReaderWriterLockNonReentrance() {
+    CopyCounters(other);
+}
+
+CReaderWriterLockNonReentrance& CReaderWriterLockNonReentrance::operator=(
+    const CReaderWriterLockNonReentrance& other) {
+    if (this != &other) {
+        EnterGuard();
+        CloseEvents();
+        CopyCounters(other);
+        LeaveGuard();
+    }
+    return *this;
+}
+
+CReaderWriterLockNonReentrance::~CReaderWriterLockNonReentrance() {
+    CloseEvents();
+#if defined(_WIN32)
+    ::DeleteCriticalSection(&m_csGuard);
+#endif
+}
+
+void CReaderWriterLockNonReentrance::CopyCounters(const CReaderWriterLockNonReentrance& other) {
+    other.EnterGuard();
+    m_uWriters = other.m_uWriters;
+    m_uReaders = other.m_uReaders;
+    // Waiting readers belong to the other lock's event; none wait on this one.
+    m_uWaitingReaders = 0;
+    other.LeaveGuard();
+}
+
+void CReaderWriterLockNonReentrance::CloseEvents() {
+    if (m_hWriterEvent)
+        CloseLockEvent(m_hWriterEvent);
+    if (m_hReaderEvent)
+        CloseLockEvent(m_hReaderEvent);
+    m_hWriterEvent = nullptr;
+    m_hReaderEvent = nullptr;
+}
+
+void CReaderWriterLockNonReentrance::EnterGuard() const {
+#if defined(_WIN32)
+    ::EnterCriticalSection(&m_csGuard);
+#else
+    m_csGuard.lock();
+#endif
+}
+
+void CReaderWriterLockNonReentrance::LeaveGuard() const {
+#if defined(_WIN32)
+    ::LeaveCriticalSection(&m_csGuard);
+#else
+    m_csGuard.unlock();
+#endif
+}
+
+void CReaderWriterLockNonReentrance::WaitForEvent(HANDLE hEvent) {
+    WaitLockEvent(hEvent);
+}
+
+void CReaderWriterLockNonReentrance::SignalEvent(HANDLE hEvent) {
+    if (hEvent)
+        SetLockEvent(hEvent);
+}
+
+void CReaderWriterLockNonReentrance::AcquireReaderLock() {
+    EnterGuard();
+    _AcquireReaderLock();
+    LeaveGuard();
+}
+
+void CReaderWriterLockNonReentrance::ReleaseReaderLock() {
+    EnterGuard();
+    _ReleaseReaderLock();
+    LeaveGuard();
+}
+
+void CReaderWriterLockNonReentrance::AcquireWriterLock() {
+    EnterGuard();
+    _AcquireWriterLock();
+}
+
+void CReaderWriterLockNonReentrance::ReleaseWriterLock() {
+    EnterGuard();
+    _ReleaseWriterLock();
+    LeaveGuard();
+}
+
+void CReaderWriterLockNonReentrance::_AcquireReaderLock() {
+    if (m_uWriters != 0) {
+        if (!m_hReaderEvent)
+            m_hReaderEvent = CreateLockEvent(true);
+        ++m_uWaitingReaders;
+        // The event is manual-reset: every wake-up re-checks the writers.
+        do {
+            HANDLE hEvent = m_hReaderEvent;
+            LeaveGuard();
+            WaitForEvent(hEvent);
+            EnterGuard();
+        } while (m_uWriters != 0);
+        if (--m_uWaitingReaders == 0) {
+            CloseLockEvent(m_hReaderEvent);
+            m_hReaderEvent = nullptr;
+        }
+    }
+    ++m_uReaders;
+}
+
+void CReaderWriterLockNonReentrance::_ReleaseReaderLock() {
+    assert(m_uReaders != 0 && "read lock released but not held");
+    if (m_uReaders == 0)
+        return;
+    if (--m_uReaders == 0)
+        SignalEvent(m_hWriterEvent);
+}
+
+void CReaderWriterLockNonReentrance::EnsureWriterEvent() {
+    if (!m_hWriterEvent)
+        m_hWriterEvent = CreateLockEvent(false);
+}
+
+void CReaderWriterLockNonReentrance::_AcquireWriterLock() {
+    const unsigned uBusy = m_uReaders + m_uWriters;
+    if (uBusy != 0)
+        EnsureWriterEvent();
+    if (++m_uWriters == 1 && m_hReaderEvent)
+        ResetLockEvent(m_hReaderEvent);
+    HANDLE hEvent = m_hWriterEvent;
+    LeaveGuard();
+    if (uBusy != 0)
+        WaitForEvent(hEvent);
+}
+
+void CReaderWriterLockNonReentrance::_UpgradeToWriterLock() {
+    --m_uReaders;
+    const bool bReadersLeft = m_uReaders != 0;
+    if (bReadersLeft)
+        EnsureWriterEvent();
+    if (++m_uWriters == 1 && m_hReaderEvent)
+        ResetLockEvent(m_hReaderEvent);
+    HANDLE hEvent = m_hWriterEvent;
+    LeaveGuard();
+    if (bReadersLeft)
+        WaitForEvent(hEvent);
+}
+
+void CReaderWriterLockNonReentrance::CloseWriterEventAndWakeReaders() {
+    if (m_hWriterEvent)
+        CloseLockEvent(m_hWriterEvent);
+    m_hWriterEvent = nullptr;
+    SignalEvent(m_hReaderEvent);
+}
+
+void CReaderWriterLockNonReentrance::_ReleaseWriterLock() {
+    assert(m_uWriters != 0 && "write lock released but not held");
+    if (m_uWriters == 0)
+        return;
+    if (--m_uWriters != 0)
+        SignalEvent(m_hWriterEvent);
+    else
+        CloseWriterEventAndWakeReaders();
+}
+
+void CReaderWriterLockNonReentrance::_DowngradeToReaderLock() {
+    ++m_uReaders;
+    if (--m_uWriters == 0)
+        CloseWriterEventAndWakeReaders();
+}
