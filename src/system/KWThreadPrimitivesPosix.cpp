@@ -76,6 +76,18 @@ private:
     SShared* m_pShared;
 };
 
+// Keeps a record alive for a scope, also when a cancelled thread unwinds.
+class CReference {
+public:
+    explicit CReference(SShared* pShared) : m_pShared(pShared) { pShared->Retain(); }
+    ~CReference() { m_pShared->Release(); }
+    CReference(const CReference&) = delete;
+    CReference& operator=(const CReference&) = delete;
+
+private:
+    SShared* m_pShared;
+};
+
 struct SEvent : SShared {
     bool signalled = false;
 };
@@ -240,17 +252,12 @@ DWORD WaitForEvent(HANDLE hEvent, DWORD milliseconds) {
         return WAIT_FAILED;
     }
     SEvent* pEvent = AsEvent(hEvent);
-    pEvent->Retain();
-    DWORD result = WAIT_TIMEOUT;
-    {
-        CHeld held(pEvent);
-        if (WaitUntil(pEvent, milliseconds, [pEvent] { return pEvent->signalled; })) {
-            pEvent->signalled = false;
-            result = WAIT_OBJECT_0;
-        }
-    }
-    pEvent->Release();
-    return result;
+    CReference reference(pEvent);
+    CHeld held(pEvent);
+    if (!WaitUntil(pEvent, milliseconds, [pEvent] { return pEvent->signalled; }))
+        return WAIT_TIMEOUT;
+    pEvent->signalled = false;
+    return WAIT_OBJECT_0;
 }
 
 void CloseEvent(HANDLE hEvent) {
