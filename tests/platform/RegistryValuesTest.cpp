@@ -21,7 +21,11 @@ std::string EveryByteValue() {
 TEST_F(RegistryTest, ValuesKeepTheirTypeAndExactBytes) {
     const std::string binary = EveryByteValue();
     ASSERT_EQ(SetBytes(Base(), "Binary", REG_BINARY, binary), ERROR_SUCCESS);
-    ASSERT_EQ(SetBytes(Base(), "Unterminated", REG_SZ, "abc"), ERROR_SUCCESS);
+    // Windows counts a terminator the size left out when the byte after the
+    // data happens to be zero; here the next byte is not.
+    ASSERT_EQ(
+        RegSetValueExA(Base(), "Unterminated", 0, REG_SZ, reinterpret_cast<const BYTE*>("abcX"), 3),
+        ERROR_SUCCESS);
     ASSERT_EQ(SetString(Base(), "Terminated", "abc"), ERROR_SUCCESS);
     ASSERT_EQ(SetBytes(Base(), "ShortDword", REG_DWORD, std::string("\x01\x02", 2)), ERROR_SUCCESS);
     ASSERT_EQ(SetBytes(Base(), "List", REG_MULTI_SZ, std::string("a\0bc\0\0\0", 7)), ERROR_SUCCESS);
@@ -120,14 +124,21 @@ TEST_F(RegistryTest, DeletingAMissingValueSaysSo) {
 
 TEST_F(RegistryTest, SubKeysEnumerateInCaseInsensitiveAlphabeticalOrder) {
     CKeyHandle key;
-    for (const char* name : {"zeta", "_under", "Beta", "alpha", "beta2", "Alpha1", "[bracket"}) {
+    for (const char* name : {"zeta", "Beta", "alpha", "beta2", "Alpha1"}) {
         ASSERT_EQ(CreateKey(Base(), name, key), ERROR_SUCCESS);
     }
-    // Compared in upper case: '[' and '_' come after the letters.
+    EXPECT_EQ(SubKeyNames(Base()), (Names{"alpha", "Alpha1", "Beta", "beta2", "zeta"}));
+#if !defined(_WIN32)  // Wine compares in lower case, Windows and the store in upper case
+    for (const char* name : {"_under", "[bracket"}) {
+        ASSERT_EQ(CreateKey(Base(), name, key), ERROR_SUCCESS);
+    }
+    // '[' and '_' lie between the upper- and the lower-case letters.
     EXPECT_EQ(SubKeyNames(Base()),
               (Names{"alpha", "Alpha1", "Beta", "beta2", "zeta", "[bracket", "_under"}));
+#endif
 }
 
+#if !defined(_WIN32)  // Wine enumerates values by name, Windows and the store in creation order
 TEST_F(RegistryTest, ValuesEnumerateInCreationOrderAndKeepTheirPlaceWhenSetAgain) {
     for (const char* name : {"zulu", "Alpha", "mike"}) {
         ASSERT_EQ(SetDword(Base(), name, 1), ERROR_SUCCESS);
@@ -138,6 +149,7 @@ TEST_F(RegistryTest, ValuesEnumerateInCreationOrderAndKeepTheirPlaceWhenSetAgain
     ASSERT_EQ(SetDword(Base(), "Zulu", 2), ERROR_SUCCESS);
     EXPECT_EQ(ValueNames(Base()), (Names{"Alpha", "mike", "Zulu"}));
 }
+#endif
 
 TEST_F(RegistryTest, EnumerationEndsWithNoMoreItemsAndAsksForRoomForNamesAndData) {
     CKeyHandle key;
@@ -238,8 +250,7 @@ TEST_F(RegistryTest, KeyInformationSizesTheBuffersAnEnumerationNeeds) {
               ERROR_SUCCESS);
     EXPECT_STREQ(className, "");
     EXPECT_EQ(classLength + maxClass, 0u);
-    DWORD reserved = 0;
-    EXPECT_EQ(RegQueryInfoKeyA(Base(), nullptr, nullptr, &reserved, nullptr, nullptr, nullptr,
+    EXPECT_EQ(RegQueryInfoKeyA(Base(), className, nullptr, nullptr, nullptr, nullptr, nullptr,
                                nullptr, nullptr, nullptr, nullptr, nullptr),
               ERROR_INVALID_PARAMETER);
 }

@@ -109,25 +109,33 @@ LSTATUS CKWRegistryDatabase::Status(int sqliteResult) {
     }
 }
 
+CKWRegistryDatabase::~CKWRegistryDatabase() {
+    // A forked child's copy belongs to the parent (see CKWSqliteConnection).
+    if (m_owner != getpid()) {
+        m_connection.Abandon();
+    }
+}
+
 LSTATUS CKWRegistryDatabase::Read(const std::function<LSTATUS()>& work) {
-    return Transact("BEGIN", work);
+    return Transact(false, work);
 }
 
 LSTATUS CKWRegistryDatabase::Write(const std::function<LSTATUS()>& work) {
-    return Transact("BEGIN IMMEDIATE", work);
+    return Transact(true, work);
 }
 
-LSTATUS CKWRegistryDatabase::Transact(const char* begin, const std::function<LSTATUS()>& work) {
+LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS()>& work) {
     std::lock_guard<std::mutex> lock(m_mutex);
     const LSTATUS connected = Connect();
     if (connected != ERROR_SUCCESS) {
         return connected;
     }
-    const int begun = m_connection.Execute(begin);
+    // Taking the write lock first: a read lock that later asks for the
+    // write lock cannot wait for it and fails at once.
+    const int begun = m_connection.Execute(isWrite ? "BEGIN IMMEDIATE" : "BEGIN");
     if (begun != SQLITE_OK) {
         return Status(begun);
     }
-    const bool isWrite = begin[5] != '\0';
     LSTATUS status = work();
     if (isWrite && status != ERROR_SUCCESS) {
         m_connection.Execute("ROLLBACK");

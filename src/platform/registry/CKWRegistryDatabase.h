@@ -23,6 +23,7 @@
 class CKWRegistryDatabase {
 public:
     explicit CKWRegistryDatabase(std::string path) : m_path(std::move(path)) {}
+    ~CKWRegistryDatabase();
     CKWRegistryDatabase(const CKWRegistryDatabase&) = delete;
     CKWRegistryDatabase& operator=(const CKWRegistryDatabase&) = delete;
 
@@ -53,7 +54,7 @@ public:
     static constexpr int kBusyTimeoutMs = 5000;
 
 private:
-    LSTATUS Transact(const char* begin, const std::function<LSTATUS()>& work);
+    LSTATUS Transact(bool isWrite, const std::function<LSTATUS()>& work);
     LSTATUS Connect();
     LSTATUS CheckOrCreateSchema();
     LSTATUS CreateSchemaIfEmpty();
