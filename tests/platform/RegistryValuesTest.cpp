@@ -1,5 +1,10 @@
 #include "RegistryTestKeys.h"
 
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
+
 #include <cstring>
 #include <string>
 #include <vector>
@@ -197,6 +202,57 @@ TEST_F(RegistryTest, EnumerationEndsWithNoMoreItemsAndAsksForRoomForNamesAndData
               ERROR_NO_MORE_ITEMS);
     EXPECT_EQ(RegEnumValueA(Base(), 0, nullptr, &length, nullptr, nullptr, nullptr, nullptr),
               ERROR_INVALID_PARAMETER);
+}
+
+std::string SubKeyAt(HKEY key, DWORD index) {
+    char name[256];
+    DWORD length = sizeof name;
+    return RegEnumKeyExA(key, index, name, &length, nullptr, nullptr, nullptr, nullptr) ==
+                   ERROR_SUCCESS
+               ? std::string(name, length)
+               : std::string();
+}
+
+std::string ValueAt(HKEY key, DWORD index) {
+    char name[256];
+    DWORD length = sizeof name;
+    return RegEnumValueA(key, index, name, &length, nullptr, nullptr, nullptr, nullptr) ==
+                   ERROR_SUCCESS
+               ? std::string(name, length)
+               : std::string();
+}
+
+TEST_F(RegistryTest, AnEnumerationGoingOnAfterAChangeSeesTheKeyAsItIsNow) {
+    CKeyHandle key;
+    for (const char* name : {"b", "d", "f", "h"}) {
+        ASSERT_EQ(CreateKey(Base(), name, key), ERROR_SUCCESS);
+        ASSERT_EQ(SetDword(Base(), name, 1), ERROR_SUCCESS);
+    }
+    EXPECT_EQ(SubKeyAt(Base(), 0), "b");
+    EXPECT_EQ(SubKeyAt(Base(), 1), "d");
+    ASSERT_EQ(CreateKey(Base(), "a", key), ERROR_SUCCESS);
+    EXPECT_EQ(SubKeyAt(Base(), 2), "d");
+    EXPECT_EQ(SubKeyAt(Base(), 3), "f");
+    ASSERT_EQ(RegDeleteKeyA(Base(), "b"), ERROR_SUCCESS);
+    EXPECT_EQ(SubKeyAt(Base(), 4), "");
+
+    EXPECT_EQ(ValueAt(Base(), 0), "b");
+    EXPECT_EQ(ValueAt(Base(), 1), "d");
+    ASSERT_EQ(RegDeleteValueA(Base(), "b"), ERROR_SUCCESS);
+    EXPECT_EQ(ValueAt(Base(), 2), "h");
+#if !defined(_WIN32)
+    // A change by another process counts as well.
+    EXPECT_EQ(ValueAt(Base(), 0), "d");
+    EXPECT_EQ(ValueAt(Base(), 1), "f");
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(RegDeleteValueA(Base(), "d") == ERROR_SUCCESS ? 0 : 1);
+    }
+    int status = 1;
+    waitpid(child, &status, 0);
+    ASSERT_EQ(status, 0);
+    EXPECT_EQ(ValueAt(Base(), 2), "");
+#endif
 }
 
 // ------------------------------------------------------------ key information

@@ -58,6 +58,13 @@ constexpr const char* kDeleteStaleKeys =
     " UNION SELECT keys.id FROM keys JOIN doomed ON keys.parent = doomed.id)"
     " DELETE FROM keys WHERE id IN doomed";
 
+constexpr const char* kBeginRead = "BEGIN";
+// Taking the write lock first: a read lock that later asks for the write
+// lock cannot wait for it and fails at once.
+constexpr const char* kBeginWrite = "BEGIN IMMEDIATE";
+constexpr const char* kCommit = "COMMIT";
+constexpr const char* kRollback = "ROLLBACK";
+
 // Creates the folders above the store's file, private to the user as
 // configuration folders are.
 bool CreateParentFolders(const std::string& file) {
@@ -130,20 +137,18 @@ LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS(
     if (connected != ERROR_SUCCESS) {
         return connected;
     }
-    // Taking the write lock first: a read lock that later asks for the
-    // write lock cannot wait for it and fails at once.
-    const int begun = m_connection.Execute(isWrite ? "BEGIN IMMEDIATE" : "BEGIN");
+    const int begun = CKWSqlQuery(m_connection, isWrite ? kBeginWrite : kBeginRead).Run();
     if (begun != SQLITE_OK) {
         return Status(begun);
     }
     LSTATUS status = work();
     if (isWrite && status != ERROR_SUCCESS) {
-        m_connection.Execute("ROLLBACK");
+        CKWSqlQuery(m_connection, kRollback).Run();
         return status;
     }
-    const int committed = m_connection.Execute("COMMIT");
+    const int committed = CKWSqlQuery(m_connection, kCommit).Run();
     if (committed != SQLITE_OK) {
-        m_connection.Execute("ROLLBACK");
+        CKWSqlQuery(m_connection, kRollback).Run();
         if (status == ERROR_SUCCESS) {
             status = Status(committed);
         }
@@ -219,14 +224,14 @@ LSTATUS CKWRegistryDatabase::CheckOrCreateSchema() {
 // Under the write lock, so two processes creating the store at once create
 // it once; a database that already holds anything is left alone.
 LSTATUS CKWRegistryDatabase::CreateSchemaIfEmpty() {
-    int result = m_connection.Execute("BEGIN IMMEDIATE");
+    int result = m_connection.Execute(kBeginWrite);
     if (result != SQLITE_OK) {
         return Status(result);
     }
     std::int64_t objects = 0;
     LSTATUS status = ReadInteger(kCountSchemaObjects, objects);
     if (status != ERROR_SUCCESS || objects != 0) {
-        m_connection.Execute("ROLLBACK");
+        m_connection.Execute(kRollback);
         return status;
     }
     result = m_connection.Execute(kCreateSchema);
@@ -245,10 +250,10 @@ LSTATUS CKWRegistryDatabase::CreateSchemaIfEmpty() {
         result = insert.Run();
     }
     if (result == SQLITE_OK) {
-        result = m_connection.Execute("COMMIT");
+        result = m_connection.Execute(kCommit);
     }
     if (result != SQLITE_OK) {
-        m_connection.Execute("ROLLBACK");
+        m_connection.Execute(kRollback);
     }
     return Status(result);
 }
@@ -263,7 +268,7 @@ LSTATUS CKWRegistryDatabase::RemoveStaleVolatileKeys() {
             return Status(found);
         }
     }
-    int result = m_connection.Execute("BEGIN IMMEDIATE");
+    int result = m_connection.Execute(kBeginWrite);
     for (const char* sql : {kDeleteStaleValues, kDeleteStaleKeys}) {
         if (result != SQLITE_OK) {
             break;
@@ -273,10 +278,10 @@ LSTATUS CKWRegistryDatabase::RemoveStaleVolatileKeys() {
         result = remove.Run();
     }
     if (result == SQLITE_OK) {
-        result = m_connection.Execute("COMMIT");
+        result = m_connection.Execute(kCommit);
     }
     if (result != SQLITE_OK) {
-        m_connection.Execute("ROLLBACK");
+        m_connection.Execute(kRollback);
     }
     return Status(result);
 }

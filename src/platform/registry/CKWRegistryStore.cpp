@@ -26,11 +26,16 @@ constexpr const char* kSelectKeyInfo =
     " (SELECT ifnull(max(length(data)), 0) FROM vals WHERE key = ?1),"
     " written FROM keys WHERE id = ?1";
 constexpr const char* kSelectSubKeyAt =
-    "SELECT name, written FROM keys WHERE parent = ?1 ORDER BY fold LIMIT 1 OFFSET ?2";
+    "SELECT name, written, fold FROM keys WHERE parent = ?1 ORDER BY fold LIMIT 1 OFFSET ?2";
+constexpr const char* kSelectSubKeyAfter =
+    "SELECT name, written, fold FROM keys WHERE parent = ?1 AND fold > ?2 ORDER BY fold LIMIT 1";
 constexpr const char* kSelectValue =
     "SELECT name, type, data FROM vals WHERE key = ?1 AND fold = ?2";
 constexpr const char* kSelectValueAt =
-    "SELECT name, type, data FROM vals WHERE key = ?1 ORDER BY rowid LIMIT 1 OFFSET ?2";
+    "SELECT name, type, data, rowid FROM vals WHERE key = ?1 ORDER BY rowid LIMIT 1 OFFSET ?2";
+constexpr const char* kSelectValueAfter =
+    "SELECT name, type, data, rowid FROM vals WHERE key = ?1 AND rowid > ?2 ORDER BY rowid"
+    " LIMIT 1";
 // Setting a value again keeps its row, so its name's case and its place.
 constexpr const char* kUpsertValue =
     "INSERT INTO vals(key, name, fold, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
@@ -54,6 +59,10 @@ void ReadValueRow(const CKWSqlQuery& query, SKWRegistryValue& value) {
     value.type = static_cast<DWORD>(query.Integer(1));
     value.data = query.Bytes(2);
 }
+
+// Enumerations of this many keys at once keep their place; more are rare
+// (an export walks one key per level of the tree).
+constexpr std::size_t kMaxCursors = 64;
 
 }  // namespace
 
@@ -170,9 +179,14 @@ LSTATUS CKWRegistryStore::GetKeyInfo(KWRegistryKeyId key, SKWRegistryKeyInfo& in
 
 LSTATUS CKWRegistryStore::GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::string& name,
                                       ULONGLONG& lastWriteTime) {
-    CKWSqlQuery query(m_database.Connection(), kSelectSubKeyAt);
+    const SKWEnumCursor* before = CursorBefore(m_subKeyCursors, key, index);
+    CKWSqlQuery query(m_database.Connection(), before ? kSelectSubKeyAfter : kSelectSubKeyAt);
     query.Bind(1, key);
-    query.Bind(2, index);
+    if (before != nullptr) {
+        query.BindText(2, before->fold);
+    } else {
+        query.Bind(2, index);
+    }
     const int result = query.Step();
     if (result == SQLITE_DONE) {
         return ERROR_NO_MORE_ITEMS;
@@ -182,6 +196,10 @@ LSTATUS CKWRegistryStore::GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::str
     }
     name = query.Bytes(0);
     lastWriteTime = static_cast<ULONGLONG>(query.Integer(1));
+    SKWEnumCursor cursor;
+    cursor.index = index;
+    cursor.fold = query.Bytes(2);
+    KeepCursor(m_subKeyCursors, key, cursor);
     return ERROR_SUCCESS;
 }
 
@@ -203,9 +221,10 @@ LSTATUS CKWRegistryStore::GetValue(KWRegistryKeyId key, std::string_view name,
 }
 
 LSTATUS CKWRegistryStore::GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegistryValue& value) {
-    CKWSqlQuery query(m_database.Connection(), kSelectValueAt);
+    const SKWEnumCursor* before = CursorBefore(m_valueCursors, key, index);
+    CKWSqlQuery query(m_database.Connection(), before ? kSelectValueAfter : kSelectValueAt);
     query.Bind(1, key);
-    query.Bind(2, index);
+    query.Bind(2, before != nullptr ? before->row : index);
     const int result = query.Step();
     if (result == SQLITE_DONE) {
         return ERROR_NO_MORE_ITEMS;
@@ -214,6 +233,10 @@ LSTATUS CKWRegistryStore::GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegist
         return Status(result);
     }
     ReadValueRow(query, value);
+    SKWEnumCursor cursor;
+    cursor.index = index;
+    cursor.row = query.Integer(3);
+    KeepCursor(m_valueCursors, key, cursor);
     return ERROR_SUCCESS;
 }
 
@@ -248,4 +271,26 @@ LSTATUS CKWRegistryStore::Touch(KWRegistryKeyId key) {
     touch.Bind(1, key);
     touch.Bind(2, FileTimeNow());
     return Status(touch.Run());
+}
+
+const CKWRegistryStore::SKWEnumCursor* CKWRegistryStore::CursorBefore(CursorMap& cursors,
+                                                                      KWRegistryKeyId key,
+                                                                      DWORD index) {
+    const unsigned version = m_database.Connection().DataVersion();
+    if (version != m_cursorsVersion) {
+        m_subKeyCursors.clear();
+        m_valueCursors.clear();
+        m_cursorsVersion = version;
+    }
+    const auto found = cursors.find(key);
+    return found != cursors.end() && index > 0 && found->second.index == index - 1 ? &found->second
+                                                                                   : nullptr;
+}
+
+void CKWRegistryStore::KeepCursor(CursorMap& cursors, KWRegistryKeyId key,
+                                  const SKWEnumCursor& cursor) {
+    if (cursors.size() >= kMaxCursors && cursors.count(key) == 0) {
+        cursors.clear();
+    }
+    cursors[key] = cursor;
 }

@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 typedef std::int64_t KWRegistryKeyId;
 
@@ -66,8 +67,24 @@ public:
     LSTATUS DeleteValue(KWRegistryKeyId key, std::string_view name);
 
 private:
+    // Where the last enumeration of a key stopped: the next index continues
+    // from there instead of counting from the first row again, as long as
+    // the database has not changed since.
+    struct SKWEnumCursor {
+        DWORD index = 0;
+        std::string fold;      // of the sub-key at index
+        std::int64_t row = 0;  // of the value at index
+    };
+    typedef std::unordered_map<KWRegistryKeyId, SKWEnumCursor> CursorMap;
+
     // Marks the key as changed now.
     LSTATUS Touch(KWRegistryKeyId key);
+    // The cursor of key that stands just before index, or null.
+    const SKWEnumCursor* CursorBefore(CursorMap& cursors, KWRegistryKeyId key, DWORD index);
+    void KeepCursor(CursorMap& cursors, KWRegistryKeyId key, const SKWEnumCursor& cursor);
 
     CKWRegistryDatabase m_database;
+    CursorMap m_subKeyCursors;
+    CursorMap m_valueCursors;
+    unsigned m_cursorsVersion = 0;
 };

@@ -85,3 +85,11 @@ int CKWSqliteConnection::Checkpoint() {
     }
     return sqlite3_wal_checkpoint_v2(m_db, nullptr, SQLITE_CHECKPOINT_FULL, nullptr, nullptr);
 }
+
+unsigned CKWSqliteConnection::DataVersion() const {
+    unsigned version = 0;
+    if (m_db != nullptr) {
+        sqlite3_file_control(m_db, "main", SQLITE_FCNTL_DATA_VERSION, &version);
+    }
+    return version;
+}

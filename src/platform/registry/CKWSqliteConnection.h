@@ -44,6 +44,9 @@ public:
     std::int64_t LastInsertId() const {
         return m_db != nullptr ? sqlite3_last_insert_rowid(m_db) : 0;
     }
+    // A number that changes whenever the database changes, through this
+    // connection or another; read it inside a transaction.
+    unsigned DataVersion() const;
     // Copies the write-ahead log into the database file and syncs it.
     int Checkpoint();
 
