@@ -60,9 +60,6 @@ public:
     }
 
     std::int64_t Integer(int column) const { return sqlite3_column_int64(m_statement, column); }
-    bool IsNull(int column) const {
-        return sqlite3_column_type(m_statement, column) == SQLITE_NULL;
-    }
     // A text or blob column's bytes.
     std::string Bytes(int column) const {
         const void* data = sqlite3_column_blob(m_statement, column);
