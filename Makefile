@@ -16,23 +16,25 @@ BUILD_PACKAGES := cmake ninja-build
 XML_PACKAGES := libxerces-c-dev
 # clang with its sanitizer and libFuzzer runtimes (ASan, UBSan, LeakSanitizer).
 CLANG_PACKAGES := clang libclang-rt-14-dev
+# Every Linux build of the library: SQLite holds the registry store.
+LIBRARY_PACKAGES := libsqlite3-dev
 
 # The demo: the kwcore tool and the measuring-tool example, built with g++.
-DEMO_PACKAGES := $(BUILD_PACKAGES) g++ $(XML_PACKAGES)
+DEMO_PACKAGES := $(BUILD_PACKAGES) g++ $(LIBRARY_PACKAGES) $(XML_PACKAGES)
 # The tests: g++ (dev, tsan) and clang (sanitize, fuzz); GoogleTest and
 # GoogleMock; pkg-config for the installed-package test; Eigen as the oracle of
 # the matrix decomposition tests.
-TEST_PACKAGES := $(BUILD_PACKAGES) g++ $(CLANG_PACKAGES) $(XML_PACKAGES) \
+TEST_PACKAGES := $(BUILD_PACKAGES) g++ $(CLANG_PACKAGES) $(LIBRARY_PACKAGES) $(XML_PACKAGES) \
 	libgtest-dev libgmock-dev pkg-config libeigen3-dev
-FUZZ_PACKAGES := $(BUILD_PACKAGES) $(CLANG_PACKAGES) $(XML_PACKAGES)
+FUZZ_PACKAGES := $(BUILD_PACKAGES) $(CLANG_PACKAGES) $(LIBRARY_PACKAGES) $(XML_PACKAGES)
 # The coverage run: the tests built with clang, and llvm-profdata and llvm-cov
 # to read what they counted.
-COVERAGE_PACKAGES := $(BUILD_PACKAGES) clang llvm $(XML_PACKAGES) \
+COVERAGE_PACKAGES := $(BUILD_PACKAGES) clang llvm $(LIBRARY_PACKAGES) $(XML_PACKAGES) \
 	libgtest-dev libgmock-dev libeigen3-dev
 # The benchmarks and the peers they measure against: libuuid (GUIDs),
 # Boost.Serialization (XML archive), Boost.Signals2 (observers), Boost.Graph
 # (graph walks), CGAL (triangulations) and Eigen (matrices and quaternions).
-BENCH_PACKAGES := $(BUILD_PACKAGES) g++ $(XML_PACKAGES) libbenchmark-dev \
+BENCH_PACKAGES := $(BUILD_PACKAGES) g++ $(LIBRARY_PACKAGES) $(XML_PACKAGES) libbenchmark-dev \
 	uuid-dev libboost-serialization-dev libboost-dev libboost-graph-dev libcgal-dev libeigen3-dev
 # The Windows build: MinGW-w64, GoogleTest built from Debian's sources, and
 # the 64-bit Wine that runs the tests.

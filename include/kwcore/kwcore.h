@@ -18,6 +18,7 @@
 #include "kwcore/platform/CWnd.h"
 #include "kwcore/platform/CollectionFallback.h"
 #include "kwcore/platform/Export.h"
+#include "kwcore/platform/Registry.h"
 #include "kwcore/platform/Rpc.h"
 #include "kwcore/platform/Win32Types.h"
 

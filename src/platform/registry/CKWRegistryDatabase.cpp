@@ -1,0 +1,300 @@
+#include "CKWRegistryDatabase.h"
+
+#include "CKWSqlQuery.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+// "KWRG": marks a database as a registry store, so no other SQLite file is
+// ever taken for one and changed.
+constexpr std::int64_t kApplicationId = 0x4B575247;
+constexpr std::int64_t kFormatVersion = 1;
+
+struct SKWRoot {
+    HKEY handle;
+    std::int64_t id;
+    const char* name;
+};
+
+const SKWRoot kRoots[] = {
+    {HKEY_CLASSES_ROOT, 1, "HKEY_CLASSES_ROOT"},     {HKEY_CURRENT_USER, 2, "HKEY_CURRENT_USER"},
+    {HKEY_LOCAL_MACHINE, 3, "HKEY_LOCAL_MACHINE"},   {HKEY_USERS, 4, "HKEY_USERS"},
+    {HKEY_CURRENT_CONFIG, 5, "HKEY_CURRENT_CONFIG"},
+};
+
+// Keys: each root has parent 0; a key's fold is its name in the folded form
+// (unique below its parent, and the order of enumeration); boot is the boot
+// a volatile key belongs to, NULL for a lasting one; written is a FILETIME.
+// Values: their rowid is their creation order, kept when one is set again.
+constexpr const char* kCreateSchema =
+    "CREATE TABLE keys(id INTEGER PRIMARY KEY AUTOINCREMENT, parent INTEGER NOT NULL,"
+    " name TEXT NOT NULL, fold TEXT NOT NULL, boot TEXT, written INTEGER NOT NULL,"
+    " UNIQUE(parent, fold));"
+    "CREATE INDEX volatile_keys ON keys(boot) WHERE boot IS NOT NULL;"
+    "CREATE TABLE vals(key INTEGER NOT NULL, name TEXT NOT NULL, fold TEXT NOT NULL,"
+    " type INTEGER NOT NULL, data BLOB NOT NULL, UNIQUE(key, fold));"
+    "CREATE INDEX vals_in_order ON vals(key);";
+// The current time as a FILETIME (julianday 2305813.5 is 1601-01-01).
+constexpr const char* kInsertRoot =
+    "INSERT INTO keys(id, parent, name, fold, written)"
+    " VALUES(?1, 0, ?2, ?2, CAST((julianday('now') - 2305813.5) * 864000000000 AS INTEGER))";
+constexpr const char* kCountSchemaObjects = "SELECT count(*) FROM sqlite_schema";
+constexpr const char* kFindStaleVolatileKey =
+    "SELECT 1 FROM keys WHERE boot IS NOT NULL AND boot <> ?1 LIMIT 1";
+// A stale key's sub-keys are volatile too, and normally of the same boot;
+// the walk also takes any of another boot, so nothing is left orphaned.
+constexpr const char* kDeleteStaleValues =
+    "WITH RECURSIVE doomed(id) AS (SELECT id FROM keys WHERE boot IS NOT NULL AND boot <> ?1"
+    " UNION SELECT keys.id FROM keys JOIN doomed ON keys.parent = doomed.id)"
+    " DELETE FROM vals WHERE key IN doomed";
+constexpr const char* kDeleteStaleKeys =
+    "WITH RECURSIVE doomed(id) AS (SELECT id FROM keys WHERE boot IS NOT NULL AND boot <> ?1"
+    " UNION SELECT keys.id FROM keys JOIN doomed ON keys.parent = doomed.id)"
+    " DELETE FROM keys WHERE id IN doomed";
+
+constexpr const char* kBeginRead = "BEGIN";
+// Taking the write lock first: a read lock that later asks for the write
+// lock cannot wait for it and fails at once.
+constexpr const char* kBeginWrite = "BEGIN IMMEDIATE";
+constexpr const char* kCommit = "COMMIT";
+constexpr const char* kRollback = "ROLLBACK";
+
+// Creates the folders above the store's file, private to the user as
+// configuration folders are.
+bool CreateParentFolders(const std::string& file) {
+    for (std::size_t slash = file.find('/', 1); slash != std::string::npos;
+         slash = file.find('/', slash + 1)) {
+        const std::string folder = file.substr(0, slash);
+        if (mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+std::int64_t CKWRegistryDatabase::RootKeyId(HKEY root) {
+    for (const SKWRoot& entry : kRoots) {
+        if (entry.handle == root) {
+            return entry.id;
+        }
+    }
+    return 0;
+}
+
+LSTATUS CKWRegistryDatabase::Status(int sqliteResult) {
+    switch (sqliteResult & 0xFF) {
+        case SQLITE_OK:
+        case SQLITE_ROW:
+        case SQLITE_DONE:
+            return ERROR_SUCCESS;
+        case SQLITE_BUSY:
+        case SQLITE_LOCKED:
+            return ERROR_LOCK_VIOLATION;
+        case SQLITE_NOMEM:
+            return ERROR_NOT_ENOUGH_MEMORY;
+        case SQLITE_READONLY:
+        case SQLITE_PERM:
+        case SQLITE_AUTH:
+            return ERROR_ACCESS_DENIED;
+        case SQLITE_TOOBIG:
+            return ERROR_INVALID_PARAMETER;
+        case SQLITE_IOERR:
+        case SQLITE_FULL:
+        case SQLITE_CANTOPEN:
+        case SQLITE_PROTOCOL:
+            return ERROR_REGISTRY_IO_FAILED;
+        default:
+            return ERROR_REGISTRY_CORRUPT;
+    }
+}
+
+CKWRegistryDatabase::~CKWRegistryDatabase() {
+    // A forked child's copy belongs to the parent (see CKWSqliteConnection).
+    if (m_owner != getpid()) {
+        m_connection.Abandon();
+    }
+}
+
+LSTATUS CKWRegistryDatabase::Read(const std::function<LSTATUS()>& work) {
+    return Transact(false, work);
+}
+
+LSTATUS CKWRegistryDatabase::Write(const std::function<LSTATUS()>& work) {
+    return Transact(true, work);
+}
+
+LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS()>& work) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const LSTATUS connected = Connect();
+    if (connected != ERROR_SUCCESS) {
+        return connected;
+    }
+    const int begun = CKWSqlQuery(m_connection, isWrite ? kBeginWrite : kBeginRead).Run();
+    if (begun != SQLITE_OK) {
+        return Status(begun);
+    }
+    LSTATUS status = work();
+    if (isWrite && status != ERROR_SUCCESS) {
+        CKWSqlQuery(m_connection, kRollback).Run();
+        return status;
+    }
+    const int committed = CKWSqlQuery(m_connection, kCommit).Run();
+    if (committed != SQLITE_OK) {
+        CKWSqlQuery(m_connection, kRollback).Run();
+        if (status == ERROR_SUCCESS) {
+            status = Status(committed);
+        }
+    }
+    return status;
+}
+
+LSTATUS CKWRegistryDatabase::Flush() {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    const LSTATUS connected = Connect();
+    return connected != ERROR_SUCCESS ? connected : Status(m_connection.Checkpoint());
+}
+
+LSTATUS CKWRegistryDatabase::Connect() {
+    if (m_connection.IsOpen() && m_owner == getpid()) {
+        return ERROR_SUCCESS;
+    }
+    m_connection.Abandon();
+    if (!CreateParentFolders(m_path)) {
+        return ERROR_REGISTRY_IO_FAILED;
+    }
+    const int opened = m_connection.Open(m_path, kBusyTimeoutMs);
+    if (opened != SQLITE_OK) {
+        m_connection.Close();
+        return Status(opened);
+    }
+    LSTATUS status = CheckOrCreateSchema();
+    if (status == ERROR_SUCCESS) {
+        // Safe against a killed process with NORMAL syncing in WAL mode; a
+        // power loss may lose the last writes, which RegFlushKey makes durable.
+        status =
+            Status(m_connection.Execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = NORMAL"));
+    }
+    if (status == ERROR_SUCCESS) {
+        status = RemoveStaleVolatileKeys();
+    }
+    if (status != ERROR_SUCCESS) {
+        m_connection.Close();
+        return status;
+    }
+    m_owner = getpid();
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryDatabase::ReadInteger(const char* sql, std::int64_t& value) {
+    return Status(m_connection.QueryInteger(sql, value));
+}
+
+LSTATUS CKWRegistryDatabase::CheckOrCreateSchema() {
+    std::int64_t applicationId = 0;
+    LSTATUS status = ReadInteger("PRAGMA application_id", applicationId);
+    if (status != ERROR_SUCCESS) {
+        return status;
+    }
+    if (applicationId == 0) {
+        status = CreateSchemaIfEmpty();
+        if (status != ERROR_SUCCESS) {
+            return status;
+        }
+        status = ReadInteger("PRAGMA application_id", applicationId);
+    }
+    std::int64_t version = 0;
+    if (status == ERROR_SUCCESS) {
+        status = ReadInteger("PRAGMA user_version", version);
+    }
+    if (status != ERROR_SUCCESS) {
+        return status;
+    }
+    return applicationId == kApplicationId && version == kFormatVersion ? ERROR_SUCCESS
+                                                                        : ERROR_REGISTRY_CORRUPT;
+}
+
+// Under the write lock, so two processes creating the store at once create
+// it once; a database that already holds anything is left alone.
+LSTATUS CKWRegistryDatabase::CreateSchemaIfEmpty() {
+    int result = m_connection.Execute(kBeginWrite);
+    if (result != SQLITE_OK) {
+        return Status(result);
+    }
+    std::int64_t objects = 0;
+    LSTATUS status = ReadInteger(kCountSchemaObjects, objects);
+    if (status != ERROR_SUCCESS || objects != 0) {
+        m_connection.Execute(kRollback);
+        return status;
+    }
+    result = m_connection.Execute(kCreateSchema);
+    if (result == SQLITE_OK) {
+        const std::string marks = "PRAGMA application_id = " + std::to_string(kApplicationId) +
+                                  "; PRAGMA user_version = " + std::to_string(kFormatVersion);
+        result = m_connection.Execute(marks.c_str());
+    }
+    for (const SKWRoot& root : kRoots) {
+        if (result != SQLITE_OK) {
+            break;
+        }
+        CKWSqlQuery insert(m_connection, kInsertRoot);
+        insert.Bind(1, root.id);
+        insert.BindText(2, root.name);
+        result = insert.Run();
+    }
+    if (result == SQLITE_OK) {
+        result = m_connection.Execute(kCommit);
+    }
+    if (result != SQLITE_OK) {
+        m_connection.Execute(kRollback);
+    }
+    return Status(result);
+}
+
+LSTATUS CKWRegistryDatabase::RemoveStaleVolatileKeys() {
+    const std::string& boot = BootId();
+    {
+        CKWSqlQuery find(m_connection, kFindStaleVolatileKey);
+        find.BindText(1, boot);
+        const int found = find.Step();
+        if (found != SQLITE_ROW) {
+            return Status(found);
+        }
+    }
+    int result = m_connection.Execute(kBeginWrite);
+    for (const char* sql : {kDeleteStaleValues, kDeleteStaleKeys}) {
+        if (result != SQLITE_OK) {
+            break;
+        }
+        CKWSqlQuery remove(m_connection, sql);
+        remove.BindText(1, boot);
+        result = remove.Run();
+    }
+    if (result == SQLITE_OK) {
+        result = m_connection.Execute(kCommit);
+    }
+    if (result != SQLITE_OK) {
+        m_connection.Execute(kRollback);
+    }
+    return Status(result);
+}
+
+// Without a boot ID (no /proc), volatile keys last like the others.
+const std::string& CKWRegistryDatabase::BootId() {
+    static const std::string bootId = [] {
+        std::ifstream in("/proc/sys/kernel/random/boot_id");
+        std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+        while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
+            text.pop_back();
+        }
+        return text.empty() ? std::string("unknown") : text;
+    }();
+    return bootId;
+}

@@ -1,0 +1,296 @@
+#include "CKWRegistryStore.h"
+
+#include "CKWSqlQuery.h"
+#include "KWRegistryNames.h"
+
+#include <chrono>
+
+namespace {
+
+constexpr const char* kSelectKey = "SELECT boot IS NOT NULL FROM keys WHERE id = ?1";
+constexpr const char* kSelectSubKey =
+    "SELECT id, boot IS NOT NULL FROM keys WHERE parent = ?1 AND fold = ?2";
+constexpr const char* kInsertKey =
+    "INSERT INTO keys(parent, name, fold, boot, written) VALUES(?1, ?2, ?3, ?4, ?5)";
+constexpr const char* kTouchKey = "UPDATE keys SET written = ?2 WHERE id = ?1";
+constexpr const char* kSelectParent = "SELECT parent FROM keys WHERE id = ?1";
+constexpr const char* kSelectAnySubKey = "SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1";
+constexpr const char* kDeleteValuesOfKey = "DELETE FROM vals WHERE key = ?1";
+constexpr const char* kDeleteKey = "DELETE FROM keys WHERE id = ?1";
+// Lengths of names in bytes (a TEXT's length() counts characters).
+constexpr const char* kSelectKeyInfo =
+    "SELECT (SELECT count(*) FROM keys WHERE parent = ?1),"
+    " (SELECT ifnull(max(length(CAST(name AS BLOB))), 0) FROM keys WHERE parent = ?1),"
+    " (SELECT count(*) FROM vals WHERE key = ?1),"
+    " (SELECT ifnull(max(length(CAST(name AS BLOB))), 0) FROM vals WHERE key = ?1),"
+    " (SELECT ifnull(max(length(data)), 0) FROM vals WHERE key = ?1),"
+    " written FROM keys WHERE id = ?1";
+constexpr const char* kSelectSubKeyAt =
+    "SELECT name, written, fold FROM keys WHERE parent = ?1 ORDER BY fold LIMIT 1 OFFSET ?2";
+constexpr const char* kSelectSubKeyAfter =
+    "SELECT name, written, fold FROM keys WHERE parent = ?1 AND fold > ?2 ORDER BY fold LIMIT 1";
+constexpr const char* kSelectValue =
+    "SELECT name, type, data FROM vals WHERE key = ?1 AND fold = ?2";
+constexpr const char* kSelectValueAt =
+    "SELECT name, type, data, rowid FROM vals WHERE key = ?1 ORDER BY rowid LIMIT 1 OFFSET ?2";
+constexpr const char* kSelectValueAfter =
+    "SELECT name, type, data, rowid FROM vals WHERE key = ?1 AND rowid > ?2 ORDER BY rowid"
+    " LIMIT 1";
+// Setting a value again keeps its row, so its name's case and its place.
+constexpr const char* kUpsertValue =
+    "INSERT INTO vals(key, name, fold, type, data) VALUES(?1, ?2, ?3, ?4, ?5)"
+    " ON CONFLICT(key, fold) DO UPDATE SET type = excluded.type, data = excluded.data";
+constexpr const char* kDeleteValue = "DELETE FROM vals WHERE key = ?1 AND fold = ?2";
+
+// Now as a FILETIME: 100-nanosecond ticks since 1601-01-01 UTC.
+std::int64_t FileTimeNow() {
+    constexpr std::int64_t kTicksFrom1601To1970 = 116444736000000000;
+    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+    return kTicksFrom1601To1970 +
+           std::chrono::duration_cast<std::chrono::nanoseconds>(sinceEpoch).count() / 100;
+}
+
+LSTATUS Status(int sqliteResult) {
+    return CKWRegistryDatabase::Status(sqliteResult);
+}
+
+void ReadValueRow(const CKWSqlQuery& query, SKWRegistryValue& value) {
+    value.name = query.Bytes(0);
+    value.type = static_cast<DWORD>(query.Integer(1));
+    value.data = query.Bytes(2);
+}
+
+// Enumerations of this many keys at once keep their place; more are rare
+// (an export walks one key per level of the tree).
+constexpr std::size_t kMaxCursors = 64;
+
+}  // namespace
+
+LSTATUS CKWRegistryStore::CheckKey(KWRegistryKeyId key, bool& isVolatile) {
+    CKWSqlQuery query(m_database.Connection(), kSelectKey);
+    query.Bind(1, key);
+    const int result = query.Step();
+    if (result == SQLITE_DONE) {
+        return ERROR_KEY_DELETED;
+    }
+    if (result != SQLITE_ROW) {
+        return Status(result);
+    }
+    isVolatile = query.Integer(0) != 0;
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::FindSubKey(KWRegistryKeyId parent, std::string_view name,
+                                     KWRegistryKeyId& child, bool& isVolatile) {
+    const std::string fold = kwRegistryNames::FoldName(name);
+    CKWSqlQuery query(m_database.Connection(), kSelectSubKey);
+    query.Bind(1, parent);
+    query.BindText(2, fold);
+    const int result = query.Step();
+    if (result == SQLITE_DONE) {
+        return ERROR_FILE_NOT_FOUND;
+    }
+    if (result != SQLITE_ROW) {
+        return Status(result);
+    }
+    child = query.Integer(0);
+    isVolatile = query.Integer(1) != 0;
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::AddSubKey(KWRegistryKeyId parent, std::string_view name, bool isVolatile,
+                                    KWRegistryKeyId& child) {
+    const std::string fold = kwRegistryNames::FoldName(name);
+    const std::int64_t now = FileTimeNow();
+    CKWSqlQuery insert(m_database.Connection(), kInsertKey);
+    insert.Bind(1, parent);
+    insert.BindText(2, name);
+    insert.BindText(3, fold);
+    if (isVolatile) {
+        insert.BindText(4, CKWRegistryDatabase::BootId());
+    }
+    insert.Bind(5, now);
+    const int result = insert.Run();
+    if (result != SQLITE_OK) {
+        return Status(result);
+    }
+    child = m_database.Connection().LastInsertId();
+    return Touch(parent);
+}
+
+LSTATUS CKWRegistryStore::DeleteKey(KWRegistryKeyId key) {
+    CKWSqliteConnection& connection = m_database.Connection();
+    KWRegistryKeyId parent = 0;
+    {
+        CKWSqlQuery selectParent(connection, kSelectParent);
+        selectParent.Bind(1, key);
+        const int result = selectParent.Step();
+        if (result == SQLITE_DONE) {
+            return ERROR_KEY_DELETED;
+        }
+        if (result != SQLITE_ROW) {
+            return Status(result);
+        }
+        parent = selectParent.Integer(0);
+    }
+    if (parent == 0) {
+        return ERROR_ACCESS_DENIED;  // a predefined root
+    }
+    {
+        CKWSqlQuery anySubKey(connection, kSelectAnySubKey);
+        anySubKey.Bind(1, key);
+        const int result = anySubKey.Step();
+        if (result == SQLITE_ROW) {
+            return ERROR_ACCESS_DENIED;
+        }
+        if (result != SQLITE_DONE) {
+            return Status(result);
+        }
+    }
+    for (const char* sql : {kDeleteValuesOfKey, kDeleteKey}) {
+        CKWSqlQuery remove(connection, sql);
+        remove.Bind(1, key);
+        const int result = remove.Run();
+        if (result != SQLITE_OK) {
+            return Status(result);
+        }
+    }
+    return Touch(parent);
+}
+
+LSTATUS CKWRegistryStore::GetKeyInfo(KWRegistryKeyId key, SKWRegistryKeyInfo& info) {
+    CKWSqlQuery query(m_database.Connection(), kSelectKeyInfo);
+    query.Bind(1, key);
+    const int result = query.Step();
+    if (result == SQLITE_DONE) {
+        return ERROR_KEY_DELETED;
+    }
+    if (result != SQLITE_ROW) {
+        return Status(result);
+    }
+    info.subKeys = static_cast<DWORD>(query.Integer(0));
+    info.maxSubKeyNameLength = static_cast<DWORD>(query.Integer(1));
+    info.values = static_cast<DWORD>(query.Integer(2));
+    info.maxValueNameLength = static_cast<DWORD>(query.Integer(3));
+    info.maxValueDataSize = static_cast<DWORD>(query.Integer(4));
+    info.lastWriteTime = static_cast<ULONGLONG>(query.Integer(5));
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::string& name,
+                                      ULONGLONG& lastWriteTime) {
+    const SKWEnumCursor* before = CursorBefore(m_subKeyCursors, key, index);
+    CKWSqlQuery query(m_database.Connection(), before ? kSelectSubKeyAfter : kSelectSubKeyAt);
+    query.Bind(1, key);
+    if (before != nullptr) {
+        query.BindText(2, before->fold);
+    } else {
+        query.Bind(2, index);
+    }
+    const int result = query.Step();
+    if (result == SQLITE_DONE) {
+        return ERROR_NO_MORE_ITEMS;
+    }
+    if (result != SQLITE_ROW) {
+        return Status(result);
+    }
+    name = query.Bytes(0);
+    lastWriteTime = static_cast<ULONGLONG>(query.Integer(1));
+    SKWEnumCursor cursor;
+    cursor.index = index;
+    cursor.fold = query.Bytes(2);
+    KeepCursor(m_subKeyCursors, key, cursor);
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::GetValue(KWRegistryKeyId key, std::string_view name,
+                                   SKWRegistryValue& value) {
+    const std::string fold = kwRegistryNames::FoldName(name);
+    CKWSqlQuery query(m_database.Connection(), kSelectValue);
+    query.Bind(1, key);
+    query.BindText(2, fold);
+    const int result = query.Step();
+    if (result == SQLITE_DONE) {
+        return ERROR_FILE_NOT_FOUND;
+    }
+    if (result != SQLITE_ROW) {
+        return Status(result);
+    }
+    ReadValueRow(query, value);
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegistryValue& value) {
+    const SKWEnumCursor* before = CursorBefore(m_valueCursors, key, index);
+    CKWSqlQuery query(m_database.Connection(), before ? kSelectValueAfter : kSelectValueAt);
+    query.Bind(1, key);
+    query.Bind(2, before != nullptr ? before->row : index);
+    const int result = query.Step();
+    if (result == SQLITE_DONE) {
+        return ERROR_NO_MORE_ITEMS;
+    }
+    if (result != SQLITE_ROW) {
+        return Status(result);
+    }
+    ReadValueRow(query, value);
+    SKWEnumCursor cursor;
+    cursor.index = index;
+    cursor.row = query.Integer(3);
+    KeepCursor(m_valueCursors, key, cursor);
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::SetValue(KWRegistryKeyId key, std::string_view name, DWORD type,
+                                   const BYTE* data, DWORD size) {
+    const std::string fold = kwRegistryNames::FoldName(name);
+    CKWSqlQuery upsert(m_database.Connection(), kUpsertValue);
+    upsert.Bind(1, key);
+    upsert.BindText(2, name);
+    upsert.BindText(3, fold);
+    upsert.Bind(4, type);
+    upsert.BindBlob(5, data, size);
+    const int result = upsert.Run();
+    return result == SQLITE_OK ? Touch(key) : Status(result);
+}
+
+LSTATUS CKWRegistryStore::DeleteValue(KWRegistryKeyId key, std::string_view name) {
+    const std::string fold = kwRegistryNames::FoldName(name);
+    CKWSqliteConnection& connection = m_database.Connection();
+    CKWSqlQuery remove(connection, kDeleteValue);
+    remove.Bind(1, key);
+    remove.BindText(2, fold);
+    const int result = remove.Run();
+    if (result != SQLITE_OK) {
+        return Status(result);
+    }
+    return connection.Changes() == 0 ? ERROR_FILE_NOT_FOUND : Touch(key);
+}
+
+LSTATUS CKWRegistryStore::Touch(KWRegistryKeyId key) {
+    CKWSqlQuery touch(m_database.Connection(), kTouchKey);
+    touch.Bind(1, key);
+    touch.Bind(2, FileTimeNow());
+    return Status(touch.Run());
+}
+
+const CKWRegistryStore::SKWEnumCursor* CKWRegistryStore::CursorBefore(CursorMap& cursors,
+                                                                      KWRegistryKeyId key,
+                                                                      DWORD index) {
+    const unsigned version = m_database.Connection().DataVersion();
+    if (version != m_cursorsVersion) {
+        m_subKeyCursors.clear();
+        m_valueCursors.clear();
+        m_cursorsVersion = version;
+    }
+    const auto found = cursors.find(key);
+    return found != cursors.end() && index > 0 && found->second.index == index - 1 ? &found->second
+                                                                                   : nullptr;
+}
+
+void CKWRegistryStore::KeepCursor(CursorMap& cursors, KWRegistryKeyId key,
+                                  const SKWEnumCursor& cursor) {
+    if (cursors.size() >= kMaxCursors && cursors.count(key) == 0) {
+        cursors.clear();
+    }
+    cursors[key] = cursor;
+}

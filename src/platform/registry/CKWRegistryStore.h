@@ -1,0 +1,90 @@
+// The keys and values of one registry store, by key ID. Each operation runs
+// inside a transaction of the store's database (Read or Write), so a call
+// made of several operations is seen whole by other threads and processes.
+//
+//   store.Write([&] {
+//       std::int64_t child = 0;
+//       return store.AddSubKey(parent, "Settings", false, child);
+//   });
+#pragma once
+
+#include "CKWRegistryDatabase.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+typedef std::int64_t KWRegistryKeyId;
+
+struct SKWRegistryKeyInfo {
+    DWORD subKeys = 0;
+    DWORD maxSubKeyNameLength = 0;
+    DWORD values = 0;
+    DWORD maxValueNameLength = 0;
+    DWORD maxValueDataSize = 0;
+    ULONGLONG lastWriteTime = 0;  // a FILETIME
+};
+
+struct SKWRegistryValue {
+    std::string name;
+    DWORD type = REG_NONE;
+    std::string data;
+};
+
+class CKWRegistryStore {
+public:
+    explicit CKWRegistryStore(std::string path) : m_database(std::move(path)) {}
+
+    const std::string& GetPath() const { return m_database.GetPath(); }
+
+    LSTATUS Read(const std::function<LSTATUS()>& work) { return m_database.Read(work); }
+    LSTATUS Write(const std::function<LSTATUS()>& work) { return m_database.Write(work); }
+    LSTATUS Flush() { return m_database.Flush(); }
+
+    // ERROR_KEY_DELETED when the key is gone.
+    LSTATUS CheckKey(KWRegistryKeyId key, bool& isVolatile);
+    // ERROR_FILE_NOT_FOUND when parent has no sub-key of that name.
+    LSTATUS FindSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId& child,
+                       bool& isVolatile);
+    LSTATUS AddSubKey(KWRegistryKeyId parent, std::string_view name, bool isVolatile,
+                      KWRegistryKeyId& child);
+    // Deletes a key without sub-keys and its values; ERROR_ACCESS_DENIED for
+    // a key with sub-keys and for a predefined root.
+    LSTATUS DeleteKey(KWRegistryKeyId key);
+
+    LSTATUS GetKeyInfo(KWRegistryKeyId key, SKWRegistryKeyInfo& info);
+    // ERROR_NO_MORE_ITEMS past the last sub-key.
+    LSTATUS GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::string& name,
+                        ULONGLONG& lastWriteTime);
+
+    // ERROR_FILE_NOT_FOUND when there is no such value.
+    LSTATUS GetValue(KWRegistryKeyId key, std::string_view name, SKWRegistryValue& value);
+    // ERROR_NO_MORE_ITEMS past the last value.
+    LSTATUS GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegistryValue& value);
+    LSTATUS SetValue(KWRegistryKeyId key, std::string_view name, DWORD type, const BYTE* data,
+                     DWORD size);
+    LSTATUS DeleteValue(KWRegistryKeyId key, std::string_view name);
+
+private:
+    // Where the last enumeration of a key stopped: the next index continues
+    // from there instead of counting from the first row again, as long as
+    // the database has not changed since.
+    struct SKWEnumCursor {
+        DWORD index = 0;
+        std::string fold;      // of the sub-key at index
+        std::int64_t row = 0;  // of the value at index
+    };
+    typedef std::unordered_map<KWRegistryKeyId, SKWEnumCursor> CursorMap;
+
+    // Marks the key as changed now.
+    LSTATUS Touch(KWRegistryKeyId key);
+    // The cursor of key that stands just before index, or null.
+    const SKWEnumCursor* CursorBefore(CursorMap& cursors, KWRegistryKeyId key, DWORD index);
+    void KeepCursor(CursorMap& cursors, KWRegistryKeyId key, const SKWEnumCursor& cursor);
+
+    CKWRegistryDatabase m_database;
+    CursorMap m_subKeyCursors;
+    CursorMap m_valueCursors;
+    unsigned m_cursorsVersion = 0;
+};
