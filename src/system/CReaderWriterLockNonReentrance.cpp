@@ -3,7 +3,10 @@
 #include <cassert>
 
 #if !defined(_WIN32)
+#include <atomic>
 #include <condition_variable>
+#include <mutex>
+#include <thread>
 #endif
 
 namespace {
@@ -28,13 +31,33 @@ void CloseLockEvent(HANDLE hEvent) {
 
 #else
 
+// Looks at a taken guard, or at an event not yet signalled, before
+// yielding the processor or sleeping: either costs a system call, and the
+// holders keep the lock for a short while only.
+constexpr int SPINS = 100;
+
+void CpuRelax() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
+}
+
 // An event as the lock uses it: auto-reset events let one waiter through
 // per signal, manual-reset ones stay signalled until reset.
 struct SKWLockEvent {
     std::mutex mutex;
     std::condition_variable signalled;
-    bool bSignalled = false;
+    std::atomic<bool> bSignalled{false};
     bool bManualReset = false;
+
+    // Passes a waiter when signalled, taking the signal of an auto-reset
+    // event.
+    bool TryPass() {
+        if (bManualReset)
+            return bSignalled.load(std::memory_order_acquire);
+        bool bExpected = true;
+        return bSignalled.compare_exchange_strong(bExpected, false, std::memory_order_acquire);
+    }
 };
 
 SKWLockEvent* AsEvent(HANDLE hEvent) {
@@ -51,7 +74,7 @@ void SetLockEvent(HANDLE hEvent) {
     SKWLockEvent* pEvent = AsEvent(hEvent);
     {
         std::lock_guard<std::mutex> lock(pEvent->mutex);
-        pEvent->bSignalled = true;
+        pEvent->bSignalled.store(true, std::memory_order_release);
     }
     if (pEvent->bManualReset)
         pEvent->signalled.notify_all();
@@ -62,15 +85,18 @@ void SetLockEvent(HANDLE hEvent) {
 void ResetLockEvent(HANDLE hEvent) {
     SKWLockEvent* pEvent = AsEvent(hEvent);
     std::lock_guard<std::mutex> lock(pEvent->mutex);
-    pEvent->bSignalled = false;
+    pEvent->bSignalled.store(false, std::memory_order_relaxed);
 }
 
 void WaitLockEvent(HANDLE hEvent) {
     SKWLockEvent* pEvent = AsEvent(hEvent);
+    for (int iSpin = 0; iSpin < SPINS; ++iSpin) {
+        if (pEvent->TryPass())
+            return;
+        CpuRelax();
+    }
     std::unique_lock<std::mutex> lock(pEvent->mutex);
-    pEvent->signalled.wait(lock, [pEvent] { return pEvent->bSignalled; });
-    if (!pEvent->bManualReset)
-        pEvent->bSignalled = false;
+    pEvent->signalled.wait(lock, [pEvent] { return pEvent->TryPass(); });
 }
 
 void CloseLockEvent(HANDLE hEvent) {
@@ -134,21 +160,22 @@ void CReaderWriterLockNonReentrance::CloseEvents() {
     m_hReaderEvent = nullptr;
 }
 
-void CReaderWriterLockNonReentrance::EnterGuard() const {
-#if defined(_WIN32)
-    ::EnterCriticalSection(&m_csGuard);
-#else
-    m_csGuard.lock();
-#endif
+#if !defined(_WIN32)
+void CReaderWriterLockNonReentrance::WaitForGuard() const {
+    for (;;) {
+        for (int iSpin = 0; iSpin < SPINS; ++iSpin) {
+            // Watch the flag and try only when it looks free, so waiters do
+            // not take the line from the holder for nothing.
+            if (!m_csGuard.load(std::memory_order_relaxed) &&
+                !m_csGuard.exchange(true, std::memory_order_acquire))
+                return;
+            CpuRelax();
+        }
+        // The holder may have lost its processor: give it a chance.
+        std::this_thread::yield();
+    }
 }
-
-void CReaderWriterLockNonReentrance::LeaveGuard() const {
-#if defined(_WIN32)
-    ::LeaveCriticalSection(&m_csGuard);
-#else
-    m_csGuard.unlock();
 #endif
-}
 
 void CReaderWriterLockNonReentrance::WaitForEvent(HANDLE hEvent) {
     WaitLockEvent(hEvent);

@@ -8,7 +8,7 @@
 #include "kwcore/platform/Win32Types.h"
 
 #if !defined(_WIN32)
-#include <mutex>
+#include <atomic>
 #endif
 
 class KWCORE_API CReaderWriterLockNonReentrance {
@@ -48,7 +48,11 @@ protected:
 #if defined(_WIN32)
     mutable CRITICAL_SECTION m_csGuard;
 #else
-    mutable std::mutex m_csGuard;
+    // Taken or not. The guard is held for a few instructions of
+    // bookkeeping, never while waiting, so a thread that finds it taken
+    // spins and yields instead of sleeping: sleeping and waking cost a
+    // system call each, more than the whole uncontended lock.
+    mutable std::atomic<bool> m_csGuard{false};
 #endif
     // Auto-reset; made when a writer has to wait, closed when the last
     // writer leaves.
@@ -61,8 +65,28 @@ protected:
     unsigned m_uWaitingReaders;
 
 private:
+#if !defined(_WIN32)
+    void WaitForGuard() const;
+#endif
     void CopyCounters(const CReaderWriterLockNonReentrance& other);
     void EnsureWriterEvent();
     void CloseWriterEventAndWakeReaders();
     void CloseEvents();
 };
+
+inline void CReaderWriterLockNonReentrance::EnterGuard() const {
+#if defined(_WIN32)
+    ::EnterCriticalSection(&m_csGuard);
+#else
+    if (m_csGuard.exchange(true, std::memory_order_acquire))
+        WaitForGuard();
+#endif
+}
+
+inline void CReaderWriterLockNonReentrance::LeaveGuard() const {
+#if defined(_WIN32)
+    ::LeaveCriticalSection(&m_csGuard);
+#else
+    m_csGuard.store(false, std::memory_order_release);
+#endif
+}
