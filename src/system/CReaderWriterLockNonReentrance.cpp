@@ -6,7 +6,6 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
-#include <thread>
 #endif
 
 namespace {
@@ -32,8 +31,8 @@ void CloseLockEvent(HANDLE hEvent) {
 #else
 
 // Looks at a taken guard, or at an event not yet signalled, before
-// yielding the processor or sleeping: either costs a system call, and the
-// holders keep the lock for a short while only.
+// sleeping: sleeping costs a system call, and the holders keep the lock
+// for a short while only.
 constexpr int SPINS = 100;
 
 void CpuRelax() {
@@ -162,18 +161,12 @@ void CReaderWriterLockNonReentrance::CloseEvents() {
 
 #if !defined(_WIN32)
 void CReaderWriterLockNonReentrance::WaitForGuard() const {
-    for (;;) {
-        for (int iSpin = 0; iSpin < SPINS; ++iSpin) {
-            // Watch the flag and try only when it looks free, so waiters do
-            // not take the line from the holder for nothing.
-            if (!m_csGuard.load(std::memory_order_relaxed) &&
-                !m_csGuard.exchange(true, std::memory_order_acquire))
-                return;
-            CpuRelax();
-        }
-        // The holder may have lost its processor: give it a chance.
-        std::this_thread::yield();
+    for (int iSpin = 0; iSpin < SPINS; ++iSpin) {
+        CpuRelax();
+        if (m_csGuard.try_lock())
+            return;
     }
+    m_csGuard.lock();
 }
 #endif
 

@@ -8,7 +8,7 @@
 #include "kwcore/platform/Win32Types.h"
 
 #if !defined(_WIN32)
-#include <atomic>
+#include <mutex>
 #endif
 
 class KWCORE_API CReaderWriterLockNonReentrance {
@@ -48,11 +48,11 @@ protected:
 #if defined(_WIN32)
     mutable CRITICAL_SECTION m_csGuard;
 #else
-    // Taken or not. The guard is held for a few instructions of
-    // bookkeeping, never while waiting, so a thread that finds it taken
-    // spins and yields instead of sleeping: sleeping and waking cost a
-    // system call each, more than the whole uncontended lock.
-    mutable std::atomic<bool> m_csGuard{false};
+    // The guard is held for a few instructions of bookkeeping, so a thread
+    // that finds it taken tries again for a little while before it sleeps:
+    // sleeping and waking cost a system call each, more than the whole
+    // uncontended lock.
+    mutable std::mutex m_csGuard;
 #endif
     // Auto-reset; made when a writer has to wait, closed when the last
     // writer leaves.
@@ -78,7 +78,7 @@ inline void CReaderWriterLockNonReentrance::EnterGuard() const {
 #if defined(_WIN32)
     ::EnterCriticalSection(&m_csGuard);
 #else
-    if (m_csGuard.exchange(true, std::memory_order_acquire))
+    if (!m_csGuard.try_lock())
         WaitForGuard();
 #endif
 }
@@ -87,6 +87,6 @@ inline void CReaderWriterLockNonReentrance::LeaveGuard() const {
 #if defined(_WIN32)
     ::LeaveCriticalSection(&m_csGuard);
 #else
-    m_csGuard.store(false, std::memory_order_release);
+    m_csGuard.unlock();
 #endif
 }
