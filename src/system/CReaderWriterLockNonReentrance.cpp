@@ -6,6 +6,10 @@
 #include <atomic>
 #include <condition_variable>
 #include <mutex>
+
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #endif
 
 namespace {
@@ -39,6 +43,12 @@ void CpuRelax() {
 #if defined(__x86_64__) || defined(__i386__)
     __builtin_ia32_pause();
 #endif
+}
+
+// The word the kernel sleeps on: the guard's own.
+int* GuardWord(std::atomic<int>& guard) {
+    static_assert(sizeof(std::atomic<int>) == sizeof(int), "the guard is one plain int");
+    return reinterpret_cast<int*>(&guard);
 }
 
 // An event as the lock uses it: auto-reset events let one waiter through
@@ -162,11 +172,22 @@ void CReaderWriterLockNonReentrance::CloseEvents() {
 #if !defined(_WIN32)
 void CReaderWriterLockNonReentrance::WaitForGuard() const {
     for (int iSpin = 0; iSpin < SPINS; ++iSpin) {
-        CpuRelax();
-        if (m_csGuard.try_lock())
+        // Watch the guard and try only when it looks free, so waiters do
+        // not take the line from the holder for nothing.
+        int iFree = GUARD_FREE;
+        if (m_csGuard.load(std::memory_order_relaxed) == GUARD_FREE &&
+            m_csGuard.compare_exchange_strong(iFree, GUARD_TAKEN, std::memory_order_acquire))
             return;
+        CpuRelax();
     }
-    m_csGuard.lock();
+    // Marked contended, so the holder wakes a sleeper when it leaves.
+    while (m_csGuard.exchange(GUARD_CONTENDED, std::memory_order_acquire) != GUARD_FREE)
+        ::syscall(SYS_futex, GuardWord(m_csGuard), FUTEX_WAIT_PRIVATE, GUARD_CONTENDED, nullptr,
+                  nullptr, 0);
+}
+
+void CReaderWriterLockNonReentrance::WakeGuardWaiter() const {
+    ::syscall(SYS_futex, GuardWord(m_csGuard), FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
 #endif
 
