@@ -124,6 +124,7 @@
 #include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 #include "kwcore/geometry/triangulation/KWSplayTree.h"
 
-// System services: reader-writer locks.
+// System services: reader-writer locks and worker threads.
 #include "kwcore/system/CKWReaderWriterLock.h"
+#include "kwcore/system/CKWThread.h"
 #include "kwcore/system/CReaderWriterLockNonReentrance.h"

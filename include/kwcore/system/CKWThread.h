@@ -35,19 +35,12 @@
 #include "kwcore/platform/Export.h"
 #include "kwcore/platform/Win32Types.h"
 
-#if !defined(_WIN32)
-#include <mutex>
-#endif
-
 class CKWThread;
 
-// The lock behind a thread name and the process lock: recursive, like a
-// Win32 critical section.
-#if defined(_WIN32)
-typedef CRITICAL_SECTION KWThreadCriticalSection;
-#else
-typedef std::recursive_mutex KWThreadCriticalSection;
-#endif
+// The lock behind a thread name, the process lock and the library-wide lock:
+// recursive, like a Win32 critical section, and refusing (a debug assertion)
+// to be left by a thread that does not hold it. Private to the library.
+struct KWThreadCriticalSection;
 
 // One entry of the named-lock list: the lock shared by every thread object
 // of this name, and how many of them use it.
@@ -133,6 +126,20 @@ public:
     };
     // GetPriority without a thread.
     static const int NO_PRIORITY = 0x7FFFFFFF;
+
+    // Owns the library-wide lock for as long as the library is loaded.
+    class KWCORE_API CInternalSynchronization {
+    public:
+        CInternalSynchronization();
+        ~CInternalSynchronization();
+        CInternalSynchronization(const CInternalSynchronization&) = delete;
+        CInternalSynchronization& operator=(const CInternalSynchronization&) = delete;
+        void Lock();
+        void Unlock();
+
+    private:
+        KWThreadCriticalSection* m_pCriticalSection;
+    };
 
     CKWThread(void* ownerParam1 = nullptr, long ownerParam2 = 0);
     // Kills a thread that is still alive (exit code 0, nothing thrown), then
@@ -225,17 +232,6 @@ protected:
     static CList<LPTHREAD_SYNCHRONICITY, LPTHREAD_SYNCHRONICITY> s_synchronicityList;
     static KWThreadCriticalSection* s_pProcessLockObject;
 
-    // Owns the library-wide lock for as long as the library is loaded.
-    class KWCORE_API CInternalSynchronization {
-    public:
-        CInternalSynchronization();
-        ~CInternalSynchronization();
-        void Lock();
-        void Unlock();
-
-    private:
-        KWThreadCriticalSection m_criticalSection;
-    };
     static CInternalSynchronization s_InternalThreadSynchronization;
 
 private:
