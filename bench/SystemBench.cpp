@@ -8,6 +8,8 @@
 //     A reader-preferring lock may starve the writer for good, so a watchdog
 //     holds the readers back once a wait passes the cap: such waits are
 //     recorded as the cap and counted as starved.
+// And the command round trip of a worker thread: from PostCommand to the
+// body taking the command from WaitForNotification, p50 and p99.
 #include <benchmark/benchmark.h>
 
 #include <pthread.h>
@@ -16,12 +18,15 @@
 #include <array>
 #include <atomic>
 #include <chrono>
+#include <condition_variable>
 #include <cstdint>
+#include <mutex>
 #include <shared_mutex>
 #include <thread>
 #include <vector>
 
 #include "kwcore/system/CKWReaderWriterLock.h"
+#include "kwcore/system/CKWThread.h"
 #include "kwcore/system/CReaderWriterLockNonReentrance.h"
 
 namespace {
@@ -247,5 +252,76 @@ BENCHMARK_TEMPLATE(WriterWait, ReentrantLock)->Apply(WriterWaitArgs);
 BENCHMARK_TEMPLATE(WriterWait, SharedMutexLock)->Apply(WriterWaitArgs);
 BENCHMARK_TEMPLATE(WriterWait, PthreadLock)->Apply(WriterWaitArgs);
 BENCHMARK_TEMPLATE(WriterWait, PthreadWriterLock)->Apply(WriterWaitArgs);
+
+constexpr int kCommandSamples = 2000;
+// Not one of the library's commands, so the body tells it apart.
+constexpr int CMD_PING = 100;
+
+// A thread body that notes when each ping reaches it and acknowledges it.
+class CEchoThread : public CKWThread {
+public:
+    CEchoThread() { m_bSupportCommands = TRUE; }
+
+    // Waits until the body has taken ping number uPing; when it took it.
+    Clock::time_point WaitForAck(unsigned uPing) {
+        std::unique_lock<std::mutex> lock(m_mutex);
+        m_acked.wait(lock, [&] { return m_uAcks == uPing; });
+        return m_received;
+    }
+
+protected:
+    DWORD ThreadHandler() override {
+        for (int command = 0;;) {
+            WaitForNotification(command, INFINITE);
+            if (command == CMD_STOP)
+                return 0;
+            if (command == CMD_PING)
+                Acknowledge();
+        }
+    }
+
+private:
+    void Acknowledge() {
+        const Clock::time_point received = Clock::now();
+        {
+            std::lock_guard<std::mutex> lock(m_mutex);
+            m_received = received;
+            ++m_uAcks;
+        }
+        m_acked.notify_one();
+    }
+
+    std::mutex m_mutex;
+    std::condition_variable m_acked;
+    unsigned m_uAcks = 0;
+    Clock::time_point m_received;
+};
+
+// PostCommand to the body's receipt, and on to the poster seeing the
+// acknowledgement.
+void CommandRoundTrip(benchmark::State& state) {
+    CEchoThread thread;
+    thread.Start();
+    std::vector<Clock::duration> receipts;
+    std::vector<Clock::duration> roundTrips;
+    unsigned uPing = 0;
+    for (auto _ : state) {
+        const Clock::time_point posted = Clock::now();
+        thread.PostCommand(CMD_PING);
+        const Clock::time_point received = thread.WaitForAck(++uPing);
+        roundTrips.push_back(Clock::now() - posted);
+        receipts.push_back(received - posted);
+    }
+    DWORD dwExitCode = 0;
+    thread.Stop(dwExitCode);
+    state.counters["receipt_p50_us"] = PercentileMicroseconds(receipts, 0.50);
+    state.counters["receipt_p99_us"] = PercentileMicroseconds(receipts, 0.99);
+    state.counters["round_trip_p50_us"] = PercentileMicroseconds(roundTrips, 0.50);
+    state.counters["round_trip_p99_us"] = PercentileMicroseconds(roundTrips, 0.99);
+}
+BENCHMARK(CommandRoundTrip)
+    ->Iterations(kCommandSamples)
+    ->UseRealTime()
+    ->Unit(benchmark::kMicrosecond);
 
 }  // namespace
