@@ -10,7 +10,7 @@
 CKWReaderWriterLock::CKWReaderWriterLock(const CKWReaderWriterLock& other)
     : CReaderWriterLockNonReentrance(other) {
     other.EnterGuard();
-    m_mapThreadCounts = other.m_mapThreadCounts;
+    m_holdCounts = other.m_holdCounts;
     other.LeaveGuard();
 }
 
@@ -18,10 +18,10 @@ CKWReaderWriterLock& CKWReaderWriterLock::operator=(const CKWReaderWriterLock& o
     if (this != &other) {
         CReaderWriterLockNonReentrance::operator=(other);
         other.EnterGuard();
-        std::map<DWORD, DWORD> mapCounts = other.m_mapThreadCounts;
+        CKWThreadHoldCounts counts = other.m_holdCounts;
         other.LeaveGuard();
         EnterGuard();
-        m_mapThreadCounts.swap(mapCounts);
+        m_holdCounts.Swap(counts);
         LeaveGuard();
     }
     return *this;
@@ -31,15 +31,18 @@ DWORD CKWReaderWriterLock::CurrentThreadID() {
 #if defined(_WIN32)
     return ::GetCurrentThreadId();
 #else
-    return static_cast<DWORD>(::syscall(SYS_gettid));
+    // Asked once per thread: a system call costs more than the whole
+    // uncontended lock.
+    thread_local const DWORD dwThreadID = static_cast<DWORD>(::syscall(SYS_gettid));
+    return dwThreadID;
 #endif
 }
 
 void CKWReaderWriterLock::AcquireReaderLock() {
     EnterGuard();
-    // The entry's node stays put while other threads change the map, and
-    // only this thread touches its value.
-    DWORD& dwCount = m_mapThreadCounts[CurrentThreadID()];
+    // The slot stays put while other threads change the table, and only
+    // this thread touches its count.
+    DWORD& dwCount = m_holdCounts[CurrentThreadID()];
     if (dwCount == 0)
         _AcquireReaderLock();
     LeaveGuard();
@@ -48,7 +51,7 @@ void CKWReaderWriterLock::AcquireReaderLock() {
 
 void CKWReaderWriterLock::AcquireWriterLock() {
     EnterGuard();
-    DWORD& dwCount = m_mapThreadCounts[CurrentThreadID()];
+    DWORD& dwCount = m_holdCounts[CurrentThreadID()];
     if (dwCount == 0)
         _AcquireWriterLock();
     else if (dwCount < WRITER_HOLD)
@@ -60,11 +63,11 @@ void CKWReaderWriterLock::AcquireWriterLock() {
 
 void CKWReaderWriterLock::ReleaseReaderLock() {
     EnterGuard();
-    auto it = m_mapThreadCounts.find(CurrentThreadID());
-    const bool bHeld = it != m_mapThreadCounts.end() && (it->second & (WRITER_HOLD - 1)) != 0;
+    SKWHoldSlot* pSlot = m_holdCounts.Find(CurrentThreadID());
+    const bool bHeld = pSlot && (pSlot->dwCount & (WRITER_HOLD - 1)) != 0;
     assert(bHeld && "read lock released but not held by this thread");
-    if (bHeld && --it->second == 0) {
-        m_mapThreadCounts.erase(it);
+    if (bHeld && --pSlot->dwCount == 0) {
+        m_holdCounts.Remove(*pSlot);
         _ReleaseReaderLock();
     }
     LeaveGuard();
@@ -72,15 +75,15 @@ void CKWReaderWriterLock::ReleaseReaderLock() {
 
 void CKWReaderWriterLock::ReleaseWriterLock() {
     EnterGuard();
-    auto it = m_mapThreadCounts.find(CurrentThreadID());
-    const bool bHeld = it != m_mapThreadCounts.end() && it->second >= WRITER_HOLD;
+    SKWHoldSlot* pSlot = m_holdCounts.Find(CurrentThreadID());
+    const bool bHeld = pSlot && pSlot->dwCount >= WRITER_HOLD;
     assert(bHeld && "write lock released but not held by this thread");
     if (bHeld) {
-        it->second -= WRITER_HOLD;
-        if (it->second == 0) {
-            m_mapThreadCounts.erase(it);
+        pSlot->dwCount -= WRITER_HOLD;
+        if (pSlot->dwCount == 0) {
+            m_holdCounts.Remove(*pSlot);
             _ReleaseWriterLock();
-        } else if (it->second < WRITER_HOLD) {
+        } else if (pSlot->dwCount < WRITER_HOLD) {
             _DowngradeToReaderLock();
         }
     }

@@ -3,7 +3,13 @@
 #include <cassert>
 
 #if !defined(_WIN32)
+#include <atomic>
 #include <condition_variable>
+#include <mutex>
+
+#include <linux/futex.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 #endif
 
 namespace {
@@ -28,13 +34,39 @@ void CloseLockEvent(HANDLE hEvent) {
 
 #else
 
+// Looks at a taken guard, or at an event not yet signalled, before
+// sleeping: sleeping costs a system call, and the holders keep the lock
+// for a short while only.
+constexpr int SPINS = 100;
+
+void CpuRelax() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
+}
+
+// The word the kernel sleeps on: the guard's own.
+int* GuardWord(std::atomic<int>& guard) {
+    static_assert(sizeof(std::atomic<int>) == sizeof(int), "the guard is one plain int");
+    return reinterpret_cast<int*>(&guard);
+}
+
 // An event as the lock uses it: auto-reset events let one waiter through
 // per signal, manual-reset ones stay signalled until reset.
 struct SKWLockEvent {
     std::mutex mutex;
     std::condition_variable signalled;
-    bool bSignalled = false;
+    std::atomic<bool> bSignalled{false};
     bool bManualReset = false;
+
+    // Passes a waiter when signalled, taking the signal of an auto-reset
+    // event.
+    bool TryPass() {
+        if (bManualReset)
+            return bSignalled.load(std::memory_order_acquire);
+        bool bExpected = true;
+        return bSignalled.compare_exchange_strong(bExpected, false, std::memory_order_acquire);
+    }
 };
 
 SKWLockEvent* AsEvent(HANDLE hEvent) {
@@ -51,7 +83,7 @@ void SetLockEvent(HANDLE hEvent) {
     SKWLockEvent* pEvent = AsEvent(hEvent);
     {
         std::lock_guard<std::mutex> lock(pEvent->mutex);
-        pEvent->bSignalled = true;
+        pEvent->bSignalled.store(true, std::memory_order_release);
     }
     if (pEvent->bManualReset)
         pEvent->signalled.notify_all();
@@ -62,15 +94,18 @@ void SetLockEvent(HANDLE hEvent) {
 void ResetLockEvent(HANDLE hEvent) {
     SKWLockEvent* pEvent = AsEvent(hEvent);
     std::lock_guard<std::mutex> lock(pEvent->mutex);
-    pEvent->bSignalled = false;
+    pEvent->bSignalled.store(false, std::memory_order_relaxed);
 }
 
 void WaitLockEvent(HANDLE hEvent) {
     SKWLockEvent* pEvent = AsEvent(hEvent);
+    for (int iSpin = 0; iSpin < SPINS; ++iSpin) {
+        if (pEvent->TryPass())
+            return;
+        CpuRelax();
+    }
     std::unique_lock<std::mutex> lock(pEvent->mutex);
-    pEvent->signalled.wait(lock, [pEvent] { return pEvent->bSignalled; });
-    if (!pEvent->bManualReset)
-        pEvent->bSignalled = false;
+    pEvent->signalled.wait(lock, [pEvent] { return pEvent->TryPass(); });
 }
 
 void CloseLockEvent(HANDLE hEvent) {
@@ -134,21 +169,27 @@ void CReaderWriterLockNonReentrance::CloseEvents() {
     m_hReaderEvent = nullptr;
 }
 
-void CReaderWriterLockNonReentrance::EnterGuard() const {
-#if defined(_WIN32)
-    ::EnterCriticalSection(&m_csGuard);
-#else
-    m_csGuard.lock();
-#endif
+#if !defined(_WIN32)
+void CReaderWriterLockNonReentrance::WaitForGuard() const {
+    for (int iSpin = 0; iSpin < SPINS; ++iSpin) {
+        // Watch the guard and try only when it looks free, so waiters do
+        // not take the line from the holder for nothing.
+        int iFree = GUARD_FREE;
+        if (m_csGuard.load(std::memory_order_relaxed) == GUARD_FREE &&
+            m_csGuard.compare_exchange_strong(iFree, GUARD_TAKEN, std::memory_order_acquire))
+            return;
+        CpuRelax();
+    }
+    // Marked contended, so the holder wakes a sleeper when it leaves.
+    while (m_csGuard.exchange(GUARD_CONTENDED, std::memory_order_acquire) != GUARD_FREE)
+        ::syscall(SYS_futex, GuardWord(m_csGuard), FUTEX_WAIT_PRIVATE, GUARD_CONTENDED, nullptr,
+                  nullptr, 0);
 }
 
-void CReaderWriterLockNonReentrance::LeaveGuard() const {
-#if defined(_WIN32)
-    ::LeaveCriticalSection(&m_csGuard);
-#else
-    m_csGuard.unlock();
-#endif
+void CReaderWriterLockNonReentrance::WakeGuardWaiter() const {
+    ::syscall(SYS_futex, GuardWord(m_csGuard), FUTEX_WAKE_PRIVATE, 1, nullptr, nullptr, 0);
 }
+#endif
 
 void CReaderWriterLockNonReentrance::WaitForEvent(HANDLE hEvent) {
     WaitLockEvent(hEvent);

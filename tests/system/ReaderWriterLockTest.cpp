@@ -49,7 +49,7 @@ protected:
 class CReentrantProbe : public CLockProbe<CKWReaderWriterLock> {
 public:
     size_t ThreadEntries() {
-        return Read([this] { return m_mapThreadCounts.size(); });
+        return Read([this] { return m_holdCounts.GetCount(); });
     }
 };
 
@@ -269,6 +269,36 @@ TEST(SystemReaderWriterLockReentrant, CopyTakesCountsButNotEvents) {
     copy.ReleaseReaderLock();
     copy.AcquireWriterLock();
     copy.ReleaseWriterLock();
+    EXPECT_EQ(lock.ThreadEntries(), 0u);
+}
+
+TEST(SystemReaderWriterLockReentrant, ManyThreadsHoldingAtOnceKeepTheirOwnCounts) {
+    CReentrantProbe lock;
+    const unsigned uThreads = 24;
+    std::atomic<unsigned> uHolding{0};
+    std::vector<std::thread> threads;
+    for (unsigned uThread = 0; uThread < uThreads; ++uThread)
+        threads.emplace_back([&] {
+            lock.AcquireReaderLock();
+            // Every thread has its entry before any takes the lock again.
+            ++uHolding;
+            while (uHolding < uThreads)
+                std::this_thread::yield();
+            lock.AcquireReaderLock();
+            lock.ReleaseReaderLock();
+            lock.ReleaseReaderLock();
+        });
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(lock.ThreadEntries(), 0u);
+    EXPECT_EQ(lock.Readers(), 0u);
+    // Entries come back in the slots the threads left.
+    std::thread writer([&] {
+        lock.AcquireWriterLock();
+        EXPECT_EQ(lock.ThreadEntries(), 1u);
+        lock.ReleaseWriterLock();
+    });
+    writer.join();
     EXPECT_EQ(lock.ThreadEntries(), 0u);
 }
 

@@ -5,9 +5,8 @@
 // write lock. Hold counts are kept per thread.
 #pragma once
 
+#include "kwcore/system/CKWThreadHoldCounts.h"
 #include "kwcore/system/CReaderWriterLockNonReentrance.h"
-
-#include <map>
 
 class KWCORE_API CKWReaderWriterLock : public CReaderWriterLockNonReentrance {
 public:
@@ -29,5 +28,5 @@ protected:
 
     // Per thread: read holds in the low 16 bits, write holds above them.
     // A thread without locks has no entry.
-    std::map<DWORD, DWORD> m_mapThreadCounts;
+    CKWThreadHoldCounts m_holdCounts;
 };

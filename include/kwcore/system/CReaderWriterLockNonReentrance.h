@@ -8,7 +8,7 @@
 #include "kwcore/platform/Win32Types.h"
 
 #if !defined(_WIN32)
-#include <mutex>
+#include <atomic>
 #endif
 
 class KWCORE_API CReaderWriterLockNonReentrance {
@@ -48,7 +48,13 @@ protected:
 #if defined(_WIN32)
     mutable CRITICAL_SECTION m_csGuard;
 #else
-    mutable std::mutex m_csGuard;
+    // GUARD_FREE, GUARD_TAKEN or GUARD_CONTENDED (taken, and a thread may
+    // sleep on it). The guard is held for a few instructions of
+    // bookkeeping, so a thread that finds it taken spins a little before it
+    // sleeps: sleeping and waking cost a system call each, more than the
+    // whole uncontended lock.
+    enum { GUARD_FREE, GUARD_TAKEN, GUARD_CONTENDED };
+    mutable std::atomic<int> m_csGuard{GUARD_FREE};
 #endif
     // Auto-reset; made when a writer has to wait, closed when the last
     // writer leaves.
@@ -61,8 +67,31 @@ protected:
     unsigned m_uWaitingReaders;
 
 private:
+#if !defined(_WIN32)
+    void WaitForGuard() const;
+    void WakeGuardWaiter() const;
+#endif
     void CopyCounters(const CReaderWriterLockNonReentrance& other);
     void EnsureWriterEvent();
     void CloseWriterEventAndWakeReaders();
     void CloseEvents();
 };
+
+inline void CReaderWriterLockNonReentrance::EnterGuard() const {
+#if defined(_WIN32)
+    ::EnterCriticalSection(&m_csGuard);
+#else
+    int iFree = GUARD_FREE;
+    if (!m_csGuard.compare_exchange_strong(iFree, GUARD_TAKEN, std::memory_order_acquire))
+        WaitForGuard();
+#endif
+}
+
+inline void CReaderWriterLockNonReentrance::LeaveGuard() const {
+#if defined(_WIN32)
+    ::LeaveCriticalSection(&m_csGuard);
+#else
+    if (m_csGuard.exchange(GUARD_FREE, std::memory_order_release) == GUARD_CONTENDED)
+        WakeGuardWaiter();
+#endif
+}
