@@ -208,4 +208,7 @@ typedef struct _EXCEPTION_POINTERS {
 #define WAIT_FAILED 0xFFFFFFFF
 #define STILL_ACTIVE 259L
 
+// The first window message number free for a program's own messages.
+#define WM_USER 0x0400
+
 #endif  // _WIN32
