@@ -150,19 +150,12 @@ int CKWTerminalProgressObserver::IsCanceled() {
 
 void CKWTerminalProgressObserver::OnError(CString message) {
     std::lock_guard<std::mutex> lock(m_mutex);
-    const std::string line = "error: " + Printable(message);
-    if (!m_bTerminal) {
-        Report(line, true);
-        return;
-    }
-    // The error stays on screen above the bar, which is drawn again below it.
-    const int length = static_cast<int>(line.size());
-    std::fprintf(m_pOut, "\r%s%*s\n", line.c_str(), std::max(m_nDrawnLength - length, 0), "");
-    m_nDrawnLength = 0;
-    if (m_nSteps > 0 || m_nStep > 0) {
-        Redraw(true);
-    }
-    std::fflush(m_pOut);
+    WriteAbove("error: " + Printable(message));
+}
+
+void CKWTerminalProgressObserver::Print(CString line) {
+    std::lock_guard<std::mutex> lock(m_mutex);
+    WriteAbove(Printable(line));
 }
 
 void CKWTerminalProgressObserver::SetCanceled(int canceled) {
@@ -193,6 +186,20 @@ void CKWTerminalProgressObserver::Redraw(bool force) {
     // Spaces wipe what is left of a longer line drawn before.
     std::fprintf(m_pOut, "\r%s%*s", line.c_str(), std::max(m_nDrawnLength - length, 0), "");
     m_nDrawnLength = length;
+}
+
+void CKWTerminalProgressObserver::WriteAbove(const std::string& line) {
+    if (!m_bTerminal) {
+        Report(line, true);
+        return;
+    }
+    const int length = static_cast<int>(line.size());
+    std::fprintf(m_pOut, "\r%s%*s\n", line.c_str(), std::max(m_nDrawnLength - length, 0), "");
+    if (m_nDrawnLength > 0) {
+        m_nDrawnLength = 0;
+        Redraw(true);
+    }
+    std::fflush(m_pOut);
 }
 
 // Ends a bar line on screen, so that what follows starts on a line of its own.

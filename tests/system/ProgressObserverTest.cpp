@@ -73,10 +73,14 @@ TEST(TerminalProgressObserver, KeepsControlCharactersOutOfPlainLines) {
         observer.OnStart("two\nlines\r\x1b[2J", 0);
         observer.OnStartNextTask("tab\there", 0);
         observer.OnError("bell\a");
+        observer.Print("the host's\nown line");
     }
     const std::string text = ReadAll(file);
     std::fclose(file);
-    EXPECT_EQ("start: two lines  [2J (0 steps)\nstep 1: tab here\nerror: bell \n", text);
+    EXPECT_EQ(
+        "start: two lines  [2J (0 steps)\nstep 1: tab here\nerror: bell \n"
+        "the host's own line\n",
+        text);
 }
 
 TEST(TerminalProgressObserver, CancelFlagIsTheHostsToSet) {
@@ -150,12 +154,17 @@ TEST(TerminalProgressObserver, RedrawsOneBarLineOnATerminal) {
     EXPECT_EQ(screen.size() - bar, std::string("\r[------------------------] 1/2 ").size() +
                                        std::string("First file with a long name  0:00").size());
 
-    // An error keeps a line of its own; the finished bar is full and ends
-    // its line.
+    // Errors and the host's lines go above the bar, which is drawn again;
+    // the finished bar is full and ends its line.
     observer.OnError("oops");
+    observer.Print("note");
+    screen = terminal.Screen();
+    EXPECT_EQ(0u, screen.find("\rerror: oops   "));
+    const std::size_t note = screen.find("\rnote   ");
+    ASSERT_NE(std::string::npos, note);
+    EXPECT_NE(std::string::npos, screen.find("\r\n\r[############------------] 2/2 B", note));
     observer.OnFinish();
     screen = terminal.Screen();
-    EXPECT_NE(std::string::npos, screen.find("\rerror: oops"));
     EXPECT_NE(std::string::npos, screen.find("[########################] 2/2 B"));
     EXPECT_EQ('\n', screen.back());
 }

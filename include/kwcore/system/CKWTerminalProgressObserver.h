@@ -3,7 +3,8 @@
 // On a terminal it keeps one line up to date: a bar, the step k of n, the
 // task and sub-task names and the time since the start. On anything else (a
 // file, a pipe) it writes one plain line per notification, without control
-// characters, so logs stay readable. Errors always get a line of their own.
+// characters, so logs stay readable. Errors, and lines the host prints
+// through the observer, get a line of their own above the bar.
 //
 //   CKWTerminalProgressObserver bar;            // standard error
 //   CKWProgressTaskThread thread(&task, &bar);
@@ -40,14 +41,18 @@ public:
     int IsCanceled() override;
     void OnError(CString message) override;
 
+    // Writes a line of the host's own: on a terminal above the bar, which is
+    // drawn again below it, so the two do not run into each other.
+    void Print(CString line);
+
     void SetCanceled(int canceled = 1);
     // Non-zero when the stream is a terminal and the line is redrawn in place.
     int IsTerminal() const;
 
     // The bar's width in characters, and the shortest time between two
     // redraws within one step.
-    static const int BAR_WIDTH = 24;
-    static const int REDRAW_INTERVAL_MS = 100;
+    static constexpr int BAR_WIDTH = 24;
+    static constexpr int REDRAW_INTERVAL_MS = 100;
 
 private:
     typedef std::chrono::steady_clock Clock;
@@ -56,6 +61,7 @@ private:
     // most once per REDRAW_INTERVAL_MS), under the lock.
     void Report(const std::string& plainLine, bool force);
     void Redraw(bool force);
+    void WriteAbove(const std::string& line);
     void EndLine();
     std::string BarLine() const;
     double Progress() const;
