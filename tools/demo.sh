@@ -71,6 +71,9 @@ printf '0 0\n6 1\n12 0\n13 6\n12 12\n6 10\n0 12\n1 6\n' | run triangulate --meth
 section "A square with a hole poking out of it: the check names the problem"
 printf '0 0\n12 0\n12 12\n0 12\n\n10 5\n10 7\n14 6\n' | run triangulate - || echo "(exit status $?)"
 
+section "Progress tasks on worker threads: paused before running, continued, cancelled midway, stopped"
+run progress
+
 # The xml and graph commands are built where the library has the XML archive.
 commands=$("$kwcore" --help)
 if ! grep -q '^  xml ' <<<"$commands"; then

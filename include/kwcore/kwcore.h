@@ -125,7 +125,13 @@
 #include "kwcore/geometry/triangulation/KWPolygonTriangulation.h"
 #include "kwcore/geometry/triangulation/KWSplayTree.h"
 
-// System services: reader-writer locks and worker threads.
+// System services: reader-writer locks, worker threads, progress tasks and their observers.
+#include "kwcore/system/CKWProgressObserverList.h"
+#include "kwcore/system/CKWProgressTaskThread.h"
+#include "kwcore/system/CKWQueuedProgressObserver.h"
 #include "kwcore/system/CKWReaderWriterLock.h"
+#include "kwcore/system/CKWTerminalProgressObserver.h"
 #include "kwcore/system/CKWThread.h"
 #include "kwcore/system/CReaderWriterLockNonReentrance.h"
+#include "kwcore/system/IKWProgressTask.h"
+#include "kwcore/system/IKWProgressTaskObserver.h"

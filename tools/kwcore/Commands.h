@@ -23,6 +23,7 @@ int RunXmlCommand(const Arguments& args);
 int RunGeomCommand(const Arguments& args);
 int RunTriangulateCommand(const Arguments& args);
 int RunGraphCommand(const Arguments& args);
+int RunProgressCommand(const Arguments& args);
 
 // True when the arguments ask for help ("--help" or "-h").
 bool WantsHelp(const Arguments& args);

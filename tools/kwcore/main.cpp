@@ -18,6 +18,8 @@ const Command kCommands[] = {
     {"types", "list the registered types as a tree by parent", RunTypesCommand},
     {"geom", "check transforms: rotations, Euler angles, quaternions, inverses", RunGeomCommand},
     {"triangulate", "triangulate a polygon with holes, and draw it", RunTriangulateCommand},
+    {"progress", "run tasks on worker threads: pause, continue, finish and cancel them",
+     RunProgressCommand},
 #if KWCORE_HAS_XML
     {"xml", "inspect XML archive files, and save and load a sample model", RunXmlCommand},
     {"graph", "save a sample graph to an XML archive, load it back and walk it", RunGraphCommand},

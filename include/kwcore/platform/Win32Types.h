@@ -235,4 +235,7 @@ typedef struct _EXCEPTION_POINTERS {
 #define THREAD_PRIORITY_TIME_CRITICAL 15
 #define ERROR_MAX_THRDS_REACHED 164L
 
+// The first window message number free for a program's own messages.
+#define WM_USER 0x0400
+
 #endif  // _WIN32
