@@ -2,7 +2,7 @@
 
 #include <utility>
 
-CKWQueuedProgressObserver::CKWQueuedProgressObserver() : m_nCanceled(0), m_hWnd(nullptr) {}
+CKWQueuedProgressObserver::CKWQueuedProgressObserver() : m_nCanceled(0) {}
 
 #if defined(_WIN32)
 CKWQueuedProgressObserver::CKWQueuedProgressObserver(HWND window)

@@ -101,5 +101,7 @@ private:
     std::deque<SKWProgressNotification> m_queue;
     std::shared_ptr<const WakeUpHook> m_spWakeUp;
     std::atomic<int> m_nCanceled;
-    HWND m_hWnd;
+#if defined(_WIN32)
+    HWND m_hWnd = nullptr;  // null: queue instead of posting
+#endif
 };
