@@ -322,7 +322,10 @@ void CKWThread::WaitForNotification(int& command, DWORD timeout) {
 
 void CKWThread::SetActivityStatus(int status) {
     CLibraryLock lock(s_InternalThreadSynchronization);
-    m_nActivityStatus = status;
+    // Without a thread the status stays "no thread": a killed body that has
+    // not yet reached its next wait must not bring it back.
+    if (m_hThread)
+        m_nActivityStatus = status;
 }
 
 int CKWThread::GetActivityStatus() {

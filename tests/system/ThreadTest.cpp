@@ -176,7 +176,12 @@ TEST(ThreadLife, DestroyingALiveThreadObjectEndsItsThread) {
     auto thread = std::make_unique<CEndlessThread>();
     thread->Start();
     thread->Run();
-    thread.reset();  // killed, nothing thrown, nothing leaked
+    // Once the body runs, the object may go: the thread is killed, nothing is
+    // thrown or leaked. (Destroying it before its body is entered races with
+    // the thread's call into the body, as destroying any derived object in
+    // use does.)
+    ASSERT_EQ(thread->WaitForActivityStatus(CKWThread::STATUS_RUNNING, INFINITE), 1);
+    thread.reset();
     SUCCEED();
 }
 

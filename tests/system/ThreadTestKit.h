@@ -132,6 +132,7 @@ public:
 
 protected:
     DWORD ThreadHandler() override {
+        SetActivityStatus(STATUS_RUNNING);  // tells the test the body is entered
         for (int command = 0;;)
             WaitForNotification(command, INFINITE);
     }
