@@ -3,31 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <condition_variable>
-#include <mutex>
-
+#include "ThreadTestKit.h"
 #include "kwcore/system/CKWQueuedProgressObserver.h"
 
 namespace {
 
-// A one-way door: Wait blocks until someone has called Open.
-class CGate {
-public:
-    void Open() {
-        std::lock_guard<std::mutex> lock(m_mutex);
-        m_bOpen = true;
-        m_opened.notify_all();
-    }
-    void Wait() {
-        std::unique_lock<std::mutex> lock(m_mutex);
-        m_opened.wait(lock, [this] { return m_bOpen; });
-    }
-
-private:
-    std::mutex m_mutex;
-    std::condition_variable m_opened;
-    bool m_bOpen = false;
-};
+using kwThreadTest::CGate;
 
 // Announces that it runs, then waits until it is released or cancelled.
 class CGatedTask : public IKWProgressTask {
