@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+
 #include "ThreadTestKit.h"
 #include "kwcore/system/CKWQueuedProgressObserver.h"
 
