@@ -14,7 +14,8 @@ export CTEST_PARALLEL_LEVEL := $(JOBS)
 # the native builds have the XML archive, so they need Xerces-C.
 BUILD_PACKAGES := cmake ninja-build
 XML_PACKAGES := libxerces-c-dev
-# clang with its sanitizer and libFuzzer runtimes (ASan, UBSan, LeakSanitizer).
+# clang with its runtimes (ASan, UBSan, LeakSanitizer, libFuzzer, profiles):
+# apt-get leaves libclang-rt out, since clang only recommends it.
 CLANG_PACKAGES := clang libclang-rt-14-dev
 # Every Linux build of the library: SQLite holds the registry store.
 LIBRARY_PACKAGES := libsqlite3-dev
@@ -27,9 +28,9 @@ DEMO_PACKAGES := $(BUILD_PACKAGES) g++ $(LIBRARY_PACKAGES) $(XML_PACKAGES)
 TEST_PACKAGES := $(BUILD_PACKAGES) g++ $(CLANG_PACKAGES) $(LIBRARY_PACKAGES) $(XML_PACKAGES) \
 	libgtest-dev libgmock-dev pkg-config libeigen3-dev
 FUZZ_PACKAGES := $(BUILD_PACKAGES) $(CLANG_PACKAGES) $(LIBRARY_PACKAGES) $(XML_PACKAGES)
-# The coverage run: the tests built with clang, and llvm-profdata and llvm-cov
-# to read what they counted.
-COVERAGE_PACKAGES := $(BUILD_PACKAGES) clang llvm $(LIBRARY_PACKAGES) $(XML_PACKAGES) \
+# The coverage run: the tests built with clang and its profile runtime, and
+# llvm-profdata and llvm-cov to read what they counted.
+COVERAGE_PACKAGES := $(BUILD_PACKAGES) $(CLANG_PACKAGES) llvm $(LIBRARY_PACKAGES) $(XML_PACKAGES) \
 	libgtest-dev libgmock-dev libeigen3-dev
 # The benchmarks and the peers they measure against: libuuid (GUIDs),
 # Boost.Serialization (XML archive), Boost.Signals2 (observers), Boost.Graph

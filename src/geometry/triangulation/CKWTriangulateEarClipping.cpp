@@ -104,12 +104,11 @@ private:
     // One polygon vertex: its neighbours in the remaining polygon ring, its
     // links in the convex or the reflex list, and in the ear ring (-1: none).
     struct SVertex {
-        bool IsConvex = false;
-        bool IsEar = false;
-        bool IsReflexListed = false;
-        int VPrev = -1, VNext = -1;
-        int SPrev = -1, SNext = -1;
-        int EPrev = -1, ENext = -1;
+        bool isEar = false;
+        bool isReflexListed = false;
+        int ringPrev = -1, ringNext = -1;  // the remaining polygon
+        int listPrev = -1, listNext = -1;  // the convex or the reflex list
+        int earPrev = -1, earNext = -1;    // the ear ring
     };
 
     void PrepareExactQuery(const Vector2* akPoint, Query::Type eQueryType, Real fEpsilon);
@@ -124,18 +123,19 @@ private:
 
     SVertex& Vertex(int i) { return m_vertices[static_cast<std::size_t>(i)]; }
     const SVertex& Vertex(int i) const { return m_vertices[static_cast<std::size_t>(i)]; }
-    bool IsConvex(int i);
+    bool IsConvex(int i) const;
     bool IsEar(int i);
     // Appends i to the list from riFirst to riLast linked through the two
     // fields (the convex and reflex lists, or the ear ring before it closes).
     void Append(int i, int& riFirst, int& riLast, int SVertex::*piPrev, int SVertex::*piNext);
-    void InsertAfterC(int i);
-    void InsertAfterR(int i);
-    void InsertBeforeE(int i);
-    void InsertEndE(int i);
-    void RemoveV(int i);
-    int RemoveE(int i);
-    void RemoveR(int i);
+    void AppendConvex(int i);
+    void AppendReflex(int i);
+    void AppendEar(int i);
+    // A new ear in the closed ring, just before the first one.
+    void AddEar(int i);
+    void RemoveFromRing(int i);
+    void RemoveEar(int i);
+    void RemoveReflex(int i);
     // Writes the triangle of ear i and takes i out of the vertex ring.
     void Clip(int i, int*& raiOut);
     // After a clip: re-examines a former neighbour of the clipped vertex.
@@ -146,9 +146,9 @@ private:
     std::vector<double> m_indexX, m_indexY;
     std::unique_ptr<kwEarClipping::CReflexVertexIndex> m_spReflexIndex;
     std::vector<SVertex> m_vertices;
-    int m_iCFirst = -1, m_iCLast = -1;
-    int m_iRFirst = -1, m_iRLast = -1;
-    int m_iEFirst = -1, m_iELast = -1;
+    int m_iConvexFirst = -1, m_iConvexLast = -1;
+    int m_iReflexFirst = -1, m_iReflexLast = -1;
+    int m_iEarFirst = -1, m_iEarLast = -1;
 };
 
 template <class Real, class Other>
@@ -244,7 +244,7 @@ void CEarClipperT<Real, Other>::PrepareScaledQuery(const Vector2* akPoint, Query
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::Triangulate(int* aiIndex) {
     Classify();
-    if (m_iRFirst == -1) {
+    if (m_iReflexFirst == -1) {
         WriteFan(aiIndex);
         return;
     }
@@ -256,14 +256,14 @@ template <class Real, class Other>
 void CEarClipperT<Real, Other>::Classify() {
     const int n = static_cast<int>(m_vertices.size());
     for (int i = 0; i < n; ++i) {
-        Vertex(i).VPrev = i == 0 ? n - 1 : i - 1;
-        Vertex(i).VNext = i == n - 1 ? 0 : i + 1;
+        Vertex(i).ringPrev = i == 0 ? n - 1 : i - 1;
+        Vertex(i).ringNext = i == n - 1 ? 0 : i + 1;
     }
     for (int i = 0; i < n; ++i) {
         if (IsConvex(i)) {
-            InsertAfterC(i);
+            AppendConvex(i);
         } else {
-            InsertAfterR(i);
+            AppendReflex(i);
         }
     }
 }
@@ -281,21 +281,21 @@ void CEarClipperT<Real, Other>::WriteFan(int* aiOut) const {
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::FindEars() {
     std::vector<int> reflex;
-    for (int i = m_iRFirst; i != -1; i = Vertex(i).SNext) {
+    for (int i = m_iReflexFirst; i != -1; i = Vertex(i).listNext) {
         reflex.push_back(i);
     }
     m_spReflexIndex.reset(new kwEarClipping::CReflexVertexIndex(
         m_indexX.data(), m_indexY.data(), static_cast<int>(m_vertices.size())));
     m_spReflexIndex->Build(reflex);
 
-    for (int i = m_iCFirst; i != -1; i = Vertex(i).SNext) {
+    for (int i = m_iConvexFirst; i != -1; i = Vertex(i).listNext) {
         if (IsEar(i)) {
-            InsertEndE(i);
+            AppendEar(i);
         }
     }
-    if (m_iEFirst != -1) {
-        Vertex(m_iEFirst).EPrev = m_iELast;
-        Vertex(m_iELast).ENext = m_iEFirst;
+    if (m_iEarFirst != -1) {
+        Vertex(m_iEarFirst).earPrev = m_iEarLast;
+        Vertex(m_iEarLast).earNext = m_iEarFirst;
     }
 }
 
@@ -304,84 +304,83 @@ void CEarClipperT<Real, Other>::ClipEars(int* aiOut) {
     const int n = static_cast<int>(m_vertices.size());
     // Without an ear (input outside the contract) the clip falls back on the
     // clipped vertex's successor, or on vertex 0 at the start.
-    int ear = m_iEFirst != -1 ? m_iEFirst : 0;
-    int prev = Vertex(ear).VPrev;
-    int next = Vertex(ear).VNext;
+    int ear = m_iEarFirst != -1 ? m_iEarFirst : 0;
+    int prev = Vertex(ear).ringPrev;
+    int next = Vertex(ear).ringNext;
     Clip(ear, aiOut);
     for (int k = 0; k < n - 4; ++k) {
         Update(prev);
         Update(next);
-        if (Vertex(ear).IsEar) {
-            RemoveE(ear);
+        if (Vertex(ear).isEar) {
+            RemoveEar(ear);
         }
-        ear = m_iEFirst != -1 ? m_iEFirst : next;
-        prev = Vertex(ear).VPrev;
-        next = Vertex(ear).VNext;
+        ear = m_iEarFirst != -1 ? m_iEarFirst : next;
+        prev = Vertex(ear).ringPrev;
+        next = Vertex(ear).ringNext;
         Clip(ear, aiOut);
     }
     if (n > 3) {
-        if (Vertex(ear).IsEar) {
-            RemoveE(ear);
+        if (Vertex(ear).isEar) {
+            RemoveEar(ear);
         }
-        const int last = m_iEFirst != -1 ? m_iEFirst : next;
-        *aiOut++ = Vertex(last).VPrev;
+        const int last = m_iEarFirst != -1 ? m_iEarFirst : next;
+        *aiOut++ = Vertex(last).ringPrev;
         *aiOut++ = last;
-        *aiOut++ = Vertex(last).VNext;
+        *aiOut++ = Vertex(last).ringNext;
     }
 }
 
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::Clip(int i, int*& raiOut) {
-    *raiOut++ = Vertex(i).VPrev;
+    *raiOut++ = Vertex(i).ringPrev;
     *raiOut++ = i;
-    *raiOut++ = Vertex(i).VNext;
-    RemoveV(i);
-    if (Vertex(i).IsReflexListed) {
-        RemoveR(i);
+    *raiOut++ = Vertex(i).ringNext;
+    RemoveFromRing(i);
+    if (Vertex(i).isReflexListed) {
+        RemoveReflex(i);
     }
 }
 
 template <class Real, class Other>
 void CEarClipperT<Real, Other>::Update(int i) {
-    if (!Vertex(i).IsEar) {
+    if (!Vertex(i).isEar) {
         if (IsConvex(i)) {
-            if (Vertex(i).IsReflexListed) {
-                RemoveR(i);
+            if (Vertex(i).isReflexListed) {
+                RemoveReflex(i);
             }
             if (IsEar(i)) {
-                InsertBeforeE(i);
+                AddEar(i);
             }
         }
     } else if (!IsEar(i)) {
-        RemoveE(i);
+        RemoveEar(i);
     }
 }
 
 template <class Real, class Other>
-bool CEarClipperT<Real, Other>::IsConvex(int i) {
-    SVertex& vertex = Vertex(i);
-    vertex.IsConvex = m_spQuery->ToLine(i, vertex.VPrev, vertex.VNext) > 0;
-    return vertex.IsConvex;
+bool CEarClipperT<Real, Other>::IsConvex(int i) const {
+    const SVertex& vertex = Vertex(i);
+    return m_spQuery->ToLine(i, vertex.ringPrev, vertex.ringNext) > 0;
 }
 
 template <class Real, class Other>
 bool CEarClipperT<Real, Other>::IsEar(int i) {
     SVertex& vertex = Vertex(i);
-    if (m_iRFirst == -1) {
-        vertex.IsEar = true;
+    if (m_iReflexFirst == -1) {
+        vertex.isEar = true;
         return true;
     }
-    const int prev = vertex.VPrev;
-    const int next = vertex.VNext;
+    const int prev = vertex.ringPrev;
+    const int next = vertex.ringNext;
     const Query2<Real, Other>* query = m_spQuery.get();
     // Reflex vertices on the triangle's boundary do not block the ear. The
     // triangle's own corners are skipped: with a zero difference vector every
     // query finds them on the boundary, and the filtered query would pay for
     // an exact evaluation to say so.
-    vertex.IsEar = !m_spReflexIndex->AnyInside(prev, i, next, [query, prev, i, next](int r) {
+    vertex.isEar = !m_spReflexIndex->AnyInside(prev, i, next, [query, prev, i, next](int r) {
         return r != prev && r != next && query->ToTriangle(r, prev, i, next) < 0;
     });
-    return vertex.IsEar;
+    return vertex.isEar;
 }
 
 template <class Real, class Other>
@@ -397,81 +396,80 @@ void CEarClipperT<Real, Other>::Append(int i, int& riFirst, int& riLast, int SVe
 }
 
 template <class Real, class Other>
-void CEarClipperT<Real, Other>::InsertAfterC(int i) {
-    Append(i, m_iCFirst, m_iCLast, &SVertex::SPrev, &SVertex::SNext);
+void CEarClipperT<Real, Other>::AppendConvex(int i) {
+    Append(i, m_iConvexFirst, m_iConvexLast, &SVertex::listPrev, &SVertex::listNext);
 }
 
 template <class Real, class Other>
-void CEarClipperT<Real, Other>::InsertAfterR(int i) {
-    Append(i, m_iRFirst, m_iRLast, &SVertex::SPrev, &SVertex::SNext);
-    Vertex(i).IsReflexListed = true;
+void CEarClipperT<Real, Other>::AppendReflex(int i) {
+    Append(i, m_iReflexFirst, m_iReflexLast, &SVertex::listPrev, &SVertex::listNext);
+    Vertex(i).isReflexListed = true;
 }
 
 template <class Real, class Other>
-void CEarClipperT<Real, Other>::InsertEndE(int i) {
-    Append(i, m_iEFirst, m_iELast, &SVertex::EPrev, &SVertex::ENext);
+void CEarClipperT<Real, Other>::AppendEar(int i) {
+    Append(i, m_iEarFirst, m_iEarLast, &SVertex::earPrev, &SVertex::earNext);
 }
 
 template <class Real, class Other>
-void CEarClipperT<Real, Other>::InsertBeforeE(int i) {
-    if (m_iEFirst == -1) {
-        m_iEFirst = m_iELast = i;
-        Vertex(i).EPrev = Vertex(i).ENext = i;
+void CEarClipperT<Real, Other>::AddEar(int i) {
+    if (m_iEarFirst == -1) {
+        m_iEarFirst = m_iEarLast = i;
+        Vertex(i).earPrev = Vertex(i).earNext = i;
         return;
     }
     // Just before the first ear: at the end of the ring.
-    Vertex(i).EPrev = m_iELast;
-    Vertex(i).ENext = m_iEFirst;
-    Vertex(m_iELast).ENext = i;
-    Vertex(m_iEFirst).EPrev = i;
-    m_iELast = i;
+    Vertex(i).earPrev = m_iEarLast;
+    Vertex(i).earNext = m_iEarFirst;
+    Vertex(m_iEarLast).earNext = i;
+    Vertex(m_iEarFirst).earPrev = i;
+    m_iEarLast = i;
 }
 
 template <class Real, class Other>
-void CEarClipperT<Real, Other>::RemoveV(int i) {
-    const int prev = Vertex(i).VPrev;
-    const int next = Vertex(i).VNext;
-    Vertex(prev).VNext = next;
-    Vertex(next).VPrev = prev;
+void CEarClipperT<Real, Other>::RemoveFromRing(int i) {
+    const int prev = Vertex(i).ringPrev;
+    const int next = Vertex(i).ringNext;
+    Vertex(prev).ringNext = next;
+    Vertex(next).ringPrev = prev;
 }
 
 template <class Real, class Other>
-int CEarClipperT<Real, Other>::RemoveE(int i) {
+void CEarClipperT<Real, Other>::RemoveEar(int i) {
     SVertex& vertex = Vertex(i);
-    const int prev = vertex.EPrev;
-    const int next = vertex.ENext;
-    vertex.IsEar = false;
-    vertex.EPrev = vertex.ENext = -1;
+    const int prev = vertex.earPrev;
+    const int next = vertex.earNext;
+    vertex.isEar = false;
+    vertex.earPrev = vertex.earNext = -1;
     if (next == i) {
-        m_iEFirst = m_iELast = -1;
-        return -1;
+        m_iEarFirst = m_iEarLast = -1;
+        return;
     }
-    Vertex(prev).ENext = next;
-    Vertex(next).EPrev = prev;
-    if (i == m_iEFirst) {
-        m_iEFirst = next;
+    Vertex(prev).earNext = next;
+    Vertex(next).earPrev = prev;
+    if (i == m_iEarFirst) {
+        m_iEarFirst = next;
     }
-    if (i == m_iELast) {
-        m_iELast = prev;
+    if (i == m_iEarLast) {
+        m_iEarLast = prev;
     }
-    return next;
 }
 
 template <class Real, class Other>
-void CEarClipperT<Real, Other>::RemoveR(int i) {
+void CEarClipperT<Real, Other>::RemoveReflex(int i) {
     SVertex& vertex = Vertex(i);
-    if (vertex.SPrev != -1) {
-        Vertex(vertex.SPrev).SNext = vertex.SNext;
+    if (vertex.listPrev != -1) {
+        Vertex(vertex.listPrev).listNext = vertex.listNext;
     } else {
-        m_iRFirst = vertex.SNext;
+        m_iReflexFirst = vertex.listNext;
     }
-    if (vertex.SNext != -1) {
-        Vertex(vertex.SNext).SPrev = vertex.SPrev;
+    if (vertex.listNext != -1) {
+        Vertex(vertex.listNext).listPrev = vertex.listPrev;
     } else {
-        m_iRLast = vertex.SPrev;
+        m_iReflexLast = vertex.listPrev;
     }
-    vertex.SPrev = vertex.SNext = -1;
-    vertex.IsReflexListed = false;
+    vertex.listPrev = vertex.listNext = -1;
+    vertex.isReflexListed = false;
     m_spReflexIndex->Remove(i);
 }
 

@@ -1,7 +1,7 @@
-// Polygons as text for the triangulate command: one contour per block of
-// "x y" lines, blank lines between contours, the first contour the outer
-// boundary and the rest holes; "#" starts a comment. Also draws a polygon and
-// its triangles as an SVG picture.
+// Polygons as text for the kwcore tool's triangulate command: one contour
+// per block of "x y" lines, blank lines between contours, the first contour
+// the outer boundary and the rest holes; "#" starts a comment. Also draws a
+// polygon and its triangles as an SVG picture.
 #pragma once
 
 #include <array>
