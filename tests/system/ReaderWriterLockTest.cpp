@@ -272,6 +272,24 @@ TEST(SystemReaderWriterLockReentrant, CopyTakesCountsButNotEvents) {
     EXPECT_EQ(lock.ThreadEntries(), 0u);
 }
 
+TEST(SystemReaderWriterLockReentrant, AssignmentReplacesCountsAndKeepsTheSource) {
+    CReentrantProbe source;
+    source.AcquireReaderLock();
+    CReentrantProbe target;
+    target.AcquireWriterLock();
+    target = source;
+    // The target's writer is gone; it holds what the source held.
+    EXPECT_EQ(target.Writers(), 0u);
+    EXPECT_EQ(target.Readers(), 1u);
+    target.ReleaseReaderLock();
+    target.AcquireWriterLock();
+    target.ReleaseWriterLock();
+    EXPECT_EQ(target.ThreadEntries(), 0u);
+    EXPECT_EQ(source.Readers(), 1u);
+    source.ReleaseReaderLock();
+    EXPECT_EQ(source.ThreadEntries(), 0u);
+}
+
 TEST(SystemReaderWriterLockReentrant, ManyThreadsHoldingAtOnceKeepTheirOwnCounts) {
     CReentrantProbe lock;
     const unsigned uThreads = 24;

@@ -6,6 +6,7 @@
 
 #include <cstring>
 #include <memory>
+#include <string>
 
 using kwThreadTest::CEndlessThread;
 using kwThreadTest::CRecordingThread;
@@ -235,6 +236,55 @@ TEST(ThreadExceptions, CarryTheirThreadTypeAndText) {
     pException->Delete();
     EXPECT_FALSE(CKWThreadException::GetLastSystemErrorMsg(ERROR_NOT_ENOUGH_MEMORY).IsEmpty());
 }
+
+// A host's own exception, filled in after construction.
+class CHostThreadException : public CKWThreadException {
+public:
+    CHostThreadException() : CKWThreadException(nullptr) {}
+    void Fill(CKWThread* pThread, int type, CString message) {
+        SetThread(pThread);
+        SetType(type);
+        SetErrorMsg(message);
+    }
+    void FillFromResource(UINT messageId) { SetErrorMsg(messageId); }
+};
+
+TEST(ThreadExceptions, SettersFillInAnExceptionMadeWithItsThreadAlone) {
+    CStubbornThread thread;
+    CHostThreadException* pException = new CHostThreadException;
+    EXPECT_EQ(pException->GetThread(), nullptr);
+    EXPECT_EQ(pException->GetType(), 0);
+    EXPECT_TRUE(pException->GetErrorMsg().IsEmpty());
+    pException->Fill(&thread, CKWThreadException::POST_COMMAND_FAILED, "posted nothing");
+    EXPECT_EQ(pException->GetThread(), &thread);
+    EXPECT_EQ(pException->GetType(), CKWThreadException::POST_COMMAND_FAILED);
+    EXPECT_EQ(std::string(pException->GetErrorMsg()), "posted nothing");
+    UINT helpContext = 7;
+    EXPECT_FALSE(pException->GetErrorMessage(nullptr, 10, &helpContext));
+    EXPECT_EQ(helpContext, 0u);
+    pException->Delete();
+}
+
+#if !defined(_WIN32)
+// This build has no string resources, and no message box.
+TEST(ThreadExceptions, ResourceTextsAreEmptyAndReportsGoToStandardError) {
+    CKWThreadException* pException =
+        new CKWThreadException(nullptr, 101u, CKWThreadException::KILL_FAILED);
+    EXPECT_TRUE(pException->GetErrorMsg().IsEmpty());
+    EXPECT_EQ(pException->GetType(), CKWThreadException::KILL_FAILED);
+    pException->Delete();
+
+    CHostThreadException* pHost = new CHostThreadException;
+    pHost->Fill(nullptr, CKWThreadException::KILL_FAILED, "not stopped");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(pHost->ReportError(), 0);
+    EXPECT_EQ(pHost->ReportError(0, 101u), 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "not stopped\n\n");
+    pHost->FillFromResource(101u);
+    EXPECT_TRUE(pHost->GetErrorMsg().IsEmpty());
+    pHost->Delete();
+}
+#endif
 
 TEST(ThreadNamedLocks, ObjectsOfOneNameShareAnEntryFreedWithTheLastUser) {
     INT_PTR before = CNamedThread::EntryCount();

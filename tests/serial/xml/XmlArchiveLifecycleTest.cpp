@@ -4,6 +4,8 @@
 // crash, and are never changed by the read.
 #include <gtest/gtest.h>
 
+#include <xercesc/dom/DOMError.hpp>
+
 #include "XmlArchiveTest.h"
 
 namespace {
@@ -14,6 +16,17 @@ CKWFieldStream* NewStream(CKWXMLFileArchive* archive, const CKWGuid& instanceID)
     manifest->WriteTypeHeader(CSamplePart::GetCSamplePartType());
     return manifest->CreateFieldStream(instanceID, nullptr);
 }
+
+// The worst error a DOM writer reports.
+class CFatalWriterError : public XERCES_CPP_NAMESPACE::DOMError {
+public:
+    ErrorSeverity getSeverity() const override { return DOM_SEVERITY_FATAL_ERROR; }
+    const XMLCh* getMessage() const override { return nullptr; }
+    XERCES_CPP_NAMESPACE::DOMLocator* getLocation() const override { return nullptr; }
+    void* getRelatedException() const override { return nullptr; }
+    const XMLCh* getType() const override { return nullptr; }
+    void* getRelatedData() const override { return nullptr; }
+};
 
 size_t Count(const std::string& text, const std::string& part) {
     size_t count = 0;
@@ -112,6 +125,7 @@ TEST_F(XmlArchiveLifecycle, IsItsWritersErrorHandlerAndItsStreamsOpenAndCloseAsN
     ASSERT_NE(handler, nullptr);
     EXPECT_EQ(handler, static_cast<XERCES_CPP_NAMESPACE::DOMErrorHandler*>(archive.get()));
     EXPECT_EQ(dynamic_cast<CKWArchive*>(handler), archive.get());
+    EXPECT_TRUE(handler->handleError(CFatalWriterError()));  // the writer goes on after any error
     CSamplePart* part = NewPart("one");
     ASSERT_TRUE(archive->Open(CKWArchive::modeWrite));
     auto* stream =
