@@ -63,7 +63,9 @@ void CKWReaderWriterLock::ReleaseReaderLock() {
     if (!bHeld || --*pCount != 0)
         return;
     kwHeldLocks::Emptied(kwHeldLocks::LockID(this), pCount);
-    CReaderWriterLockNonReentrance::ReleaseReaderLock();
+    // Held, as the count says: no need to look at the reader word first.
+    if (CountReaderOut())
+        HandOverToWriter();
 }
 
 void CKWReaderWriterLock::ReleaseWriterLock() {

@@ -14,8 +14,10 @@
 
 namespace {
 
-// How often a reader that found a writer looks again before it waits.
-constexpr int READER_SPINS = 20;
+// How often a reader that found a writer looks again before it waits. A
+// few times only: when threads outnumber cores, a spinning thread keeps the
+// core from the very holder it waits for.
+constexpr int READER_SPINS = 4;
 
 void CpuRelax() {
 #if defined(__x86_64__) || defined(__i386__)
@@ -43,10 +45,10 @@ void CloseLockEvent(HANDLE hEvent) {
 
 #else
 
-// Looks at a taken guard, or at an event not yet signalled, before
-// sleeping: sleeping costs a system call, and the holders keep the lock
-// for a short while only.
-constexpr int SPINS = 100;
+// Looks at a taken guard, or at an event not yet signalled, a few times
+// before sleeping: the holders keep the lock for a short while only, but a
+// longer spin starves them of the core when threads outnumber cores.
+constexpr int SPINS = 4;
 
 // The word the kernel sleeps on: the guard's own.
 int* GuardWord(std::atomic<int>& guard) {
@@ -211,8 +213,8 @@ unsigned CReaderWriterLockNonReentrance::GetReaders() const {
 void CReaderWriterLockNonReentrance::AcquireReaderLockSlow() {
     if (CountReaderOut())
         HandOverToWriter();
-    // Writers hold the lock briefly as a rule: watching for the writers'
-    // bit to clear costs less than a sleep, and than the event it needs.
+    // Writers hold the lock briefly as a rule: a look or two at the
+    // writers' bit may spare a sleep and the event it needs.
     for (int iSpin = 0; iSpin < READER_SPINS; ++iSpin) {
         CpuRelax();
         if (m_uReaderWord.load(std::memory_order_relaxed) & WRITERS_PRESENT)

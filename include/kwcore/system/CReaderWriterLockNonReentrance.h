@@ -32,6 +32,11 @@ protected:
     // Readers holding the lock.
     unsigned GetReaders() const;
 
+    // Counts out a reader known to hold the lock; true when the caller
+    // must then wake the writer that drains the count (HandOverToWriter).
+    bool CountReaderOut();
+    void HandOverToWriter();
+
     // The forms below expect the guard to be held by the caller.
     void _AcquireReaderLock();
     void _ReleaseReaderLock();
@@ -86,16 +91,11 @@ private:
     void WaitForGuard() const;
     void WakeGuardWaiter() const;
 #endif
-    // Counts one reader out; true when the caller must wake the writer
-    // that drains the count.
-    bool CountReaderOut();
     // Counts back out a reader that found a writer, and waits its turn.
     void AcquireReaderLockSlow();
     // After the count fell to 0 while a writer drained it: true for the one
     // thread that clears WRITER_DRAINS and so must wake the writer.
     bool ClaimHandOver();
-    // Wakes the writer waiting for the readers to leave.
-    void HandOverToWriter();
     static void RefuseUnheldRelease();
     // Claims the reader word for a writer that counts uOwnReaders readers
     // of its own; true when other readers are left to wait for.
