@@ -132,7 +132,6 @@
 #include "kwcore/system/CKWReaderWriterLock.h"
 #include "kwcore/system/CKWTerminalProgressObserver.h"
 #include "kwcore/system/CKWThread.h"
-#include "kwcore/system/CKWThreadHoldCounts.h"
 #include "kwcore/system/CReaderWriterLockNonReentrance.h"
 #include "kwcore/system/IKWProgressTask.h"
 #include "kwcore/system/IKWProgressTaskObserver.h"

@@ -1,91 +1,86 @@
 #include "kwcore/system/CKWReaderWriterLock.h"
 
+#include "KWHeldLocks.h"
+
 #include <cassert>
 
-#if !defined(_WIN32)
-#include <sys/syscall.h>
-#include <unistd.h>
-#endif
+CKWReaderWriterLock::CKWReaderWriterLock() = default;
 
 CKWReaderWriterLock::CKWReaderWriterLock(const CKWReaderWriterLock& other)
     : CReaderWriterLockNonReentrance(other) {
-    other.EnterGuard();
-    m_holdCounts = other.m_holdCounts;
-    other.LeaveGuard();
+    CopyHoldsOf(other);
 }
 
 CKWReaderWriterLock& CKWReaderWriterLock::operator=(const CKWReaderWriterLock& other) {
     if (this != &other) {
         CReaderWriterLockNonReentrance::operator=(other);
-        other.EnterGuard();
-        CKWThreadHoldCounts counts = other.m_holdCounts;
-        other.LeaveGuard();
-        EnterGuard();
-        m_holdCounts.Swap(counts);
-        LeaveGuard();
+        CopyHoldsOf(other);
     }
     return *this;
 }
 
-DWORD CKWReaderWriterLock::CurrentThreadID() {
-#if defined(_WIN32)
-    return ::GetCurrentThreadId();
-#else
-    // Asked once per thread: a system call costs more than the whole
-    // uncontended lock.
-    thread_local const DWORD dwThreadID = static_cast<DWORD>(::syscall(SYS_gettid));
-    return dwThreadID;
-#endif
+void CKWReaderWriterLock::CopyHoldsOf(const CKWReaderWriterLock& other) {
+    const DWORD* pCount = kwHeldLocks::Find(kwHeldLocks::LockID(&other));
+    const DWORD dwCount = pCount ? *pCount : 0;
+    if (dwCount != 0)
+        kwHeldLocks::Add(kwHeldLocks::LockID(this)) = dwCount;
+    else
+        kwHeldLocks::Remove(kwHeldLocks::LockID(this));
+}
+
+CKWReaderWriterLock::~CKWReaderWriterLock() {
+    kwHeldLocks::Remove(kwHeldLocks::LockID(this));
+}
+
+DWORD CKWReaderWriterLock::GetThreadHoldCount() const {
+    const DWORD* pCount = kwHeldLocks::Find(kwHeldLocks::LockID(this));
+    return pCount ? *pCount : 0;
 }
 
 void CKWReaderWriterLock::AcquireReaderLock() {
-    EnterGuard();
-    // The slot stays put while other threads change the table, and only
-    // this thread touches its count.
-    DWORD& dwCount = m_holdCounts[CurrentThreadID()];
+    DWORD& dwCount = kwHeldLocks::Add(kwHeldLocks::LockID(this));
+    // A thread that holds the lock in any way never waits for it again.
     if (dwCount == 0)
-        _AcquireReaderLock();
-    LeaveGuard();
+        CReaderWriterLockNonReentrance::AcquireReaderLock();
     dwCount += 1;
 }
 
 void CKWReaderWriterLock::AcquireWriterLock() {
-    EnterGuard();
-    DWORD& dwCount = m_holdCounts[CurrentThreadID()];
-    if (dwCount == 0)
-        _AcquireWriterLock();
-    else if (dwCount < WRITER_HOLD)
+    DWORD& dwCount = kwHeldLocks::Add(kwHeldLocks::LockID(this));
+    if (dwCount == 0) {
+        CReaderWriterLockNonReentrance::AcquireWriterLock();
+    } else if (dwCount < WRITER_HOLD) {
+        EnterGuard();
         _UpgradeToWriterLock();
-    else
-        LeaveGuard();
+    }
     dwCount += WRITER_HOLD;
 }
 
 void CKWReaderWriterLock::ReleaseReaderLock() {
-    EnterGuard();
-    SKWHoldSlot* pSlot = m_holdCounts.Find(CurrentThreadID());
-    const bool bHeld = pSlot && (pSlot->dwCount & (WRITER_HOLD - 1)) != 0;
+    DWORD* pCount = kwHeldLocks::Find(kwHeldLocks::LockID(this));
+    const bool bHeld = pCount && (*pCount & (WRITER_HOLD - 1)) != 0;
     assert(bHeld && "read lock released but not held by this thread");
-    if (bHeld && --pSlot->dwCount == 0) {
-        m_holdCounts.Remove(*pSlot);
-        _ReleaseReaderLock();
-    }
-    LeaveGuard();
+    if (!bHeld || --*pCount != 0)
+        return;
+    kwHeldLocks::Emptied(kwHeldLocks::LockID(this), pCount);
+    // Held, as the count says: no need to look at the reader word first.
+    if (CountReaderOut())
+        HandOverToWriter();
 }
 
 void CKWReaderWriterLock::ReleaseWriterLock() {
-    EnterGuard();
-    SKWHoldSlot* pSlot = m_holdCounts.Find(CurrentThreadID());
-    const bool bHeld = pSlot && pSlot->dwCount >= WRITER_HOLD;
+    DWORD* pCount = kwHeldLocks::Find(kwHeldLocks::LockID(this));
+    const bool bHeld = pCount && *pCount >= WRITER_HOLD;
     assert(bHeld && "write lock released but not held by this thread");
-    if (bHeld) {
-        pSlot->dwCount -= WRITER_HOLD;
-        if (pSlot->dwCount == 0) {
-            m_holdCounts.Remove(*pSlot);
-            _ReleaseWriterLock();
-        } else if (pSlot->dwCount < WRITER_HOLD) {
-            _DowngradeToReaderLock();
-        }
+    if (!bHeld)
+        return;
+    *pCount -= WRITER_HOLD;
+    if (*pCount == 0) {
+        kwHeldLocks::Emptied(kwHeldLocks::LockID(this), pCount);
+        CReaderWriterLockNonReentrance::ReleaseWriterLock();
+    } else if (*pCount < WRITER_HOLD) {
+        EnterGuard();
+        _DowngradeToReaderLock();
+        LeaveGuard();
     }
-    LeaveGuard();
 }

@@ -14,6 +14,17 @@
 
 namespace {
 
+// How often a reader that found a writer looks again before it waits. A
+// few times only: when threads outnumber cores, a spinning thread keeps the
+// core from the very holder it waits for.
+constexpr int READER_SPINS = 4;
+
+void CpuRelax() {
+#if defined(__x86_64__) || defined(__i386__)
+    __builtin_ia32_pause();
+#endif
+}
+
 #if defined(_WIN32)
 
 HANDLE CreateLockEvent(bool bManualReset) {
@@ -34,16 +45,10 @@ void CloseLockEvent(HANDLE hEvent) {
 
 #else
 
-// Looks at a taken guard, or at an event not yet signalled, before
-// sleeping: sleeping costs a system call, and the holders keep the lock
-// for a short while only.
-constexpr int SPINS = 100;
-
-void CpuRelax() {
-#if defined(__x86_64__) || defined(__i386__)
-    __builtin_ia32_pause();
-#endif
-}
+// Looks at a taken guard, or at an event not yet signalled, a few times
+// before sleeping: the holders keep the lock for a short while only, but a
+// longer spin starves them of the core when threads outnumber cores.
+constexpr int SPINS = 4;
 
 // The word the kernel sleeps on: the guard's own.
 int* GuardWord(std::atomic<int>& guard) {
@@ -120,7 +125,7 @@ CReaderWriterLockNonReentrance::CReaderWriterLockNonReentrance()
     : m_hWriterEvent(nullptr),
       m_hReaderEvent(nullptr),
       m_uWriters(0),
-      m_uReaders(0),
+      m_uReaderWord(0),
       m_uWaitingReaders(0) {
 #if defined(_WIN32)
     ::InitializeCriticalSection(&m_csGuard);
@@ -154,7 +159,8 @@ CReaderWriterLockNonReentrance::~CReaderWriterLockNonReentrance() {
 void CReaderWriterLockNonReentrance::CopyCounters(const CReaderWriterLockNonReentrance& other) {
     other.EnterGuard();
     m_uWriters = other.m_uWriters;
-    m_uReaders = other.m_uReaders;
+    m_uReaderWord.store(other.m_uReaderWord.load(std::memory_order_relaxed),
+                        std::memory_order_relaxed);
     // Waiting readers belong to the other lock's event; none wait on this one.
     m_uWaitingReaders = 0;
     other.LeaveGuard();
@@ -200,16 +206,44 @@ void CReaderWriterLockNonReentrance::SignalEvent(HANDLE hEvent) {
         SetLockEvent(hEvent);
 }
 
-void CReaderWriterLockNonReentrance::AcquireReaderLock() {
+unsigned CReaderWriterLockNonReentrance::GetReaders() const {
+    return m_uReaderWord.load(std::memory_order_relaxed) & READER_COUNT;
+}
+
+void CReaderWriterLockNonReentrance::AcquireReaderLockSlow() {
+    if (CountReaderOut())
+        HandOverToWriter();
+    // Writers hold the lock briefly as a rule: a look or two at the
+    // writers' bit may spare a sleep and the event it needs.
+    for (int iSpin = 0; iSpin < READER_SPINS; ++iSpin) {
+        CpuRelax();
+        if (m_uReaderWord.load(std::memory_order_relaxed) & WRITERS_PRESENT)
+            continue;
+        if (!(m_uReaderWord.fetch_add(1, std::memory_order_acquire) & WRITERS_PRESENT))
+            return;
+        if (CountReaderOut())
+            HandOverToWriter();
+    }
     EnterGuard();
     _AcquireReaderLock();
     LeaveGuard();
 }
 
-void CReaderWriterLockNonReentrance::ReleaseReaderLock() {
+bool CReaderWriterLockNonReentrance::ClaimHandOver() {
+    unsigned uDrained = WRITERS_PRESENT | WRITER_DRAINS;
+    return m_uReaderWord.compare_exchange_strong(uDrained, WRITERS_PRESENT,
+                                                 std::memory_order_acq_rel);
+}
+
+void CReaderWriterLockNonReentrance::HandOverToWriter() {
+    // The writer made its event under the guard before it set its bit.
     EnterGuard();
-    _ReleaseReaderLock();
+    SignalEvent(m_hWriterEvent);
     LeaveGuard();
+}
+
+void CReaderWriterLockNonReentrance::RefuseUnheldRelease() {
+    assert(false && "read lock released but not held");
 }
 
 void CReaderWriterLockNonReentrance::AcquireWriterLock() {
@@ -240,14 +274,14 @@ void CReaderWriterLockNonReentrance::_AcquireReaderLock() {
             m_hReaderEvent = nullptr;
         }
     }
-    ++m_uReaders;
+    // No writer can set its bit meanwhile: that takes the guard.
+    m_uReaderWord.fetch_add(1, std::memory_order_acquire);
 }
 
 void CReaderWriterLockNonReentrance::_ReleaseReaderLock() {
-    assert(m_uReaders != 0 && "read lock released but not held");
-    if (m_uReaders == 0)
-        return;
-    if (--m_uReaders == 0)
+    if ((m_uReaderWord.load(std::memory_order_relaxed) & READER_COUNT) == 0)
+        return RefuseUnheldRelease();
+    if (CountReaderOut())
         SignalEvent(m_hWriterEvent);
 }
 
@@ -257,20 +291,40 @@ void CReaderWriterLockNonReentrance::EnsureWriterEvent() {
 }
 
 void CReaderWriterLockNonReentrance::_AcquireWriterLock() {
-    const unsigned uBusy = m_uReaders + m_uWriters;
-    if (uBusy != 0)
+    // The first writer waits for the readers, later ones for the writer
+    // before them, who hands the lock over.
+    const bool bBusy = m_uWriters != 0 || ClaimReaderWord(0);
+    if (bBusy)
         EnsureWriterEvent();
     if (++m_uWriters == 1 && m_hReaderEvent)
         ResetLockEvent(m_hReaderEvent);
     HANDLE hEvent = m_hWriterEvent;
     LeaveGuard();
-    if (uBusy != 0)
+    if (bBusy)
         WaitForEvent(hEvent);
 }
 
+bool CReaderWriterLockNonReentrance::ClaimReaderWord(unsigned uOwnReaders) {
+    // Sets the writers' bit and, in the same step, marks the count drained
+    // when readers other than the caller are counted in it.
+    unsigned uWord = m_uReaderWord.load(std::memory_order_relaxed);
+    unsigned uClaimed;
+    do {
+        uClaimed = (uWord | WRITERS_PRESENT) - uOwnReaders;
+        if (uClaimed & READER_COUNT)
+            uClaimed |= WRITER_DRAINS;
+        else
+            uClaimed &= ~WRITER_DRAINS;
+    } while (!m_uReaderWord.compare_exchange_weak(uWord, uClaimed, std::memory_order_acq_rel,
+                                                  std::memory_order_relaxed));
+    return (uClaimed & READER_COUNT) != 0;
+}
+
 void CReaderWriterLockNonReentrance::_UpgradeToWriterLock() {
-    --m_uReaders;
-    const bool bReadersLeft = m_uReaders != 0;
+    // This thread's own reader slot goes, without the hand-over a last
+    // reader makes: the upgrade waits for the other readers only, even when
+    // a writer already waits for them too.
+    const bool bReadersLeft = ClaimReaderWord(1);
     if (bReadersLeft)
         EnsureWriterEvent();
     if (++m_uWriters == 1 && m_hReaderEvent)
@@ -282,6 +336,7 @@ void CReaderWriterLockNonReentrance::_UpgradeToWriterLock() {
 }
 
 void CReaderWriterLockNonReentrance::CloseWriterEventAndWakeReaders() {
+    m_uReaderWord.fetch_and(READER_COUNT, std::memory_order_release);
     if (m_hWriterEvent)
         CloseLockEvent(m_hWriterEvent);
     m_hWriterEvent = nullptr;
@@ -299,7 +354,11 @@ void CReaderWriterLockNonReentrance::_ReleaseWriterLock() {
 }
 
 void CReaderWriterLockNonReentrance::_DowngradeToReaderLock() {
-    ++m_uReaders;
-    if (--m_uWriters == 0)
+    if (--m_uWriters == 0) {
+        m_uReaderWord.fetch_add(1, std::memory_order_relaxed);
         CloseWriterEventAndWakeReaders();
+    } else {
+        // The next writer waits for this reader now.
+        m_uReaderWord.fetch_add(1 | WRITER_DRAINS, std::memory_order_relaxed);
+    }
 }

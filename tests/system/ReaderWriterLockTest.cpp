@@ -20,9 +20,7 @@ public:
     unsigned Writers() {
         return Read([this] { return this->m_uWriters; });
     }
-    unsigned Readers() {
-        return Read([this] { return this->m_uReaders; });
-    }
+    unsigned Readers() { return this->GetReaders(); }
     unsigned WaitingReaders() {
         return Read([this] { return this->m_uWaitingReaders; });
     }
@@ -48,9 +46,8 @@ protected:
 
 class CReentrantProbe : public CLockProbe<CKWReaderWriterLock> {
 public:
-    size_t ThreadEntries() {
-        return Read([this] { return m_holdCounts.GetCount(); });
-    }
+    // The calling thread's hold count; 0 when it has no entry.
+    DWORD HeldHere() const { return GetThreadHoldCount(); }
 };
 
 typedef CLockProbe<CReaderWriterLockNonReentrance> CPlainProbe;
@@ -174,7 +171,7 @@ TEST(SystemReaderWriterLockReentrant, NestedHoldsReleaseInAnyOrder) {
         EXPECT_EQ(lock.Readers(), 0u);
         for (EHold hold : releases)
             hold == eRead ? lock.ReleaseReaderLock() : lock.ReleaseWriterLock();
-        EXPECT_EQ(lock.ThreadEntries(), 0u);
+        EXPECT_EQ(lock.HeldHere(), 0u);
         EXPECT_EQ(lock.Readers(), 0u);
         EXPECT_EQ(lock.Writers(), 0u);
         EXPECT_FALSE(lock.HasEvents());
@@ -199,7 +196,7 @@ TEST(SystemReaderWriterLockReentrant, WriterTakesReadAndWriteAgainWithoutWaiting
     EXPECT_EQ(lock.Writers(), 1u);
     lock.ReleaseWriterLock();
     EXPECT_EQ(lock.Writers(), 0u);
-    EXPECT_EQ(lock.ThreadEntries(), 0u);
+    EXPECT_EQ(lock.HeldHere(), 0u);
 }
 
 TEST(SystemReaderWriterLockReentrant, UpgradeWaitsOnlyForTheOtherReaders) {
@@ -227,7 +224,7 @@ TEST(SystemReaderWriterLockReentrant, UpgradeWaitsOnlyForTheOtherReaders) {
     other.join();
     upgrader.join();
     EXPECT_EQ(trail.Steps(), (std::vector<std::string>{"other reader leaves", "upgraded"}));
-    EXPECT_EQ(lock.ThreadEntries(), 0u);
+    EXPECT_EQ(lock.HeldHere(), 0u);
     EXPECT_FALSE(lock.HasEvents());
 }
 
@@ -257,19 +254,31 @@ TEST(SystemReaderWriterLockReentrant, SoleReaderUpgradesAndDowngrades) {
     lock.ReleaseReaderLock();
     writer.join();
     EXPECT_EQ(trail.Steps(), (std::vector<std::string>{"reader leaves", "writer"}));
-    EXPECT_EQ(lock.ThreadEntries(), 0u);
+    EXPECT_EQ(lock.HeldHere(), 0u);
 }
 
-TEST(SystemReaderWriterLockReentrant, CopyTakesCountsButNotEvents) {
+TEST(SystemReaderWriterLockReentrant, CopyTakesTheCopyingThreadsHoldsButNotEvents) {
     CReentrantProbe lock;
     lock.AcquireReaderLock();
-    CKWReaderWriterLock copy(lock);
+    lock.AcquireReaderLock();
+    CReentrantProbe copy(lock);
+    EXPECT_EQ(copy.HeldHere(), 2u);
+    EXPECT_EQ(copy.Readers(), 1u);
     lock.ReleaseReaderLock();
-    // The copy believes this thread holds one read lock and can give it back.
+    lock.ReleaseReaderLock();
+    EXPECT_EQ(lock.HeldHere(), 0u);
+    // The copy believes this thread holds the read lock and gives it back.
+    copy.ReleaseReaderLock();
     copy.ReleaseReaderLock();
     copy.AcquireWriterLock();
     copy.ReleaseWriterLock();
-    EXPECT_EQ(lock.ThreadEntries(), 0u);
+    EXPECT_EQ(copy.HeldHere(), 0u);
+    // Assigning a lock this thread does not hold drops the holds.
+    copy.AcquireReaderLock();
+    CReentrantProbe unheld;
+    copy = unheld;
+    EXPECT_EQ(copy.HeldHere(), 0u);
+    EXPECT_EQ(copy.Readers(), 0u);
 }
 
 TEST(SystemReaderWriterLockReentrant, AssignmentReplacesCountsAndKeepsTheSource) {
@@ -281,43 +290,51 @@ TEST(SystemReaderWriterLockReentrant, AssignmentReplacesCountsAndKeepsTheSource)
     // The target's writer is gone; it holds what the source held.
     EXPECT_EQ(target.Writers(), 0u);
     EXPECT_EQ(target.Readers(), 1u);
+    EXPECT_EQ(target.HeldHere(), 1u);
     target.ReleaseReaderLock();
     target.AcquireWriterLock();
     target.ReleaseWriterLock();
-    EXPECT_EQ(target.ThreadEntries(), 0u);
+    EXPECT_EQ(target.HeldHere(), 0u);
     EXPECT_EQ(source.Readers(), 1u);
     source.ReleaseReaderLock();
-    EXPECT_EQ(source.ThreadEntries(), 0u);
+    EXPECT_EQ(source.HeldHere(), 0u);
 }
 
-TEST(SystemReaderWriterLockReentrant, ManyThreadsHoldingAtOnceKeepTheirOwnCounts) {
-    CReentrantProbe lock;
-    const unsigned uThreads = 24;
+TEST(SystemReaderWriterLockReentrant, ManyThreadsAndManyLocksKeepTheirOwnCounts) {
+    // More locks than a thread keeps at hand, held at once by every thread.
+    const unsigned uLocks = 20;
+    const unsigned uThreads = 12;
+    std::vector<CReentrantProbe> locks(uLocks);
     std::atomic<unsigned> uHolding{0};
+    std::atomic<int> iWrongCounts{0};
     std::vector<std::thread> threads;
     for (unsigned uThread = 0; uThread < uThreads; ++uThread)
         threads.emplace_back([&] {
-            lock.AcquireReaderLock();
-            // Every thread has its entry before any takes the lock again.
+            for (unsigned uLock = 0; uLock < uLocks; ++uLock)
+                for (unsigned uTimes = 0; uTimes <= uLock % 3; ++uTimes)
+                    locks[uLock].AcquireReaderLock();
+            // Every thread holds all its locks before any lets go.
             ++uHolding;
             while (uHolding < uThreads)
                 std::this_thread::yield();
-            lock.AcquireReaderLock();
-            lock.ReleaseReaderLock();
-            lock.ReleaseReaderLock();
+            for (unsigned uLock = 0; uLock < uLocks; ++uLock) {
+                if (locks[uLock].HeldHere() != uLock % 3 + 1)
+                    ++iWrongCounts;
+                for (unsigned uTimes = 0; uTimes <= uLock % 3; ++uTimes)
+                    locks[uLock].ReleaseReaderLock();
+                if (locks[uLock].HeldHere() != 0)
+                    ++iWrongCounts;
+            }
         });
     for (auto& thread : threads)
         thread.join();
-    EXPECT_EQ(lock.ThreadEntries(), 0u);
-    EXPECT_EQ(lock.Readers(), 0u);
-    // Entries come back in the slots the threads left.
-    std::thread writer([&] {
+    EXPECT_EQ(iWrongCounts, 0);
+    for (CReentrantProbe& lock : locks) {
+        EXPECT_EQ(lock.Readers(), 0u);
         lock.AcquireWriterLock();
-        EXPECT_EQ(lock.ThreadEntries(), 1u);
+        EXPECT_EQ(lock.HeldHere(), CKWReaderWriterLock::WRITER_HOLD);
         lock.ReleaseWriterLock();
-    });
-    writer.join();
-    EXPECT_EQ(lock.ThreadEntries(), 0u);
+    }
 }
 
 // Several threads take the lock in every way it allows; no writer may ever
@@ -395,7 +412,7 @@ TEST(SystemReaderWriterLockStress, NoWriterEverSharesTheLock) {
     EXPECT_FALSE(plain.HasEvents());
     CReentrantProbe reentrant;
     Stress(reentrant, RunReentrantRound);
-    EXPECT_EQ(reentrant.ThreadEntries(), 0u);
+    EXPECT_EQ(reentrant.HeldHere(), 0u);
     EXPECT_FALSE(reentrant.HasEvents());
 }
 

@@ -2,18 +2,20 @@
 //
 // A thread holding read locks may take the write lock (waiting only for the
 // other readers), and a writer keeps its read locks when it releases the
-// write lock. Hold counts are kept per thread.
+// write lock. Each thread keeps its own hold counts, by lock, so a thread
+// that takes the lock again touches nothing other threads share.
 #pragma once
 
-#include "kwcore/system/CKWThreadHoldCounts.h"
 #include "kwcore/system/CReaderWriterLockNonReentrance.h"
 
 class KWCORE_API CKWReaderWriterLock : public CReaderWriterLockNonReentrance {
 public:
-    CKWReaderWriterLock() = default;
+    CKWReaderWriterLock();
+    // The copy carries the copying thread's holds of the original; other
+    // threads hold nothing of it.
     CKWReaderWriterLock(const CKWReaderWriterLock& other);
     CKWReaderWriterLock& operator=(const CKWReaderWriterLock& other);
-    ~CKWReaderWriterLock() override = default;
+    ~CKWReaderWriterLock() override;
 
     void AcquireReaderLock();
     void ReleaseReaderLock();
@@ -24,9 +26,11 @@ public:
     static constexpr DWORD WRITER_HOLD = 0x10000;
 
 protected:
-    static DWORD CurrentThreadID();
+    // The calling thread's count: read holds in the low 16 bits, write holds
+    // above them; 0 when the thread holds nothing of this lock.
+    DWORD GetThreadHoldCount() const;
 
-    // Per thread: read holds in the low 16 bits, write holds above them.
-    // A thread without locks has no entry.
-    CKWThreadHoldCounts m_holdCounts;
+private:
+    // Gives the calling thread the same holds of this lock as of the other.
+    void CopyHoldsOf(const CKWReaderWriterLock& other);
 };

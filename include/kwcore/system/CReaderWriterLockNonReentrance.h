@@ -1,15 +1,15 @@
 // Reader-writer lock: many readers or one writer, writers preferred.
 //
-// One guard protects the counters; the two events a thread may wait on are
-// created only while someone has to wait. No thread may take the lock twice.
+// A reader comes and goes with one atomic operation on the reader word
+// while no writer holds or waits. Everything else (writers, waiting readers,
+// the two events, created only while someone has to wait) is kept under one
+// guard. No thread may take the lock twice.
 #pragma once
 
 #include "kwcore/platform/Export.h"
 #include "kwcore/platform/Win32Types.h"
 
-#if !defined(_WIN32)
 #include <atomic>
-#endif
 
 class KWCORE_API CReaderWriterLockNonReentrance {
 public:
@@ -28,6 +28,14 @@ public:
 protected:
     void EnterGuard() const;
     void LeaveGuard() const;
+
+    // Readers holding the lock.
+    unsigned GetReaders() const;
+
+    // Counts out a reader known to hold the lock; true when the caller
+    // must then wake the writer that drains the count (HandOverToWriter).
+    bool CountReaderOut();
+    void HandOverToWriter();
 
     // The forms below expect the guard to be held by the caller.
     void _AcquireReaderLock();
@@ -61,21 +69,61 @@ protected:
     HANDLE m_hWriterEvent;
     // Manual-reset; exists while readers wait for the writers to leave.
     HANDLE m_hReaderEvent;
-    // Writers holding or waiting, readers holding, readers waiting.
+    // Writers holding or waiting; changed under the guard only.
     unsigned m_uWriters;
-    unsigned m_uReaders;
+    // Readers holding, counted in the low bits; WRITERS_PRESENT while
+    // m_uWriters is not 0; WRITER_DRAINS while a writer waits for the count
+    // to fall to 0. Both bits are set under the guard. A reader counts
+    // itself in with one atomic add and, when it finds a writer present,
+    // counts itself out again at once: such a passing count is waited for
+    // like any other, and the thread that brings the count to 0 while a
+    // writer drains it clears WRITER_DRAINS and wakes the writer.
+    std::atomic<unsigned> m_uReaderWord;
+    // Readers blocked on the reader event.
     unsigned m_uWaitingReaders;
+
+    static constexpr unsigned WRITERS_PRESENT = 0x80000000u;
+    static constexpr unsigned WRITER_DRAINS = 0x40000000u;
+    static constexpr unsigned READER_COUNT = WRITER_DRAINS - 1;
 
 private:
 #if !defined(_WIN32)
     void WaitForGuard() const;
     void WakeGuardWaiter() const;
 #endif
+    // Counts back out a reader that found a writer, and waits its turn.
+    void AcquireReaderLockSlow();
+    // After the count fell to 0 while a writer drained it: true for the one
+    // thread that clears WRITER_DRAINS and so must wake the writer.
+    bool ClaimHandOver();
+    static void RefuseUnheldRelease();
+    // Claims the reader word for a writer that counts uOwnReaders readers
+    // of its own; true when other readers are left to wait for.
+    bool ClaimReaderWord(unsigned uOwnReaders);
     void CopyCounters(const CReaderWriterLockNonReentrance& other);
     void EnsureWriterEvent();
     void CloseWriterEventAndWakeReaders();
     void CloseEvents();
 };
+
+// The reader paths are inline: while no writer holds or waits they are one
+// atomic operation each.
+inline void CReaderWriterLockNonReentrance::AcquireReaderLock() {
+    if (m_uReaderWord.fetch_add(1, std::memory_order_acquire) & WRITERS_PRESENT)
+        AcquireReaderLockSlow();
+}
+
+inline void CReaderWriterLockNonReentrance::ReleaseReaderLock() {
+    if ((m_uReaderWord.load(std::memory_order_relaxed) & READER_COUNT) == 0)
+        return RefuseUnheldRelease();
+    if (CountReaderOut())
+        HandOverToWriter();
+}
+
+inline bool CReaderWriterLockNonReentrance::CountReaderOut() {
+    const unsigned uWord = m_uReaderWord.fetch_sub(1, std::memory_order_release);
+    return (uWord & (WRITER_DRAINS | READER_COUNT)) == (WRITER_DRAINS | 1) && ClaimHandOver();
+}
 
 inline void CReaderWriterLockNonReentrance::EnterGuard() const {
 #if defined(_WIN32)
