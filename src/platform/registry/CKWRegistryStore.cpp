@@ -60,6 +60,16 @@ void ReadValueRow(const CKWSqlQuery& query, SKWRegistryValue& value) {
     value.data = query.Bytes(2);
 }
 
+// The first row of a query: ERROR_SUCCESS with the row to read, notFound
+// when there is none, or the store's code for an error.
+LSTATUS StepOneRow(CKWSqlQuery& query, LSTATUS notFound) {
+    const int result = query.Step();
+    if (result == SQLITE_DONE) {
+        return notFound;
+    }
+    return result == SQLITE_ROW ? ERROR_SUCCESS : Status(result);
+}
+
 // Enumerations of this many keys at once keep their place; more are rare
 // (an export walks one key per level of the tree).
 constexpr std::size_t kMaxCursors = 64;
@@ -69,12 +79,8 @@ constexpr std::size_t kMaxCursors = 64;
 LSTATUS CKWRegistryStore::CheckKey(KWRegistryKeyId key, bool& isVolatile) {
     CKWSqlQuery query(m_database.Connection(), kSelectKey);
     query.Bind(1, key);
-    const int result = query.Step();
-    if (result == SQLITE_DONE) {
-        return ERROR_KEY_DELETED;
-    }
-    if (result != SQLITE_ROW) {
-        return Status(result);
+    if (const LSTATUS status = StepOneRow(query, ERROR_KEY_DELETED); status != ERROR_SUCCESS) {
+        return status;
     }
     isVolatile = query.Integer(0) != 0;
     return ERROR_SUCCESS;
@@ -86,12 +92,8 @@ LSTATUS CKWRegistryStore::FindSubKey(KWRegistryKeyId parent, std::string_view na
     CKWSqlQuery query(m_database.Connection(), kSelectSubKey);
     query.Bind(1, parent);
     query.BindText(2, fold);
-    const int result = query.Step();
-    if (result == SQLITE_DONE) {
-        return ERROR_FILE_NOT_FOUND;
-    }
-    if (result != SQLITE_ROW) {
-        return Status(result);
+    if (const LSTATUS status = StepOneRow(query, ERROR_FILE_NOT_FOUND); status != ERROR_SUCCESS) {
+        return status;
     }
     child = query.Integer(0);
     isVolatile = query.Integer(1) != 0;
@@ -124,12 +126,9 @@ LSTATUS CKWRegistryStore::DeleteKey(KWRegistryKeyId key) {
     {
         CKWSqlQuery selectParent(connection, kSelectParent);
         selectParent.Bind(1, key);
-        const int result = selectParent.Step();
-        if (result == SQLITE_DONE) {
-            return ERROR_KEY_DELETED;
-        }
-        if (result != SQLITE_ROW) {
-            return Status(result);
+        if (const LSTATUS status = StepOneRow(selectParent, ERROR_KEY_DELETED);
+            status != ERROR_SUCCESS) {
+            return status;
         }
         parent = selectParent.Integer(0);
     }
@@ -161,12 +160,8 @@ LSTATUS CKWRegistryStore::DeleteKey(KWRegistryKeyId key) {
 LSTATUS CKWRegistryStore::GetKeyInfo(KWRegistryKeyId key, SKWRegistryKeyInfo& info) {
     CKWSqlQuery query(m_database.Connection(), kSelectKeyInfo);
     query.Bind(1, key);
-    const int result = query.Step();
-    if (result == SQLITE_DONE) {
-        return ERROR_KEY_DELETED;
-    }
-    if (result != SQLITE_ROW) {
-        return Status(result);
+    if (const LSTATUS status = StepOneRow(query, ERROR_KEY_DELETED); status != ERROR_SUCCESS) {
+        return status;
     }
     info.subKeys = static_cast<DWORD>(query.Integer(0));
     info.maxSubKeyNameLength = static_cast<DWORD>(query.Integer(1));
@@ -187,12 +182,8 @@ LSTATUS CKWRegistryStore::GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::str
     } else {
         query.Bind(2, index);
     }
-    const int result = query.Step();
-    if (result == SQLITE_DONE) {
-        return ERROR_NO_MORE_ITEMS;
-    }
-    if (result != SQLITE_ROW) {
-        return Status(result);
+    if (const LSTATUS status = StepOneRow(query, ERROR_NO_MORE_ITEMS); status != ERROR_SUCCESS) {
+        return status;
     }
     name = query.Bytes(0);
     lastWriteTime = static_cast<ULONGLONG>(query.Integer(1));
@@ -209,12 +200,8 @@ LSTATUS CKWRegistryStore::GetValue(KWRegistryKeyId key, std::string_view name,
     CKWSqlQuery query(m_database.Connection(), kSelectValue);
     query.Bind(1, key);
     query.BindText(2, fold);
-    const int result = query.Step();
-    if (result == SQLITE_DONE) {
-        return ERROR_FILE_NOT_FOUND;
-    }
-    if (result != SQLITE_ROW) {
-        return Status(result);
+    if (const LSTATUS status = StepOneRow(query, ERROR_FILE_NOT_FOUND); status != ERROR_SUCCESS) {
+        return status;
     }
     ReadValueRow(query, value);
     return ERROR_SUCCESS;
@@ -225,12 +212,8 @@ LSTATUS CKWRegistryStore::GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegist
     CKWSqlQuery query(m_database.Connection(), before ? kSelectValueAfter : kSelectValueAt);
     query.Bind(1, key);
     query.Bind(2, before != nullptr ? before->row : index);
-    const int result = query.Step();
-    if (result == SQLITE_DONE) {
-        return ERROR_NO_MORE_ITEMS;
-    }
-    if (result != SQLITE_ROW) {
-        return Status(result);
+    if (const LSTATUS status = StepOneRow(query, ERROR_NO_MORE_ITEMS); status != ERROR_SUCCESS) {
+        return status;
     }
     ReadValueRow(query, value);
     SKWEnumCursor cursor;
