@@ -108,6 +108,11 @@ private:
 
 // The reader paths are inline: while no writer holds or waits they are one
 // atomic operation each.
+inline bool CReaderWriterLockNonReentrance::CountReaderOut() {
+    const unsigned uWord = m_uReaderWord.fetch_sub(1, std::memory_order_release);
+    return (uWord & (WRITER_DRAINS | READER_COUNT)) == (WRITER_DRAINS | 1) && ClaimHandOver();
+}
+
 inline void CReaderWriterLockNonReentrance::AcquireReaderLock() {
     if (m_uReaderWord.fetch_add(1, std::memory_order_acquire) & WRITERS_PRESENT)
         AcquireReaderLockSlow();
@@ -118,11 +123,6 @@ inline void CReaderWriterLockNonReentrance::ReleaseReaderLock() {
         return RefuseUnheldRelease();
     if (CountReaderOut())
         HandOverToWriter();
-}
-
-inline bool CReaderWriterLockNonReentrance::CountReaderOut() {
-    const unsigned uWord = m_uReaderWord.fetch_sub(1, std::memory_order_release);
-    return (uWord & (WRITER_DRAINS | READER_COUNT)) == (WRITER_DRAINS | 1) && ClaimHandOver();
 }
 
 inline void CReaderWriterLockNonReentrance::EnterGuard() const {
