@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <type_traits>
 #include <utility>
 
 namespace {
@@ -136,14 +137,21 @@ _EKWRegistryErrors CKWRegistry::WriteValue(const CString& keyPath, const CString
     return status == ERROR_SUCCESS ? KW_REGISTRY_SUCCESS : KW_REGISTRY_CALL_FAILED;
 }
 
-_EKWRegistryErrors CKWRegistry::ReadDword(const CString& keyPath, const CString& valueName,
-                                          HKEY base, DWORD& value) const {
+template <class Integer>
+_EKWRegistryErrors CKWRegistry::ReadInteger(const CString& keyPath, const CString& valueName,
+                                            HKEY base, Integer& value, Integer defaultValue) const {
+    value = defaultValue;
     std::vector<BYTE> data;
     const _EKWRegistryErrors result = ReadValue(keyPath, valueName, base, REG_DWORD, data);
     if (result == KW_REGISTRY_SUCCESS) {
         // A REG_DWORD of fewer than 4 bytes reads as if padded with zeros.
-        value = 0;
-        std::memcpy(&value, data.data(), std::min(data.size(), sizeof value));
+        DWORD stored = 0;
+        std::memcpy(&stored, data.data(), std::min(data.size(), sizeof stored));
+        if (std::is_signed<Integer>::value) {
+            value = static_cast<Integer>(static_cast<LONG>(stored));
+        } else {
+            value = static_cast<Integer>(stored);
+        }
     }
     return result;
 }
@@ -166,36 +174,23 @@ _EKWRegistryErrors CKWRegistry::ReadStringList(const CString& keyPath, const CSt
 
 _EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName, int& value,
                                             int defaultValue, HKEY base) {
-    value = defaultValue;
-    DWORD stored = 0;
-    const _EKWRegistryErrors result = ReadDword(keyPath, valueName, base, stored);
-    if (result == KW_REGISTRY_SUCCESS) {
-        value = static_cast<int>(stored);
-    }
-    return result;
+    return ReadInteger(keyPath, valueName, base, value, defaultValue);
 }
 
 _EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName,
                                             unsigned long& value, unsigned long defaultValue,
                                             HKEY base) {
-    value = defaultValue;
-    DWORD stored = 0;
-    const _EKWRegistryErrors result = ReadDword(keyPath, valueName, base, stored);
-    if (result == KW_REGISTRY_SUCCESS) {
-        value = stored;
-    }
-    return result;
+    return ReadInteger(keyPath, valueName, base, value, defaultValue);
 }
 
 _EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName, long& value,
                                             long defaultValue, HKEY base) {
-    value = defaultValue;
-    DWORD stored = 0;
-    const _EKWRegistryErrors result = ReadDword(keyPath, valueName, base, stored);
-    if (result == KW_REGISTRY_SUCCESS) {
-        value = static_cast<LONG>(stored);
-    }
-    return result;
+    return ReadInteger(keyPath, valueName, base, value, defaultValue);
+}
+
+_EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName, unsigned int& value,
+                                            unsigned int defaultValue, HKEY base) {
+    return ReadInteger(keyPath, valueName, base, value, defaultValue);
 }
 
 _EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName, CString& value,
@@ -267,6 +262,11 @@ _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, 
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, long value,
+                                            HKEY base) {
+    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+}
+
+_EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, unsigned int value,
                                             HKEY base) {
     return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
 }

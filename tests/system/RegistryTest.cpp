@@ -105,6 +105,8 @@ TEST_F(RegistryTest, ValuesRoundTripWithTheirTypes) {
     EXPECT_EQ(m_registry.PutRegValue(Section("s"), "int", -7), 0);
     EXPECT_EQ(m_registry.PutRegValue(Section("s"), "ulong", 0xFFFFFFFFul), 0);
     EXPECT_EQ(m_registry.PutRegValue(Section("s"), "long", -123456l), 0);
+    const DWORD flags = 0x80000001;
+    EXPECT_EQ(m_registry.PutRegValue(Section("s"), "dword", flags), 0);
     EXPECT_EQ(m_registry.PutRegValue(Section("s"), "text", CString("h\xc3\xa9llo \"x\"")), 0);
     const std::vector<CString> list{"one", "two", "three"};
     EXPECT_EQ(m_registry.PutRegValue(Section("s"), "list", list), 0);
@@ -118,6 +120,9 @@ TEST_F(RegistryTest, ValuesRoundTripWithTheirTypes) {
     long longNumber = 0;
     EXPECT_EQ(m_registry.GetRegValue(Section("s"), "long", longNumber, 0l), 0);
     EXPECT_EQ(longNumber, -123456l);
+    DWORD readFlags = 0;
+    EXPECT_EQ(m_registry.GetRegValue(Section("s"), "dword", readFlags, DWORD{0}), 0);
+    EXPECT_EQ(readFlags, flags);
     CString text;
     EXPECT_EQ(m_registry.GetRegValue(Section("s"), "TEXT", text, CString()), 0);
     EXPECT_EQ(text, "h\xc3\xa9llo \"x\"");

@@ -67,6 +67,10 @@ public:
                                    unsigned long defaultValue, HKEY base = nullptr);
     _EKWRegistryErrors GetRegValue(CString keyPath, CString valueName, long& value,
                                    long defaultValue, HKEY base = nullptr);
+    // DWORD is unsigned int where unsigned long is 64 bits wide: this form
+    // takes it on every platform.
+    _EKWRegistryErrors GetRegValue(CString keyPath, CString valueName, unsigned int& value,
+                                   unsigned int defaultValue, HKEY base = nullptr);
     _EKWRegistryErrors GetRegValue(CString keyPath, CString valueName, CString& value,
                                    CString defaultValue, HKEY base = nullptr);
     _EKWRegistryErrors GetRegValue(CString keyPath, CString valueName, std::vector<CString>& value,
@@ -76,15 +80,17 @@ public:
                                    std::map<CKWGuid, CString> defaultValue, HKEY base = nullptr);
 
     // Writing creates keyPath as reading does. Integers are stored as 4-byte
-    // REG_DWORD values (a long keeps its low 32 bits), strings as REG_SZ with
-    // their terminating zero, a list as REG_MULTI_SZ: each string and its zero,
-    // then two more zero bytes (one more than the usual double terminator,
-    // kept so stored sizes match those written by earlier versions).
+    // REG_DWORD values (a long or unsigned long of 64 bits keeps its low 32), strings as REG_SZ
+    // with their terminating zero, a list as REG_MULTI_SZ: each string and its zero, then two more
+    // zero bytes (one more than the usual double terminator, kept so stored sizes match those
+    // written by earlier versions).
     _EKWRegistryErrors PutRegValue(CString keyPath, CString valueName, int value,
                                    HKEY base = nullptr);
     _EKWRegistryErrors PutRegValue(CString keyPath, CString valueName, unsigned long value,
                                    HKEY base = nullptr);
     _EKWRegistryErrors PutRegValue(CString keyPath, CString valueName, long value,
+                                   HKEY base = nullptr);
+    _EKWRegistryErrors PutRegValue(CString keyPath, CString valueName, unsigned int value,
                                    HKEY base = nullptr);
     _EKWRegistryErrors PutRegValue(CString keyPath, CString valueName, CString value,
                                    HKEY base = nullptr);
@@ -131,8 +137,10 @@ private:
                                  DWORD expectedType, std::vector<BYTE>& data) const;
     _EKWRegistryErrors WriteValue(const CString& keyPath, const CString& valueName, HKEY base,
                                   DWORD type, const std::vector<BYTE>& data) const;
-    _EKWRegistryErrors ReadDword(const CString& keyPath, const CString& valueName, HKEY base,
-                                 DWORD& value) const;
+    // Reads a REG_DWORD into an integer, sign-extended for the signed ones.
+    template <class Integer>
+    _EKWRegistryErrors ReadInteger(const CString& keyPath, const CString& valueName, HKEY base,
+                                   Integer& value, Integer defaultValue) const;
     _EKWRegistryErrors ReadStringList(const CString& keyPath, const CString& valueName, HKEY base,
                                       std::vector<CString>& strings) const;
 
