@@ -130,6 +130,7 @@
 #include "kwcore/system/CKWProgressTaskThread.h"
 #include "kwcore/system/CKWQueuedProgressObserver.h"
 #include "kwcore/system/CKWReaderWriterLock.h"
+#include "kwcore/system/CKWRegistry.h"
 #include "kwcore/system/CKWTerminalProgressObserver.h"
 #include "kwcore/system/CKWThread.h"
 #include "kwcore/system/CReaderWriterLockNonReentrance.h"

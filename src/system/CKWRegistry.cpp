@@ -1,0 +1,290 @@
+#include "kwcore/system/CKWRegistry.h"
+
+#include <algorithm>
+#include <cstring>
+#include <type_traits>
+#include <utility>
+
+namespace {
+
+constexpr int kBraceGuidLength = 38;
+
+// Reads valueName of an open key into data, which must be of exactly the
+// expected type. The buffer is sized from the key's largest value.
+_EKWRegistryErrors QueryValue(HKEY key, const CString& valueName, DWORD expectedType,
+                              std::vector<BYTE>& data) {
+    DWORD largestValue = 0;
+    if (RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                         nullptr, &largestValue, nullptr, nullptr) != ERROR_SUCCESS) {
+        return KW_REGISTRY_CALL_FAILED;
+    }
+    // One spare byte, so the buffer is never null and a string always ends.
+    std::vector<BYTE> buffer(largestValue + 1, 0);
+    DWORD type = REG_NONE;
+    DWORD size = largestValue;
+    if (RegQueryValueExA(key, valueName, nullptr, &type, buffer.data(), &size) != ERROR_SUCCESS) {
+        return KW_REGISTRY_CALL_FAILED;
+    }
+    if (type != expectedType) {
+        return KW_REGISTRY_WRONG_TYPE;
+    }
+    buffer.resize(size);
+    data = std::move(buffer);
+    return KW_REGISTRY_SUCCESS;
+}
+
+// The text up to the first zero byte or the end of the data.
+CString StringFromBytes(const BYTE* data, size_t size) {
+    const char* text = reinterpret_cast<const char*>(data);
+    return CString(text, static_cast<int>(std::find(text, text + size, '\0') - text));
+}
+
+std::vector<BYTE> BytesOfDword(DWORD value) {
+    std::vector<BYTE> bytes(sizeof value);
+    std::memcpy(bytes.data(), &value, sizeof value);
+    return bytes;
+}
+
+}  // namespace
+
+CKWRegistry::CKWRegistry()
+    : m_hSoftwareKey(nullptr), m_hCompanyKey(nullptr), m_hApplicationKey(nullptr) {}
+
+CKWRegistry::CKWRegistry(CString company, CString application, HKEY root) : CKWRegistry() {
+    Initialize(company, application, root);
+}
+
+CKWRegistry::~CKWRegistry() {
+    CloseKeys();
+}
+
+_EKWRegistryErrors CKWRegistry::Initialize(CString company, CString application, HKEY root) {
+    CloseKeys();
+    HKEY software = nullptr;
+    HKEY companyKey = nullptr;
+    HKEY applicationKey = nullptr;
+    const bool opened =
+        RegOpenKeyExA(root, "SOFTWARE", 0, KEY_READ, &software) == ERROR_SUCCESS &&
+        RegCreateKeyExA(software, company, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
+                        nullptr, &companyKey, nullptr) == ERROR_SUCCESS &&
+        RegCreateKeyExA(companyKey, application, 0, nullptr, REG_OPTION_NON_VOLATILE,
+                        KEY_ALL_ACCESS, nullptr, &applicationKey, nullptr) == ERROR_SUCCESS;
+    m_hSoftwareKey = software;
+    m_hCompanyKey = companyKey;
+    m_hApplicationKey = applicationKey;
+    if (!opened) {
+        CloseKeys();
+        return KW_REGISTRY_CALL_FAILED;
+    }
+    return KW_REGISTRY_SUCCESS;
+}
+
+int CKWRegistry::Load() {
+    return 0;
+}
+
+int CKWRegistry::Save() {
+    return 0;
+}
+
+bool CKWRegistry::IsInitialized() const {
+    return m_hSoftwareKey != nullptr && m_hCompanyKey != nullptr && m_hApplicationKey != nullptr;
+}
+
+void CKWRegistry::CloseKeys() {
+    for (HKEY* key : {&m_hApplicationKey, &m_hCompanyKey, &m_hSoftwareKey}) {
+        if (*key != nullptr) {
+            RegCloseKey(*key);
+            *key = nullptr;
+        }
+    }
+}
+
+_EKWRegistryErrors CKWRegistry::ReadValue(const CString& keyPath, const CString& valueName,
+                                          HKEY base, DWORD expectedType,
+                                          std::vector<BYTE>& data) const {
+    if (!IsInitialized()) {
+        return KW_REGISTRY_NOT_INITIALIZED;
+    }
+    HKEY key = nullptr;
+    // Reading creates a missing key: hosts rely on the key being there after
+    // their first read of a setting.
+    if (RegCreateKeyExA(base != nullptr ? base : m_hSoftwareKey, keyPath, 0, nullptr,
+                        REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
+                        nullptr) != ERROR_SUCCESS) {
+        return KW_REGISTRY_CALL_FAILED;
+    }
+    const _EKWRegistryErrors result = QueryValue(key, valueName, expectedType, data);
+    RegCloseKey(key);
+    return result;
+}
+
+_EKWRegistryErrors CKWRegistry::WriteValue(const CString& keyPath, const CString& valueName,
+                                           HKEY base, DWORD type,
+                                           const std::vector<BYTE>& data) const {
+    if (!IsInitialized()) {
+        return KW_REGISTRY_NOT_INITIALIZED;
+    }
+    HKEY key = nullptr;
+    if (RegCreateKeyExA(base != nullptr ? base : m_hSoftwareKey, keyPath, 0, nullptr,
+                        REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
+                        nullptr) != ERROR_SUCCESS) {
+        return KW_REGISTRY_CALL_FAILED;
+    }
+    const LSTATUS status =
+        RegSetValueExA(key, valueName, 0, type, data.data(), static_cast<DWORD>(data.size()));
+    RegCloseKey(key);
+    return status == ERROR_SUCCESS ? KW_REGISTRY_SUCCESS : KW_REGISTRY_CALL_FAILED;
+}
+
+template <class Integer>
+_EKWRegistryErrors CKWRegistry::ReadInteger(const CString& keyPath, const CString& valueName,
+                                            HKEY base, Integer& value, Integer defaultValue) const {
+    value = defaultValue;
+    std::vector<BYTE> data;
+    const _EKWRegistryErrors result = ReadValue(keyPath, valueName, base, REG_DWORD, data);
+    if (result == KW_REGISTRY_SUCCESS) {
+        // A REG_DWORD of fewer than 4 bytes reads as if padded with zeros.
+        DWORD stored = 0;
+        std::memcpy(&stored, data.data(), std::min(data.size(), sizeof stored));
+        if (std::is_signed<Integer>::value) {
+            value = static_cast<Integer>(static_cast<LONG>(stored));
+        } else {
+            value = static_cast<Integer>(stored);
+        }
+    }
+    return result;
+}
+
+_EKWRegistryErrors CKWRegistry::ReadStringList(const CString& keyPath, const CString& valueName,
+                                               HKEY base, std::vector<CString>& strings) const {
+    std::vector<BYTE> data;
+    const _EKWRegistryErrors result = ReadValue(keyPath, valueName, base, REG_MULTI_SZ, data);
+    if (result != KW_REGISTRY_SUCCESS) {
+        return result;
+    }
+    strings.clear();
+    size_t start = 0;
+    while (start < data.size() && data[start] != 0) {
+        strings.push_back(StringFromBytes(data.data() + start, data.size() - start));
+        start += strings.back().GetLength() + 1;
+    }
+    return result;
+}
+
+_EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName, int& value,
+                                            int defaultValue, HKEY base) {
+    return ReadInteger(keyPath, valueName, base, value, defaultValue);
+}
+
+_EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName,
+                                            unsigned long& value, unsigned long defaultValue,
+                                            HKEY base) {
+    return ReadInteger(keyPath, valueName, base, value, defaultValue);
+}
+
+_EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName, long& value,
+                                            long defaultValue, HKEY base) {
+    return ReadInteger(keyPath, valueName, base, value, defaultValue);
+}
+
+_EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName, unsigned int& value,
+                                            unsigned int defaultValue, HKEY base) {
+    return ReadInteger(keyPath, valueName, base, value, defaultValue);
+}
+
+_EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName, CString& value,
+                                            CString defaultValue, HKEY base) {
+    value = defaultValue;
+    std::vector<BYTE> data;
+    const _EKWRegistryErrors result = ReadValue(keyPath, valueName, base, REG_SZ, data);
+    if (result == KW_REGISTRY_SUCCESS) {
+        value = StringFromBytes(data.data(), data.size());
+    }
+    return result;
+}
+
+_EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName,
+                                            std::vector<CString>& value,
+                                            std::vector<CString> defaultValue, HKEY base) {
+    value = std::move(defaultValue);
+    std::vector<CString> strings;
+    const _EKWRegistryErrors result = ReadStringList(keyPath, valueName, base, strings);
+    if (result == KW_REGISTRY_SUCCESS) {
+        value = std::move(strings);
+    }
+    return result;
+}
+
+_EKWRegistryErrors CKWRegistry::GetRegValue(CString keyPath, CString valueName,
+                                            std::map<CKWGuid, CString>& value,
+                                            std::map<CKWGuid, CString> defaultValue, HKEY base) {
+    value = std::move(defaultValue);
+    std::vector<CString> strings;
+    const _EKWRegistryErrors result = ReadStringList(keyPath, valueName, base, strings);
+    if (result != KW_REGISTRY_SUCCESS) {
+        return result;
+    }
+    std::map<CKWGuid, CString> entries;
+    for (const CString& entry : strings) {
+        CKWGuid id;
+        id.SetCString(entry.Left(kBraceGuidLength));
+        if (id.IsValid() && entry.GetAt(kBraceGuidLength) == '=') {
+            entries[id] = entry.Mid(kBraceGuidLength + 1);
+        }
+    }
+    value = std::move(entries);
+    return result;
+}
+
+_EKWRegistryErrors CKWRegistry::GetStringValueFromReg(HKEY key, CString valueName, CString& value,
+                                                      CString defaultValue) {
+    value = defaultValue;
+    if (key == nullptr) {
+        return KW_REGISTRY_NOT_INITIALIZED;
+    }
+    std::vector<BYTE> data;
+    const _EKWRegistryErrors result = QueryValue(key, valueName, REG_SZ, data);
+    if (result == KW_REGISTRY_SUCCESS) {
+        value = StringFromBytes(data.data(), data.size());
+    }
+    return result;
+}
+
+_EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, int value,
+                                            HKEY base) {
+    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+}
+
+_EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, unsigned long value,
+                                            HKEY base) {
+    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+}
+
+_EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, long value,
+                                            HKEY base) {
+    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+}
+
+_EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, unsigned int value,
+                                            HKEY base) {
+    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+}
+
+_EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, CString value,
+                                            HKEY base) {
+    const char* text = value;
+    return WriteValue(keyPath, valueName, base, REG_SZ,
+                      std::vector<BYTE>(text, text + value.GetLength() + 1));
+}
+
+_EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName,
+                                            const std::vector<CString>& value, HKEY base) {
+    std::vector<BYTE> data;
+    for (const CString& text : value) {
+        const char* bytes = text;
+        data.insert(data.end(), bytes, bytes + text.GetLength() + 1);
+    }
+    data.insert(data.end(), 2, 0);
+    return WriteValue(keyPath, valueName, base, REG_MULTI_SZ, data);
+}
