@@ -23,7 +23,7 @@ public:
     void ReleaseWriterLock();
 
     // Each write hold adds this to a thread's count; read holds count 1.
-    static constexpr DWORD WRITER_HOLD = 0x10000;
+    enum : DWORD { WRITER_HOLD = 0x10000 };
 
 protected:
     // The calling thread's count: read holds in the low 16 bits, write holds
