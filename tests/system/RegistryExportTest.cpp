@@ -58,12 +58,16 @@ protected:
     HKEY m_key = nullptr;
 };
 
+// Values are written in the order the registry lists them: creation order on
+// Windows and in the Linux store, name order in Wine's registry. The tests
+// create them in name order, so one expected text serves all three.
+
 TEST_F(RegistryExportTest, StringsEscapeQuotesBackslashesAndUnprintableBytes) {
-    SetValue(m_key, "Name", REG_SZ, std::string("say \"hi\" C:\\x\ttab \xe9\x01.\0", 22));
     SetValue(m_key, "", REG_SZ, std::string("\0", 1));
+    SetValue(m_key, "Name", REG_SZ, std::string("say \"hi\" C:\\x\ttab \xe9\x01.\0", 22));
     EXPECT_EQ(Export(), "REGEDIT4\r\n" + Header() +
-                            "\"Name\"=\"say \\\"hi\\\" C:\\\\x\\09tab \\e9\\01.\"\r\n"
-                            "\"\"=\"\"\r\n");
+                            "\"\"=\"\"\r\n"
+                            "\"Name\"=\"say \\\"hi\\\" C:\\\\x\\09tab \\e9\\01.\"\r\n");
 }
 
 TEST_F(RegistryExportTest, DwordsAreEightDigitsMostSignificantFirst) {
@@ -76,30 +80,30 @@ TEST_F(RegistryExportTest, DwordsAreEightDigitsMostSignificantFirst) {
 }
 
 TEST_F(RegistryExportTest, BinaryLinesHoldSeventeenThenSixteenBytesWithoutBackslashes) {
-    SetValue(m_key, "Twenty", REG_BINARY, Bytes(20));
-    SetValue(m_key, "Seventeen", REG_BINARY, Bytes(17));
-    SetValue(m_key, "ThirtyFour", REG_BINARY, Bytes(34));
-    SetValue(m_key, "Empty", REG_BINARY, "");
+    SetValue(m_key, "1 Twenty", REG_BINARY, Bytes(20));
+    SetValue(m_key, "2 Seventeen", REG_BINARY, Bytes(17));
+    SetValue(m_key, "3 ThirtyFour", REG_BINARY, Bytes(34));
+    SetValue(m_key, "4 Empty", REG_BINARY, "");
     const std::string first17 = "00,01,02,03,04,05,06,07,08,09,0a,0b,0c,0d,0e,0f,10\r\n";
     const std::string next16 = ",11,12,13,14,15,16,17,18,19,1a,1b,1c,1d,1e,1f,20\r\n";
-    EXPECT_EQ(Export(), "REGEDIT4\r\n" + Header() +                          //
-                            "\"Twenty\"=hex:" + first17 + ",11,12,13\r\n" +  //
-                            "\"Seventeen\"=hex:" + first17 + "\r\n" +        //
-                            "\"ThirtyFour\"=hex:" + first17 + next16 + ",21\r\n" +
-                            "\"Empty\"=hex:\r\n");
+    EXPECT_EQ(Export(), "REGEDIT4\r\n" + Header() +                            //
+                            "\"1 Twenty\"=hex:" + first17 + ",11,12,13\r\n" +  //
+                            "\"2 Seventeen\"=hex:" + first17 + "\r\n" +        //
+                            "\"3 ThirtyFour\"=hex:" + first17 + next16 + ",21\r\n" +
+                            "\"4 Empty\"=hex:\r\n");
 }
 
 TEST_F(RegistryExportTest, OtherTypesAreHexWithTheirNumberAndExpandableStringsKeepTheirText) {
-    SetValue(m_key, "Path", REG_EXPAND_SZ, std::string("%TEMP%\\x\0", 9));
-    SetValue(m_key, "List", REG_MULTI_SZ, std::string("a\0b\0\0", 5));
-    SetValue(m_key, "Big", REG_QWORD, std::string("\x01\x02\x03\x04\x05\x06\x07\x08", 8));
-    SetValue(m_key, "None", REG_NONE, "");
+    SetValue(m_key, "1 Path", REG_EXPAND_SZ, std::string("%TEMP%\\x\0", 9));
+    SetValue(m_key, "2 List", REG_MULTI_SZ, std::string("a\0b\0\0", 5));
+    SetValue(m_key, "3 Big", REG_QWORD, std::string("\x01\x02\x03\x04\x05\x06\x07\x08", 8));
+    SetValue(m_key, "4 None", REG_NONE, "");
     // The expandable string keeps its escaped text and lone closing quote.
     EXPECT_EQ(Export(), "REGEDIT4\r\n" + Header() +
-                            "\"Path\"=hex(2):%TEMP%\\\\x\"\r\n"
-                            "\"List\"=hex(7):61,00,62,00,00\r\n"
-                            "\"Big\"=hex(b):01,02,03,04,05,06,07,08\r\n"
-                            "\"None\"=hex(0):\r\n");
+                            "\"1 Path\"=hex(2):%TEMP%\\\\x\"\r\n"
+                            "\"2 List\"=hex(7):61,00,62,00,00\r\n"
+                            "\"3 Big\"=hex(b):01,02,03,04,05,06,07,08\r\n"
+                            "\"4 None\"=hex(0):\r\n");
 }
 
 TEST_F(RegistryExportTest, KeysComeDepthFirstWithValuesBeforeSubkeys) {
@@ -109,11 +113,11 @@ TEST_F(RegistryExportTest, KeysComeDepthFirstWithValuesBeforeSubkeys) {
     HKEY another = CreateKey("\\another");
     SetValue(child, "C", REG_SZ, std::string("c\0", 2));
     SetValue(grand, "G", REG_SZ, std::string("g\0", 2));
-    SetValue(m_key, "Later", REG_SZ, std::string("l\0", 2));
+    SetValue(m_key, "Under", REG_SZ, std::string("l\0", 2));
     RegCloseKey(child);
     RegCloseKey(grand);
     RegCloseKey(another);
-    EXPECT_EQ(Export(), "REGEDIT4\r\n" + Header() + "\"Top\"=\"t\"\r\n\"Later\"=\"l\"\r\n" +
+    EXPECT_EQ(Export(), "REGEDIT4\r\n" + Header() + "\"Top\"=\"t\"\r\n\"Under\"=\"l\"\r\n" +
                             Header("\\another") +                    //
                             Header("\\Child") + "\"C\"=\"c\"\r\n" +  //
                             Header("\\Child\\Grand") + "\"G\"=\"g\"\r\n");
