@@ -2,8 +2,10 @@
 #include <string>
 #include <vector>
 
+#include "GraphBuilders.h"
 #include "RegistrySerializerTest.h"
 #include "kwcore/framework/CKWPreferences.h"
+#include "kwcore/framework/CKWReleaseVisitor.h"
 #include "kwcore/serial/CKWTypeManifest.h"
 
 namespace {
@@ -15,6 +17,8 @@ std::vector<CSamplePart*> Links(const CSamplePart* part) {
 class RegistryRoundTrip : public RegistrySerializerTest {
 protected:
     void TearDown() override {
+        CKWGraphEdge::GetCKWGraphEdgeType()->ReleaseInstances();
+        CKWGraphNode::GetCKWGraphNodeType()->ReleaseInstances();
         CKWPreferences::GetCKWPreferencesType()->ReleaseInstances();
         CKWPreferenceSection::GetCKWPreferenceSectionType()->ReleaseInstances();
         RegistrySerializerTest::TearDown();
@@ -72,6 +76,52 @@ TEST_F(RegistryRoundTrip, GraphWithCycleLoadsOnceWithEveryFieldKind) {
     EXPECT_FALSE(b->m_Tag.IsValid());
     EXPECT_EQ(a, LoadPart(serializer.get(), ida));
     EXPECT_EQ(3, CSamplePart::GetCSamplePartType()->GetInstanceCount());
+}
+
+TEST_F(RegistryRoundTrip, ANodeGraphWithACycleIsRebuiltFromAnyNode) {
+    std::vector<CKWGraphNode*> nodes = NewChain(4);
+    ASSERT_EQ(4u, nodes.size());
+    ASSERT_NE(nullptr, Join(nodes[3], nodes[0]));
+    ASSERT_NE(nullptr, Join(nodes[1], nodes[3]));
+    // Each node's edges as (primary, secondary) instance IDs, in list order.
+    auto shape = [](const std::vector<CKWGraphNode*>& graph) {
+        std::vector<std::vector<CKWGuid>> ends;
+        for (CKWGraphNode* node : graph) {
+            for (CKWGraphEdge* edge : node->m_EdgeList) {
+                ends.push_back({node->GetInstanceID(), edge->GetPrimary()->GetInstanceID(),
+                                edge->GetSecondary()->GetInstanceID()});
+            }
+        }
+        return ends;
+    };
+    const auto built = shape(nodes);
+    std::vector<CKWGuid> ids;
+    for (CKWGraphNode* node : nodes) {
+        ids.push_back(node->GetInstanceID());
+    }
+    ASSERT_EQ(1, nodes[2]->SerializeTo(NewSerializer(Location()).get()));
+    CKWGraphNode::GetCKWGraphNodeType()->ReleaseInstances();
+    ASSERT_EQ(0, CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount());
+
+    KWOwned<CKWRegistrySerializer> serializer = Opened(Location());
+    EXPECT_EQ(2, serializer->GetTypeManifestCollection()->GetCount());
+    auto* first = dynamic_cast<CKWGraphNode*>(
+        serializer->GetObjectA(CKWGraphNode::GetCKWGraphNodeType()->GetID(), ids[0]));
+    ASSERT_NE(nullptr, first);
+    EXPECT_EQ(4, CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount());
+    EXPECT_EQ(5, CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount());
+    std::vector<CKWGraphNode*> loaded;
+    for (const CKWGuid& id : ids) {
+        loaded.push_back(
+            dynamic_cast<CKWGraphNode*>(CKWGraphNode::GetCKWGraphNodeType()->FindInstance(id)));
+        ASSERT_NE(nullptr, loaded.back());
+    }
+    EXPECT_EQ(built, shape(loaded));
+    auto* releaser = KWTestCreate<CKWReleaseVisitor>(CKWReleaseVisitor::GetCKWReleaseVisitorType());
+    ASSERT_EQ(1, releaser->Start(first));
+    releaser->Release();
+    EXPECT_EQ(0, CKWGraphNode::GetCKWGraphNodeType()->GetInstanceCount() +
+                     CKWGraphEdge::GetCKWGraphEdgeType()->GetInstanceCount());
 }
 
 TEST_F(RegistryRoundTrip, ASecondSessionOverwritesTheValuesInPlace) {
