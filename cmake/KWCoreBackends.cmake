@@ -14,13 +14,20 @@
 set(KWCORE_BACKEND_DEFINES "")
 set(KWCORE_BACKEND_HEADERS_OFF "")
 
-# kwcore_backend(<NAME> PACKAGE <find_package name> DEBIAN <package>
+# kwcore_backend(<NAME> [PACKAGE <find_package name> DEBIAN <package>]
 #                DOC <what it builds> [HEADERS <folder under include/kwcore>])
+# Without PACKAGE the back-end needs nothing beyond the library and is on by
+# default.
 macro(kwcore_backend name)
   cmake_parse_arguments(_backend "" "PACKAGE;DEBIAN;DOC;HEADERS" "" ${ARGN})
-  find_package(${_backend_PACKAGE})
-  option(KWCORE_WITH_${name} "Build ${_backend_DOC}" ${${_backend_PACKAGE}_FOUND})
-  if(KWCORE_WITH_${name} AND NOT ${_backend_PACKAGE}_FOUND)
+  if(_backend_PACKAGE)
+    find_package(${_backend_PACKAGE})
+    set(_backend_available ${${_backend_PACKAGE}_FOUND})
+  else()
+    set(_backend_available ON)
+  endif()
+  option(KWCORE_WITH_${name} "Build ${_backend_DOC}" ${_backend_available})
+  if(KWCORE_WITH_${name} AND NOT _backend_available)
     message(FATAL_ERROR "KWCORE_WITH_${name} is ON but ${_backend_PACKAGE} was not found "
                         "(Debian: ${_backend_DEBIAN})")
   endif()
@@ -42,6 +49,8 @@ endmacro()
 
 kwcore_backend(XML PACKAGE XercesC DEBIAN libxerces-c-dev HEADERS serial/xml
                DOC "the XML file archive (CKWXMLFileArchive, on Xerces-C)")
+kwcore_backend(REGISTRY HEADERS serial/registry
+               DOC "the registry serializer (CKWRegistrySerializer)")
 
 configure_file(${CMAKE_CURRENT_LIST_DIR}/Config.h.in ${PROJECT_BINARY_DIR}/include/kwcore/Config.h
                @ONLY)

@@ -71,6 +71,13 @@
 #include "kwcore/serial/xml/KWXercesForward.h"
 #endif
 
+// Registry serializer: documents stored as registry keys and values.
+#if KWCORE_HAS_REGISTRY
+#include "kwcore/serial/registry/CKWRegistryFieldStream.h"
+#include "kwcore/serial/registry/CKWRegistrySerializer.h"
+#include "kwcore/serial/registry/CKWRegistryTypeManifest.h"
+#endif
+
 // Application framework: graphs and visitors, preferences, observers, models
 // and views, tools and tool events.
 #include "kwcore/framework/CKWDFSVisitor.h"
