@@ -8,15 +8,15 @@ HKEY OpenKey(const std::string& path) {
                ? key
                : nullptr;
 }
-}  // namespace
 
-std::vector<std::string> RegistrySerializerTest::SubKeys(const std::string& path) {
+// The names an enumeration call lists under the key, in its order.
+template <class Enumerate>
+std::vector<std::string> NamesUnder(const std::string& path, Enumerate enumerate) {
     std::vector<std::string> names;
     HKEY key = OpenKey(path);
     char name[256];
     DWORD length = sizeof name;
-    for (DWORD index = 0; key && RegEnumKeyExA(key, index, name, &length, nullptr, nullptr, nullptr,
-                                               nullptr) == ERROR_SUCCESS;
+    for (DWORD index = 0; key && enumerate(key, index, name, &length) == ERROR_SUCCESS;
          ++index, length = sizeof name) {
         names.emplace_back(name);
     }
@@ -25,21 +25,18 @@ std::vector<std::string> RegistrySerializerTest::SubKeys(const std::string& path
     }
     return names;
 }
+}  // namespace
+
+std::vector<std::string> RegistrySerializerTest::SubKeys(const std::string& path) {
+    return NamesUnder(path, [](HKEY key, DWORD index, char* name, DWORD* length) {
+        return RegEnumKeyExA(key, index, name, length, nullptr, nullptr, nullptr, nullptr);
+    });
+}
 
 std::vector<std::string> RegistrySerializerTest::ValueNames(const std::string& path) {
-    std::vector<std::string> names;
-    HKEY key = OpenKey(path);
-    char name[256];
-    DWORD length = sizeof name;
-    for (DWORD index = 0; key && RegEnumValueA(key, index, name, &length, nullptr, nullptr, nullptr,
-                                               nullptr) == ERROR_SUCCESS;
-         ++index, length = sizeof name) {
-        names.emplace_back(name);
-    }
-    if (key) {
-        RegCloseKey(key);
-    }
-    return names;
+    return NamesUnder(path, [](HKEY key, DWORD index, char* name, DWORD* length) {
+        return RegEnumValueA(key, index, name, length, nullptr, nullptr, nullptr, nullptr);
+    });
 }
 
 SRawValue RegistrySerializerTest::RawValue(const std::string& path, const char* name) {
