@@ -238,6 +238,12 @@ bool CKWRegistry::WriteRegistryTreeToFile(HKEY root, const char* subKey, const c
 }
 
 bool CKWRegistry::WriteRegistryTreeToFile(const char* keyPath, const char* fileName) {
+    HKEY root = nullptr;
+    CString subKey;
+    return SplitKeyPath(keyPath, root, subKey) && WriteRegistryTreeToFile(root, subKey, fileName);
+}
+
+bool CKWRegistry::SplitKeyPath(const char* keyPath, HKEY& root, CString& subKey) {
     if (keyPath == nullptr) {
         return false;
     }
@@ -249,5 +255,7 @@ bool CKWRegistry::WriteRegistryTreeToFile(const char* keyPath, const char* fileN
     if (rootName == nullptr) {
         return false;
     }
-    return WriteRegistryTreeToFile(rootName->root, separator + 1, fileName);
+    root = rootName->root;
+    subKey = separator + 1;
+    return true;
 }

@@ -1,5 +1,5 @@
 // CKWRegistry: typed access to a host's settings below root\SOFTWARE, and the
-// export of a registry tree to a "REGEDIT4" text file.
+// export of a registry tree to a "REGEDIT4" text file and its import back.
 //
 // Initialize opens root\SOFTWARE for reading and creates (or opens) the
 // company key below it and the application key below that; the object owns
@@ -16,6 +16,11 @@
 //       // width is 800
 //   }
 //   CKWRegistry::WriteRegistryTreeToFile("HKCU\\Software\\Quellspar", "quellspar.reg");
+//   int line = 0;
+//   CString reason;
+//   if (!CKWRegistry::ReadRegistryTreeFromFile("quellspar.reg", line, reason)) {
+//       // nothing was written; line and reason say why
+//   }
 #pragma once
 
 #include "kwcore/object/CKWGuid.h"
@@ -106,6 +111,26 @@ public:
     // The same for "ROOT\sub\key", where ROOT is a root's long name
     // ("HKEY_CURRENT_USER") or short one ("HKCU").
     static bool WriteRegistryTreeToFile(const char* keyPath, const char* fileName);
+
+    // Reads a "REGEDIT4" file back into the registry: everything
+    // WriteRegistryTreeToFile writes, byte for byte, and the usual regedit
+    // forms (@= default values, a trailing backslash continuing a byte list,
+    // [-key] and "name"=- deletions, ; comments). Value names are taken verbatim,
+    // as the exporter writes them; strings gain their terminating zero. The
+    // whole file is parsed first and nothing is written when any line is
+    // malformed; a last line without its line break counts as a truncated
+    // file. Keys are created non-volatile. False on any failure: errorLine is
+    // then the 1-based line at fault (0 for a file that cannot be read) and
+    // reason says what is wrong. Only a registry call failing part-way (the
+    // line and the call's error code are reported) leaves the import
+    // half-applied.
+    static bool ReadRegistryTreeFromFile(const char* fileName);
+    static bool ReadRegistryTreeFromFile(const char* fileName, int& errorLine, CString& reason);
+
+    // Splits "ROOT\sub\key" into the predefined root that ROOT names (long or
+    // short name, as above) and the sub-key after the first backslash. False,
+    // with both left alone, without a backslash or for an unknown root.
+    static bool SplitKeyPath(const char* keyPath, HKEY& root, CString& subKey);
 
 protected:
     // The file handle is the platform's: a kernel32 file handle on Windows,
