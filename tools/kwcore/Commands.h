@@ -24,6 +24,7 @@ int RunGeomCommand(const Arguments& args);
 int RunTriangulateCommand(const Arguments& args);
 int RunGraphCommand(const Arguments& args);
 int RunProgressCommand(const Arguments& args);
+int RunRegCommand(const Arguments& args);
 
 // True when the arguments ask for help ("--help" or "-h").
 bool WantsHelp(const Arguments& args);

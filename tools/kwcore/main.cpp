@@ -20,6 +20,7 @@ const Command kCommands[] = {
     {"triangulate", "triangulate a polygon with holes, and draw it", RunTriangulateCommand},
     {"progress", "run tasks on worker threads: pause, continue, finish and cancel them",
      RunProgressCommand},
+    {"reg", "list, get and set registry values; export and import REGEDIT4 files", RunRegCommand},
 #if KWCORE_HAS_XML
     {"xml", "inspect XML archive files, and save and load a sample model", RunXmlCommand},
     {"graph", "save a sample graph to an XML archive, load it back and walk it", RunGraphCommand},
