@@ -74,6 +74,35 @@ printf '0 0\n12 0\n12 12\n0 12\n\n10 5\n10 7\n14 6\n' | run triangulate - || ech
 section "Progress tasks on worker threads: paused before running, continued, cancelled midway, stopped"
 run progress
 
+# The registry: on Linux the library's own store, here a throwaway one; on
+# Windows the system's registry, below a key of the demo's own.
+registry_dir=$(mktemp -d "${TMPDIR:-/tmp}/kwcore-registry.XXXXXX")
+export KWCORE_REGISTRY=$registry_dir/registry.db
+key='HKCU\Software\Quellspar\Demo'
+section "Registry values of several types, set with kwcore reg"
+run reg set "$key" Title REG_SZ 'Bridge "Nord" at C:\plans'
+run reg set "$key" Width REG_DWORD 640
+run reg set "$key" Seed REG_QWORD 0x123456789abcdef0
+run reg set "$key" Logo REG_BINARY 89,50,4e,47,0d,0a,1a,0a,00,00,00,0d,49,48,44,52,00,00,00,10,00
+run reg set "$key" Cache REG_EXPAND_SZ '%TEMP%\quellspar'
+run reg set "$key\\Recent" Files REG_MULTI_SZ 'a.dwg\0b.dwg\0c.dwg'
+section "The key listed (sub-keys first), and one value read back"
+run reg list "$key"
+run reg get "$key" Title
+section "The key exported as REGEDIT4 text: escaped strings, long byte lists broken after 17 bytes, an expandable string as hex(2) text"
+run reg export "$key" "$registry_dir/demo.reg"
+tr -d '\r' <"$registry_dir/demo.reg"
+section "The file imported into a second, empty store, and listed again: the same keys and values"
+export KWCORE_REGISTRY=$registry_dir/second.db
+run reg import "$registry_dir/demo.reg"
+run reg list "$key"
+run reg list "$key\\Recent"
+section "A damaged file is refused whole, naming its line"
+sed 's/dword:00000280/dword:280/' "$registry_dir/demo.reg" >"$registry_dir/damaged.reg"
+run reg import "$registry_dir/damaged.reg" || echo "(exit status $?)"
+rm -rf "$registry_dir"
+unset KWCORE_REGISTRY
+
 # The xml and graph commands are built where the library has the XML archive.
 commands=$("$kwcore" --help)
 if ! grep -q '^  xml ' <<<"$commands"; then
