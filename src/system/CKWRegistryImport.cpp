@@ -55,6 +55,51 @@ LSTATUS DeleteTree(HKEY parent, const std::string& subKey) {
     return RegDeleteKeyA(parent, subKey.c_str());
 }
 
+// Creates (create) or opens the keys of path below root one name at a time:
+// Wine's ANSI calls refuse whole paths longer than MAX_PATH even where each
+// name is short enough. The key is closed by the caller.
+LSTATUS OpenKeyPath(HKEY root, const std::string& path, bool create, HKEY& key) {
+    key = root;
+    for (std::size_t begin = 0; begin <= path.size();) {
+        std::size_t end = path.find('\\', begin);
+        if (end == std::string::npos) {
+            end = path.size();
+        }
+        const std::string name = path.substr(begin, end - begin);
+        HKEY next = nullptr;
+        const LSTATUS status =
+            create ? RegCreateKeyExA(key, name.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                     KEY_ALL_ACCESS, nullptr, &next, nullptr)
+                   : RegOpenKeyExA(key, name.c_str(), 0, KEY_ALL_ACCESS, &next);
+        if (key != root) {
+            RegCloseKey(key);
+        }
+        if (status != ERROR_SUCCESS) {
+            key = nullptr;
+            return status;
+        }
+        key = next;
+        begin = end + 1;
+    }
+    return ERROR_SUCCESS;
+}
+
+// Deletes the key at path below root with everything below it.
+LSTATUS DeleteKeyPath(HKEY root, const std::string& path) {
+    const std::size_t separator = path.rfind('\\');
+    if (separator == std::string::npos) {
+        return DeleteTree(root, path);
+    }
+    HKEY parent = nullptr;
+    const LSTATUS status = OpenKeyPath(root, path.substr(0, separator), false, parent);
+    if (status != ERROR_SUCCESS) {
+        return status;
+    }
+    const LSTATUS deleted = DeleteTree(parent, path.substr(separator + 1));
+    RegCloseKey(parent);
+    return deleted;
+}
+
 bool ApplyValue(HKEY key, const SKWRegFileValue& value, std::string& reason) {
     if (value.remove) {
         const LSTATUS status = RegDeleteValueA(key, value.name.c_str());
@@ -78,7 +123,7 @@ bool ApplyValue(HKEY key, const SKWRegFileValue& value, std::string& reason) {
 bool ApplyKey(const SKWRegFileKey& fileKey, int& errorLine, std::string& reason) {
     errorLine = fileKey.line;
     if (fileKey.remove) {
-        const LSTATUS status = DeleteTree(fileKey.root, fileKey.subKey);
+        const LSTATUS status = DeleteKeyPath(fileKey.root, fileKey.subKey);
         if (status != ERROR_SUCCESS && status != ERROR_FILE_NOT_FOUND) {
             reason = CallFailed("cannot delete the key", status);
             return false;
@@ -86,9 +131,7 @@ bool ApplyKey(const SKWRegFileKey& fileKey, int& errorLine, std::string& reason)
         return true;
     }
     HKEY key = nullptr;
-    const LSTATUS status =
-        RegCreateKeyExA(fileKey.root, fileKey.subKey.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                        KEY_ALL_ACCESS, nullptr, &key, nullptr);
+    const LSTATUS status = OpenKeyPath(fileKey.root, fileKey.subKey, true, key);
     if (status != ERROR_SUCCESS) {
         reason = CallFailed("cannot create the key", status);
         return false;
