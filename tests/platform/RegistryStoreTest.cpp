@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -155,6 +156,16 @@ TEST(RegistryStoreFile, AnotherProgramsDatabaseIsReportedAndLeftAsItWas) {
     EXPECT_EQ(ReadText(registry.GetStorePath()), before);
     CDirectConnection other(registry.GetStorePath().string());
     EXPECT_EQ(other.Text("PRAGMA journal_mode"), "delete");
+}
+
+TEST(RegistryStoreFile, AStoreThatCannotBeOpenedIsReportedUntilItCanBe) {
+    CTempRegistry registry;
+    std::filesystem::create_directories(registry.GetStorePath() / "a folder, not a file");
+    CKeyHandle key;
+    EXPECT_EQ(CreateKey(HKEY_CURRENT_USER, "Software", key), ERROR_REGISTRY_IO_FAILED);
+    EXPECT_EQ(key.Get(), nullptr);
+    std::filesystem::remove_all(registry.GetStorePath());
+    EXPECT_EQ(CreateKey(HKEY_CURRENT_USER, "Software", key), ERROR_SUCCESS);
 }
 
 TEST_F(RegistryTest, AStoreLockedByAnotherProcessRefusesWritesAfterWaitingAndStillReads) {

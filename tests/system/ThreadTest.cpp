@@ -202,6 +202,16 @@ TEST(ThreadLife, TheThreadKnowsItsIdAndPriority) {
     EXPECT_EQ(thread.GetID(), 0u);
 }
 
+TEST(ThreadLife, StartsWithAStackSizeThatIsNoWholeNumberOfPages) {
+    CStubbornThread thread;
+    thread.SetStackSize(256 * 1024 + 1);
+    thread.Start();
+    thread.gate.Open();
+    DWORD exitCode = 0;
+    EXPECT_EQ(thread.Stop(exitCode), 1);
+    EXPECT_EQ(exitCode, 9u);
+}
+
 TEST(ThreadExceptions, CarryTheirThreadTypeAndText) {
     CStubbornThread thread;
     CKWThreadException* pException =
