@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <functional>
 #include <string>
 #include <thread>
@@ -157,13 +158,44 @@ TEST(RegistryStoreFile, AnotherProgramsDatabaseIsReportedAndLeftAsItWas) {
     EXPECT_EQ(other.Text("PRAGMA journal_mode"), "delete");
 }
 
-TEST_F(RegistryTest, AStoreLockedByAnotherWriterRefusesWritesAfterWaitingAndStillReads) {
+TEST(RegistryStoreFile, AStoreThatCannotBeOpenedIsReportedUntilItCanBe) {
+    CTempRegistry registry;
+    std::filesystem::create_directories(registry.GetStorePath() / "a folder, not a file");
+    CKeyHandle key;
+    EXPECT_EQ(CreateKey(HKEY_CURRENT_USER, "Software", key), ERROR_REGISTRY_IO_FAILED);
+    EXPECT_EQ(key.Get(), nullptr);
+    std::filesystem::remove_all(registry.GetStorePath());
+    EXPECT_EQ(CreateKey(HKEY_CURRENT_USER, "Software", key), ERROR_SUCCESS);
+}
+
+TEST_F(RegistryTest, AStoreLockedByAnotherProcessRefusesWritesAfterWaitingAndStillReads) {
     ASSERT_EQ(SetDword(Base(), "Before", 1), ERROR_SUCCESS);
-    CDirectConnection other(Registry().GetStorePath().string());
-    ASSERT_EQ(other.Execute("BEGIN IMMEDIATE"), SQLITE_OK);
+    int locked[2];
+    int release[2];
+    ASSERT_EQ(pipe(locked), 0);
+    ASSERT_EQ(pipe(release), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        // Holds the write lock until told to let go, then gives up its transaction.
+        CDirectConnection other(Registry().GetStorePath().string());
+        const char held = other.Execute("BEGIN EXCLUSIVE") == SQLITE_OK ? '!' : '?';
+        static_cast<void>(write(locked[1], &held, 1));
+        char ignored;
+        static_cast<void>(read(release[0], &ignored, 1));
+        _exit(other.Execute("ROLLBACK") == SQLITE_OK ? 0 : 1);
+    }
+    char held = 0;
+    ASSERT_EQ(read(locked[0], &held, 1), 1);
+    EXPECT_EQ(held, '!');
     EXPECT_EQ(SetDword(Base(), "During", 2), ERROR_LOCK_VIOLATION);
     EXPECT_EQ(GetBytes(Base(), "Before").size(), 4u);
-    ASSERT_EQ(other.Execute("ROLLBACK"), SQLITE_OK);
+    ASSERT_EQ(write(release[1], "!", 1), 1);
+    int status = -1;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    for (int end : {locked[0], locked[1], release[0], release[1]}) {
+        close(end);
+    }
     EXPECT_EQ(SetDword(Base(), "After", 3), ERROR_SUCCESS);
     EXPECT_EQ(ValueNames(Base()), (Names{"Before", "After"}));
 }

@@ -161,14 +161,16 @@ TEST(TerminalProgressObserver, RedrawsOneBarLineOnATerminal) {
 }
 #endif
 
-// The records drained from a queued observer, one text each.
+// A notification as text: the message's offset from WM_USER, the count, the text.
+std::string Record(const SKWProgressNotification& notification) {
+    return std::to_string(notification.nMessage - WM_USER) + " " +
+           std::to_string(notification.nCount) + " " + notification.strText.GetStdString();
+}
+
+// The records drained from a queued observer.
 std::vector<std::string> DrainAll(CKWQueuedProgressObserver& observer) {
     std::vector<std::string> records;
-    observer.Drain([&](const SKWProgressNotification& notification) {
-        records.push_back(std::to_string(notification.nMessage - WM_USER) + " " +
-                          std::to_string(notification.nCount) + " " +
-                          notification.strText.GetStdString());
-    });
+    observer.Drain([&](const SKWProgressNotification& n) { records.push_back(Record(n)); });
     return records;
 }
 
@@ -268,9 +270,7 @@ TEST(QueuedProgressObserver, PostsWindowMessagesFromTheTaskThread) {
         SKWProgressNotification notification;
         if (CKWQueuedProgressObserver::TakeMessage(message.message, message.wParam, message.lParam,
                                                    notification)) {
-            records.push_back(std::to_string(notification.nMessage - WM_USER) + " " +
-                              std::to_string(notification.nCount) + " " +
-                              notification.strText.GetStdString());
+            records.push_back(Record(notification));
         }
     }
     EXPECT_EQ(kTwoStepRecords, records);

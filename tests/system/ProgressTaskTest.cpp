@@ -48,9 +48,6 @@ public:
 class CHeldTaskThread : public CKWProgressTaskThread {
 public:
     using CKWProgressTaskThread::CKWProgressTaskThread;
-    using CKWProgressTaskThread::m_bSupportCommands;
-    using CKWProgressTaskThread::m_bSupportSynchronization;
-    using CKWProgressTaskThread::m_strName;
 
 protected:
     DWORD ThreadHandler() override {
@@ -69,22 +66,6 @@ DWORD StopAndWait(CKWThread& thread) {
 }
 
 const DWORD kPatience = 600;  // polls of 100 ms: a minute
-
-TEST(ProgressTaskThread, IsANamedCommandThreadOwnedByItsTask) {
-    CGatedTask task;
-    CHeldTaskThread thread(&task, nullptr);
-    void* ownerParam1 = nullptr;
-    long ownerParam2 = -1;
-    thread.GetOwnerParams(ownerParam1, ownerParam2);
-    EXPECT_EQ(&task, ownerParam1);
-    EXPECT_EQ(0, ownerParam2);
-    EXPECT_STREQ("CKWProgressTaskThread", thread.m_strName);
-    EXPECT_TRUE(thread.m_bSupportCommands);
-    EXPECT_TRUE(thread.m_bSupportSynchronization);
-    EXPECT_TRUE(thread.IsKindOf(RUNTIME_CLASS(CKWThread)));
-    EXPECT_STREQ("CKWProgressTaskThread", thread.GetRuntimeClass()->m_lpszClassName);
-    EXPECT_EQ(CKWThread::STATUS_NO_THREAD, thread.GetActivityStatus());
-}
 
 TEST(ProgressTaskThread, StartRunsTheTaskWithItsObserverAndEndsWithZero) {
     CGatedTask task;

@@ -160,43 +160,33 @@ TYPED_TEST(SystemReaderWriterLockBoth, ReleasingAnUnheldLockIsRefused) {
 
 enum EHold { eRead, eWrite };
 
-TEST(SystemReaderWriterLockReentrant, NestedHoldsReleaseInAnyOrder) {
-    std::array<EHold, 3> releases = {eRead, eRead, eWrite};
+// Two reads and two writes of one thread, taken and released in every order:
+// a writer takes reads and writes again without waiting, and nothing is left behind.
+TEST(SystemReaderWriterLockReentrant, NestedHoldsTakeAndReleaseInAnyOrder) {
+    std::array<EHold, 4> acquires = {eRead, eRead, eWrite, eWrite};
     do {
-        CReentrantProbe lock;
-        lock.AcquireReaderLock();
-        lock.AcquireReaderLock();
-        lock.AcquireWriterLock();
-        EXPECT_EQ(lock.Writers(), 1u);
-        EXPECT_EQ(lock.Readers(), 0u);
-        for (EHold hold : releases)
-            hold == eRead ? lock.ReleaseReaderLock() : lock.ReleaseWriterLock();
-        EXPECT_EQ(lock.HeldHere(), 0u);
-        EXPECT_EQ(lock.Readers(), 0u);
-        EXPECT_EQ(lock.Writers(), 0u);
-        EXPECT_FALSE(lock.HasEvents());
-        // Another thread gets the lock at once: nothing was left behind.
-        std::thread other([&] {
-            lock.AcquireWriterLock();
-            lock.ReleaseWriterLock();
-        });
-        other.join();
-    } while (std::next_permutation(releases.begin(), releases.end()));
-}
-
-TEST(SystemReaderWriterLockReentrant, WriterTakesReadAndWriteAgainWithoutWaiting) {
-    CReentrantProbe lock;
-    lock.AcquireWriterLock();
-    lock.AcquireWriterLock();
-    lock.AcquireReaderLock();
-    EXPECT_EQ(lock.Writers(), 1u);
-    EXPECT_EQ(lock.Readers(), 0u);
-    lock.ReleaseReaderLock();
-    lock.ReleaseWriterLock();
-    EXPECT_EQ(lock.Writers(), 1u);
-    lock.ReleaseWriterLock();
-    EXPECT_EQ(lock.Writers(), 0u);
-    EXPECT_EQ(lock.HeldHere(), 0u);
+        std::array<EHold, 4> releases = acquires;
+        std::sort(releases.begin(), releases.end());
+        do {
+            CReentrantProbe lock;
+            for (EHold hold : acquires)
+                hold == eRead ? lock.AcquireReaderLock() : lock.AcquireWriterLock();
+            EXPECT_EQ(lock.Writers(), 1u);
+            EXPECT_EQ(lock.Readers(), 0u);
+            for (EHold hold : releases)
+                hold == eRead ? lock.ReleaseReaderLock() : lock.ReleaseWriterLock();
+            EXPECT_EQ(lock.HeldHere(), 0u);
+            EXPECT_EQ(lock.Readers(), 0u);
+            EXPECT_EQ(lock.Writers(), 0u);
+            EXPECT_FALSE(lock.HasEvents());
+            // Another thread gets the lock at once: nothing was left behind.
+            std::thread other([&] {
+                lock.AcquireWriterLock();
+                lock.ReleaseWriterLock();
+            });
+            other.join();
+        } while (std::next_permutation(releases.begin(), releases.end()));
+    } while (std::next_permutation(acquires.begin(), acquires.end()));
 }
 
 TEST(SystemReaderWriterLockReentrant, UpgradeWaitsOnlyForTheOtherReaders) {

@@ -93,6 +93,17 @@ TEST_F(RegistryExportTest, BinaryLinesHoldSeventeenThenSixteenBytesWithoutBacksl
                             "\"4 Empty\"=hex:\r\n");
 }
 
+TEST_F(RegistryExportTest, BinaryDataOfEveryByteValueIsTwoLowerCaseDigitsEach) {
+    SetValue(m_key, "All", REG_BINARY, Bytes(256));
+    std::string hex = "\"All\"=hex:";
+    const char* digits = "0123456789abcdef";
+    for (int i = 0; i < 256; ++i) {
+        hex += std::string(i ? "," : "") + digits[i / 16] + digits[i % 16];
+        hex += i % 16 == 0 && i ? "\r\n" : "";
+    }
+    EXPECT_EQ(Export(), "REGEDIT4\r\n" + Header() + hex + "\r\n");
+}
+
 TEST_F(RegistryExportTest, OtherTypesAreHexWithTheirNumberAndExpandableStringsKeepTheirText) {
     SetValue(m_key, "1 Path", REG_EXPAND_SZ, std::string("%TEMP%\\x\0", 9));
     SetValue(m_key, "2 List", REG_MULTI_SZ, std::string("a\0b\0\0", 5));

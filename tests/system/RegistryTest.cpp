@@ -93,12 +93,15 @@ TEST(RegistryUninitialised, EveryAccessReturnsFourAndLeavesTheDefault) {
 
 TEST(RegistryUninitialised, FailedInitialiseLeavesTheObjectUninitialised) {
     CTempRegistry temp;
-    // No root has SOFTWARE below HKEY_USERS, on any platform.
-    CKWRegistry registry;
-    EXPECT_EQ(registry.Initialize(kCompany, "app", HKEY_USERS), 6);
-    int number = 0;
-    EXPECT_EQ(registry.GetRegValue("a", "v", number, 5), 4);
-    EXPECT_EQ(number, 5);
+    // No root has SOFTWARE below HKEY_USERS, on any platform; the others are no roots at all.
+    const HKEY madeUp = reinterpret_cast<HKEY>(static_cast<ULONG_PTR>(0x5000));
+    for (HKEY root : {HKEY_USERS, HKEY_PERFORMANCE_DATA, madeUp, HKEY(nullptr)}) {
+        CKWRegistry registry;
+        EXPECT_EQ(registry.Initialize(kCompany, "app", root), 6);
+        int number = 0;
+        EXPECT_EQ(registry.GetRegValue("a", "v", number, 5), 4);
+        EXPECT_EQ(number, 5);
+    }
 }
 
 TEST_F(RegistryTest, ValuesRoundTripWithTheirTypes) {
@@ -181,6 +184,29 @@ TEST_F(RegistryTest, ReadingBelowAMissingKeyCreatesItAndReturnsSix) {
     int number = 0;
     EXPECT_EQ(m_registry.GetRegValue(Section("new"), "v", number, 3), 6);
     EXPECT_EQ(number, 3);
+}
+
+TEST_F(RegistryTest, OverLongNamesFailWithSixAndStoreNothing) {
+    const CString longKey = Section(std::string(256, 'k').c_str());
+    const std::string longValue(16384, 'v');
+    EXPECT_EQ(m_registry.PutRegValue(longKey, "v", 1), 6);
+    EXPECT_EQ(m_registry.PutRegValue(Section("s"), longValue.c_str(), CString("x")), 6);
+    CString text;
+    EXPECT_EQ(m_registry.GetRegValue(longKey, "v", text, CString("d")), 6);
+    EXPECT_EQ(text, "d");
+    EXPECT_EQ(m_registry.GetRegValue(Section("s"), longValue.c_str(), text, CString("e")), 6);
+    EXPECT_EQ(text, "e");
+    HKEY key = nullptr;
+    ASSERT_EQ(RegOpenKeyExA(HKEY_CURRENT_USER, m_temp.GetKeyPath().c_str(), 0, KEY_READ, &key),
+              ERROR_SUCCESS);
+    DWORD subKeys = 9;
+    DWORD values = 9;
+    EXPECT_EQ(RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, &subKeys, nullptr, nullptr, &values,
+                               nullptr, nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
+    RegCloseKey(key);
+    EXPECT_EQ(subKeys, 1u);  // "s", made by the refused value's write
+    EXPECT_EQ(values, 0u);
 }
 
 TEST_F(RegistryTest, ABaseKeyReplacesTheSoftwareKey) {

@@ -202,21 +202,9 @@ TEST(ThreadLife, TheThreadKnowsItsIdAndPriority) {
     EXPECT_EQ(thread.GetID(), 0u);
 }
 
-TEST(ThreadSettings, AttributesAreCopiedAndOwnerParametersKept) {
-    int owner = 0;
+TEST(ThreadLife, StartsWithAStackSizeThatIsNoWholeNumberOfPages) {
     CStubbornThread thread;
-    thread.SetOwnerParams(&owner, 17);
-    void* p = nullptr;
-    long l = 0;
-    thread.GetOwnerParams(p, l);
-    EXPECT_EQ(p, &owner);
-    EXPECT_EQ(l, 17);
-    SECURITY_ATTRIBUTES attributes = {sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    thread.SetAttributes(&attributes);
-    attributes.bInheritHandle = FALSE;
-    EXPECT_EQ(thread.GetAttributes().bInheritHandle, TRUE);
-    thread.SetStackSize(256 * 1024);
-    EXPECT_EQ(thread.GetStackSize(), 256u * 1024u);
+    thread.SetStackSize(256 * 1024 + 1);
     thread.Start();
     thread.gate.Open();
     DWORD exitCode = 0;
@@ -233,6 +221,9 @@ TEST(ThreadExceptions, CarryTheirThreadTypeAndText) {
     char buffer[3];
     EXPECT_TRUE(pException->GetErrorMessage(buffer, sizeof buffer));
     EXPECT_STREQ(buffer, "te");
+    UINT helpContext = 7;
+    EXPECT_FALSE(pException->GetErrorMessage(nullptr, 10, &helpContext));
+    EXPECT_EQ(helpContext, 0u);
     pException->Delete();
     EXPECT_FALSE(CKWThreadException::GetLastSystemErrorMsg(ERROR_NOT_ENOUGH_MEMORY).IsEmpty());
 }
@@ -248,22 +239,6 @@ public:
     }
     void FillFromResource(UINT messageId) { SetErrorMsg(messageId); }
 };
-
-TEST(ThreadExceptions, SettersFillInAnExceptionMadeWithItsThreadAlone) {
-    CStubbornThread thread;
-    CHostThreadException* pException = new CHostThreadException;
-    EXPECT_EQ(pException->GetThread(), nullptr);
-    EXPECT_EQ(pException->GetType(), 0);
-    EXPECT_TRUE(pException->GetErrorMsg().IsEmpty());
-    pException->Fill(&thread, CKWThreadException::POST_COMMAND_FAILED, "posted nothing");
-    EXPECT_EQ(pException->GetThread(), &thread);
-    EXPECT_EQ(pException->GetType(), CKWThreadException::POST_COMMAND_FAILED);
-    EXPECT_EQ(std::string(pException->GetErrorMsg()), "posted nothing");
-    UINT helpContext = 7;
-    EXPECT_FALSE(pException->GetErrorMessage(nullptr, 10, &helpContext));
-    EXPECT_EQ(helpContext, 0u);
-    pException->Delete();
-}
 
 #if !defined(_WIN32)
 // This build has no string resources, and no message box.

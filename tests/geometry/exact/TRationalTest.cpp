@@ -10,7 +10,6 @@
 
 using kwRationalArithmetic::TInteger;
 using kwRationalArithmetic::TRational;
-using kwRationalArithmetic::TRVector;
 
 using R16 = TRational<16>;
 using R32 = TRational<32>;
@@ -67,12 +66,4 @@ TEST(TRationalTest, GeneralFractions) {
     value /= R16(1, 2);
     EXPECT_TRUE(value == R16(3));
     EXPECT_TRUE(-value == R16(-3));
-}
-
-TEST(TRationalTest, VectorsHoldComponents) {
-    TRVector<2, 16> v;
-    EXPECT_TRUE(v[0] == TRational<16>(0));
-    v[1] = TRational<16>(1, 3);
-    const TRVector<2, 16>& view = v;
-    EXPECT_TRUE(view[1] == TRational<16>(2, 6));
 }

@@ -265,17 +265,4 @@ TYPED_TEST(TuplePairs, PointsAndVectorsTakeValuesAndTextAlike) {
     EXPECT_EQ(p[2], static_cast<Real>(Other(0.1)));
 }
 
-TYPED_TEST(TuplePairs, NamedZeroIsTheGenericZero) {
-    using Real = typename TypeParam::first_type;
-    using Other = typename TypeParam::second_type;
-    using Point2 = CKWPointT<2, Real, Other>;
-    using Point3 = CKWPointT<3, Real, Other>;
-    using Vector2 = CKWVectorT<2, Real, Other>;
-    using Vector4 = CKWVectorT<4, Real, Other>;
-    EXPECT_EQ((CKWPoint2T<Real, Other>::ZERO), Point2::ZERO());
-    EXPECT_EQ((CKWPoint3T<Real, Other>::ZERO), Point3::ZERO());
-    EXPECT_EQ((CKWVector2T<Real, Other>::ZERO), Vector2::ZERO());
-    EXPECT_EQ((CKWVector4T<Real, Other>::ZERO), Vector4::ZERO());
-}
-
 }  // namespace

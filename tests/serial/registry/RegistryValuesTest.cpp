@@ -159,6 +159,28 @@ TEST_F(RegistryValues, MissingMalformedOrOtherTypedValuesFailAndLeaveTargetsAlon
     EXPECT_EQ(0, bytes.GetSize());
 }
 
+TEST_F(RegistryValues, OverLongNamesAndUnknownRootsFailWithTheStoresCode) {
+    const std::string longName(16384, 'v');
+    const std::string longPath = Location() + "\\" + std::string(256, 'k');
+    EXPECT_EQ(0, m_serializer->Write(longName.c_str(), 1));
+#if !defined(_WIN32)  // Wine refuses long names with other codes
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, m_serializer->GetLastError());
+#endif
+    EXPECT_EQ(0, m_serializer->VerifyValue(longName.c_str()));
+    EXPECT_EQ(0, m_serializer->OpenRegistry(HKEY_CURRENT_USER, longPath.c_str()));
+#if !defined(_WIN32)
+    EXPECT_EQ(ERROR_INVALID_PARAMETER, m_serializer->GetLastError());
+#endif
+    EXPECT_EQ(nullptr, m_serializer->GetCurrentKey());
+    EXPECT_EQ(0, m_serializer->OpenRegistry(HKEY_PERFORMANCE_DATA, "Anything"));
+    EXPECT_EQ(ERROR_INVALID_HANDLE, m_serializer->GetLastError());
+    // Nothing was made on the way.
+    CStringList names;
+    ASSERT_EQ(1, m_serializer->OpenRegistry(HKEY_CURRENT_USER, Location().c_str()));
+    EXPECT_EQ(1, m_serializer->EnumerateSubKeys(names));
+    EXPECT_EQ(0, names.GetCount());
+}
+
 TEST_F(RegistryValues, KeysAreFoundDeletedAndEnumerated) {
     const std::string child = Location() + "\\Child";
     EXPECT_EQ(0, m_serializer->VerifyKey(child.c_str()));
