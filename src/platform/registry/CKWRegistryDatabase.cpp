@@ -2,9 +2,11 @@
 
 #include "CKWSqlQuery.h"
 
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <fstream>
 #include <iterator>
@@ -64,6 +66,9 @@ constexpr const char* kBeginRead = "BEGIN";
 constexpr const char* kBeginWrite = "BEGIN IMMEDIATE";
 constexpr const char* kCommit = "COMMIT";
 constexpr const char* kRollback = "ROLLBACK";
+constexpr const char* kSavepoint = "SAVEPOINT call";
+constexpr const char* kReleaseSavepoint = "RELEASE call";
+constexpr const char* kRollbackToSavepoint = "ROLLBACK TO call";
 
 // Creates the folders above the store's file, private to the user as
 // configuration folders are.
@@ -76,6 +81,18 @@ bool CreateParentFolders(const std::string& file) {
         }
     }
     return true;
+}
+
+// The running process's ID, kept: getpid is a system call, and every use of
+// the store asks. Only fork changes it.
+std::atomic<pid_t> g_process{0};
+
+pid_t CurrentProcess() {
+    static const bool isKept = [] {
+        g_process = getpid();
+        return pthread_atfork(nullptr, nullptr, [] { g_process = getpid(); }) == 0;
+    }();
+    return isKept ? g_process.load(std::memory_order_relaxed) : getpid();
 }
 
 }  // namespace
@@ -118,7 +135,7 @@ LSTATUS CKWRegistryDatabase::Status(int sqliteResult) {
 
 CKWRegistryDatabase::~CKWRegistryDatabase() {
     // A forked child's copy belongs to the parent (see CKWSqliteConnection).
-    if (m_owner != getpid()) {
+    if (m_owner != CurrentProcess()) {
         m_connection.Abandon();
     }
 }
@@ -132,10 +149,16 @@ LSTATUS CKWRegistryDatabase::Write(const std::function<LSTATUS()>& work) {
 }
 
 LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS()>& work) {
+    if (IsInBatch()) {
+        return TransactInBatch(isWrite, work);
+    }
     std::lock_guard<std::mutex> lock(m_mutex);
     const LSTATUS connected = Connect();
     if (connected != ERROR_SUCCESS) {
         return connected;
+    }
+    if (isWrite) {
+        m_peekMarkIsValid = false;
     }
     const int begun = CKWSqlQuery(m_connection, isWrite ? kBeginWrite : kBeginRead).Run();
     if (begun != SQLITE_OK) {
@@ -156,16 +179,88 @@ LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS(
     return status;
 }
 
+LSTATUS CKWRegistryDatabase::TransactInBatch(bool isWrite, const std::function<LSTATUS()>& work) {
+    if (!isWrite) {
+        return work();
+    }
+    m_peekMarkIsValid = false;
+    const int saved = CKWSqlQuery(m_connection, kSavepoint).Run();
+    if (saved != SQLITE_OK) {
+        return Status(saved);
+    }
+    const LSTATUS status = work();
+    if (status != ERROR_SUCCESS) {
+        CKWSqlQuery(m_connection, kRollbackToSavepoint).Run();
+    }
+    const int released = CKWSqlQuery(m_connection, kReleaseSavepoint).Run();
+    return status != ERROR_SUCCESS ? status : Status(released);
+}
+
 LSTATUS CKWRegistryDatabase::Flush() {
+    if (IsInBatch()) {
+        m_flushAfterBatch = true;
+        return ERROR_SUCCESS;
+    }
     std::lock_guard<std::mutex> lock(m_mutex);
     const LSTATUS connected = Connect();
     return connected != ERROR_SUCCESS ? connected : Status(m_connection.Checkpoint());
 }
 
-LSTATUS CKWRegistryDatabase::Connect() {
-    if (m_connection.IsOpen() && m_owner == getpid()) {
+LSTATUS CKWRegistryDatabase::BeginBatch() {
+    if (IsInBatch()) {
+        ++m_batchDepth;
         return ERROR_SUCCESS;
     }
+    std::unique_lock<std::mutex> lock(m_mutex);
+    LSTATUS status = Connect();
+    if (status == ERROR_SUCCESS) {
+        status = Status(CKWSqlQuery(m_connection, kBeginWrite).Run());
+    }
+    if (status != ERROR_SUCCESS) {
+        return status;
+    }
+    lock.release();  // held until the batch ends
+    m_batchThread = std::this_thread::get_id();
+    m_batchDepth = 1;
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryDatabase::EndBatch() {
+    if (!IsInBatch()) {
+        return ERROR_INVALID_FUNCTION;
+    }
+    if (--m_batchDepth > 0) {
+        return ERROR_SUCCESS;
+    }
+    const int committed = CKWSqlQuery(m_connection, kCommit).Run();
+    if (committed != SQLITE_OK) {
+        CKWSqlQuery(m_connection, kRollback).Run();
+    }
+    LSTATUS status = Status(committed);
+    if (status == ERROR_SUCCESS && m_flushAfterBatch) {
+        status = Status(m_connection.Checkpoint());
+    }
+    m_flushAfterBatch = false;
+    m_peekMarkIsValid = false;
+    m_batchThread = std::thread::id();
+    m_mutex.unlock();
+    return status;
+}
+
+bool CKWRegistryDatabase::TakeChange() {
+    CKWSqliteConnection::CommitMark mark;
+    const bool isRead = m_connection.ReadCommitMark(mark);
+    const bool changed = !isRead || !m_peekMarkIsValid || mark != m_peekMark;
+    m_peekMark = mark;
+    m_peekMarkIsValid = isRead && !IsInBatch();
+    return changed;
+}
+
+LSTATUS CKWRegistryDatabase::Connect() {
+    if (m_connection.IsOpen() && m_owner == CurrentProcess()) {
+        return ERROR_SUCCESS;
+    }
+    m_peekMarkIsValid = false;
     m_connection.Abandon();
     if (!CreateParentFolders(m_path)) {
         return ERROR_REGISTRY_IO_FAILED;
@@ -189,7 +284,7 @@ LSTATUS CKWRegistryDatabase::Connect() {
         m_connection.Close();
         return status;
     }
-    m_owner = getpid();
+    m_owner = CurrentProcess();
     return ERROR_SUCCESS;
 }
 

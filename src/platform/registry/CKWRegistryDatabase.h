@@ -4,6 +4,10 @@
 // database's mutex, so the threads of a process take turns and other
 // processes see whole calls or nothing.
 //
+// A batch holds the mutex and one write transaction from BeginBatch to
+// EndBatch on one thread; that thread's uses join the transaction, each
+// writing one inside a savepoint so a failed use undoes only itself.
+//
 // A file that is not a store is never written to: it gives
 // ERROR_REGISTRY_CORRUPT until it is replaced. A process forked from the one
 // that opened the file opens it again on its first use.
@@ -15,10 +19,12 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <mutex>
 #include <string>
+#include <thread>
 
 class CKWRegistryDatabase {
 public:
@@ -34,8 +40,32 @@ public:
     // succeeds; work's result is the result, unless the store fails.
     LSTATUS Read(const std::function<LSTATUS()>& work);
     LSTATUS Write(const std::function<LSTATUS()>& work);
-    // Makes every committed write durable.
+    // Makes every committed write durable; inside a batch, the batch when it
+    // commits.
     LSTATUS Flush();
+
+    // A batch on the calling thread, nested ones joining the outermost,
+    // which commits at its EndBatch.
+    LSTATUS BeginBatch();
+    LSTATUS EndBatch();
+
+    // Runs lookup(changed) under the mutex, outside any transaction, for
+    // caches of what Read found: changed is false only when nothing has been
+    // committed to the store, by any thread or process, since the last Peek,
+    // and this process has not written since. Lookup must not touch the
+    // database. Template, as it is on the path of every cached read.
+    template <class Lookup>
+    LSTATUS Peek(Lookup&& lookup) {
+        if (IsInBatch()) {
+            return lookup(TakeChange());
+        }
+        std::lock_guard<std::mutex> lock(m_mutex);
+        const LSTATUS connected = Connect();
+        return connected != ERROR_SUCCESS ? connected : lookup(TakeChange());
+    }
+    // Whether the calling thread's uses join a batch, whose writes are not
+    // committed yet: what they read must not be cached.
+    bool IsInBatch() const { return m_batchThread.load() == std::this_thread::get_id(); }
 
     // Only inside Read or Write.
     CKWSqliteConnection& Connection() { return m_connection; }
@@ -55,6 +85,9 @@ public:
 
 private:
     LSTATUS Transact(bool isWrite, const std::function<LSTATUS()>& work);
+    LSTATUS TransactInBatch(bool isWrite, const std::function<LSTATUS()>& work);
+    // Under the mutex: whether anything changed since the last call (see Peek).
+    bool TakeChange();
     LSTATUS Connect();
     LSTATUS CheckOrCreateSchema();
     LSTATUS CreateSchemaIfEmpty();
@@ -66,4 +99,11 @@ private:
     CKWSqliteConnection m_connection;
     // The process that opened m_connection.
     pid_t m_owner = 0;
+    // The thread holding m_mutex for a batch; only it changes the rest.
+    std::atomic<std::thread::id> m_batchThread;
+    int m_batchDepth = 0;
+    bool m_flushAfterBatch = false;
+    // The commit mark at the last Peek; invalid after a write of this process.
+    CKWSqliteConnection::CommitMark m_peekMark{};
+    bool m_peekMarkIsValid = false;
 };

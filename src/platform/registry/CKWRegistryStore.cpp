@@ -4,6 +4,7 @@
 #include "KWRegistryNames.h"
 
 #include <chrono>
+#include <cstring>
 
 namespace {
 
@@ -69,6 +70,11 @@ LSTATUS StepOneRow(CKWSqlQuery& query, LSTATUS notFound) {
     }
     return result == SQLITE_ROW ? ERROR_SUCCESS : Status(result);
 }
+
+// The value cache holds values up to this size, and empties itself when its
+// values together would pass the limit.
+constexpr std::size_t kMaxCachedValueSize = 4096;
+constexpr std::size_t kMaxValueCacheBytes = 16 << 20;
 
 // Enumerations of this many keys at once keep their place; more are rare
 // (an export walks one key per level of the tree).
@@ -205,6 +211,63 @@ LSTATUS CKWRegistryStore::GetValue(KWRegistryKeyId key, std::string_view name,
     }
     ReadValueRow(query, value);
     return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
+                                    std::shared_ptr<const SKWRegistryValue>& value) {
+    std::string cacheKey = ValueCacheKey(key, name);
+    const LSTATUS peeked = m_database.Peek([&](bool changed) {
+        if (changed) {
+            m_valueCache.clear();
+            m_valueCacheBytes = 0;
+        }
+        const auto found = m_valueCache.find(cacheKey);
+        if (found != m_valueCache.end()) {
+            value = found->second;
+        }
+        return ERROR_SUCCESS;
+    });
+    if (peeked != ERROR_SUCCESS || value != nullptr) {
+        return peeked;
+    }
+    return m_database.Read([&] {
+        bool isVolatile = false;
+        auto read = std::make_shared<SKWRegistryValue>();
+        LSTATUS status = CheckKey(key, isVolatile);
+        if (status == ERROR_SUCCESS) {
+            status = GetValue(key, name, *read);
+        }
+        if (status != ERROR_SUCCESS) {
+            return status;
+        }
+        read->name.clear();
+        value = read;
+        if (!m_database.IsInBatch()) {
+            CacheValue(std::move(cacheKey), value);
+        }
+        return status;
+    });
+}
+
+std::string CKWRegistryStore::ValueCacheKey(KWRegistryKeyId key, std::string_view name) {
+    std::string cacheKey(sizeof key + name.size(), '\0');
+    std::memcpy(&cacheKey[0], &key, sizeof key);
+    kwRegistryNames::FoldNameInto(name, &cacheKey[sizeof key]);
+    return cacheKey;
+}
+
+void CKWRegistryStore::CacheValue(std::string cacheKey, const CachedValue& value) {
+    if (value->data.size() > kMaxCachedValueSize) {
+        return;
+    }
+    const std::size_t size = cacheKey.size() + value->data.size();
+    if (m_valueCacheBytes + size > kMaxValueCacheBytes) {
+        m_valueCache.clear();
+        m_valueCacheBytes = 0;
+    }
+    if (m_valueCache.emplace(std::move(cacheKey), value).second) {
+        m_valueCacheBytes += size;
+    }
 }
 
 LSTATUS CKWRegistryStore::GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegistryValue& value) {

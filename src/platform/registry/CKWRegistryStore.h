@@ -11,6 +11,7 @@
 #include "CKWRegistryDatabase.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -41,6 +42,8 @@ public:
     LSTATUS Read(const std::function<LSTATUS()>& work) { return m_database.Read(work); }
     LSTATUS Write(const std::function<LSTATUS()>& work) { return m_database.Write(work); }
     LSTATUS Flush() { return m_database.Flush(); }
+    LSTATUS BeginBatch() { return m_database.BeginBatch(); }
+    LSTATUS EndBatch() { return m_database.EndBatch(); }
 
     // ERROR_KEY_DELETED when the key is gone.
     LSTATUS CheckKey(KWRegistryKeyId key, bool& isVolatile);
@@ -58,6 +61,12 @@ public:
     LSTATUS GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::string& name,
                         ULONGLONG& lastWriteTime);
 
+    // A value of a key, in a transaction of its own: from the cache of values
+    // read before while nothing has been committed since, else from the
+    // database. ERROR_KEY_DELETED, ERROR_FILE_NOT_FOUND as below.
+    // The value is shared with the cache, and holds no name.
+    LSTATUS ReadValue(KWRegistryKeyId key, std::string_view name,
+                      std::shared_ptr<const SKWRegistryValue>& value);
     // ERROR_FILE_NOT_FOUND when there is no such value.
     LSTATUS GetValue(KWRegistryKeyId key, std::string_view name, SKWRegistryValue& value);
     // ERROR_NO_MORE_ITEMS past the last value.
@@ -83,7 +92,16 @@ private:
     const SKWEnumCursor* CursorBefore(CursorMap& cursors, KWRegistryKeyId key, DWORD index);
     void KeepCursor(CursorMap& cursors, KWRegistryKeyId key, const SKWEnumCursor& cursor);
 
+    typedef std::shared_ptr<const SKWRegistryValue> CachedValue;
+
+    // The cache's key for a value: the key ID's bytes and the folded name.
+    static std::string ValueCacheKey(KWRegistryKeyId key, std::string_view name);
+    void CacheValue(std::string cacheKey, const CachedValue& value);
+
     CKWRegistryDatabase m_database;
+    // Values read, valid while the database's Peek finds nothing changed.
+    std::unordered_map<std::string, CachedValue> m_valueCache;
+    std::size_t m_valueCacheBytes = 0;
     CursorMap m_subKeyCursors;
     CursorMap m_valueCursors;
     unsigned m_cursorsVersion = 0;

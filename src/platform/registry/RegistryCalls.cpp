@@ -229,12 +229,9 @@ LSTATUS RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWORD lpReserved, LPDW
     }
     // A name too long to be stored is simply not found.
     const std::string_view name = lpValueName != nullptr ? lpValueName : "";
-    SKWRegistryValue value;
-    status = key.store->Read([&] {
-        const LSTATUS checked = CheckKey(key);
-        return checked != ERROR_SUCCESS ? checked : key.store->GetValue(key.key, name, value);
-    });
-    return status != ERROR_SUCCESS ? status : CopyValueData(value, lpType, lpData, lpcbData);
+    std::shared_ptr<const SKWRegistryValue> value;
+    status = key.store->ReadValue(key.key, name, value);
+    return status != ERROR_SUCCESS ? status : CopyValueData(*value, lpType, lpData, lpcbData);
 }
 
 LSTATUS RegQueryInfoKeyA(HKEY hKey, LPSTR lpClass, LPDWORD lpcchClass, LPDWORD /*lpReserved*/,
