@@ -141,17 +141,22 @@ CKWRegistryDatabase::~CKWRegistryDatabase() {
 }
 
 LSTATUS CKWRegistryDatabase::Read(const std::function<LSTATUS()>& work) {
-    return Transact(false, work);
+    return Transact(kRead, work);
 }
 
 LSTATUS CKWRegistryDatabase::Write(const std::function<LSTATUS()>& work) {
-    return Transact(true, work);
+    return Transact(kWrite, work);
 }
 
-LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS()>& work) {
+LSTATUS CKWRegistryDatabase::WriteOneChange(const std::function<LSTATUS()>& work) {
+    return Transact(kWriteOneChange, work);
+}
+
+LSTATUS CKWRegistryDatabase::Transact(EKWTransaction kind, const std::function<LSTATUS()>& work) {
     if (IsInBatch()) {
-        return TransactInBatch(isWrite, work);
+        return TransactInBatch(kind, work);
     }
+    const bool isWrite = kind != kRead;
     std::lock_guard<std::mutex> lock(m_mutex);
     const LSTATUS connected = Connect();
     if (connected != ERROR_SUCCESS) {
@@ -179,11 +184,14 @@ LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS(
     return status;
 }
 
-LSTATUS CKWRegistryDatabase::TransactInBatch(bool isWrite, const std::function<LSTATUS()>& work) {
-    if (!isWrite) {
+LSTATUS CKWRegistryDatabase::TransactInBatch(EKWTransaction kind,
+                                             const std::function<LSTATUS()>& work) {
+    if (kind != kRead) {
+        m_peekMarkIsValid = false;
+    }
+    if (kind != kWrite) {
         return work();
     }
-    m_peekMarkIsValid = false;
     const int saved = CKWSqlQuery(m_connection, kSavepoint).Run();
     if (saved != SQLITE_OK) {
         return Status(saved);
@@ -203,7 +211,7 @@ LSTATUS CKWRegistryDatabase::Flush() {
     }
     std::lock_guard<std::mutex> lock(m_mutex);
     const LSTATUS connected = Connect();
-    return connected != ERROR_SUCCESS ? connected : Status(m_connection.Checkpoint());
+    return connected != ERROR_SUCCESS ? connected : Status(m_connection.MakeDurable());
 }
 
 LSTATUS CKWRegistryDatabase::BeginBatch() {
@@ -225,20 +233,24 @@ LSTATUS CKWRegistryDatabase::BeginBatch() {
     return ERROR_SUCCESS;
 }
 
-LSTATUS CKWRegistryDatabase::EndBatch() {
+LSTATUS CKWRegistryDatabase::EndBatch(const std::function<LSTATUS()>& beforeCommit) {
     if (!IsInBatch()) {
         return ERROR_INVALID_FUNCTION;
     }
     if (--m_batchDepth > 0) {
         return ERROR_SUCCESS;
     }
-    const int committed = CKWSqlQuery(m_connection, kCommit).Run();
+    LSTATUS status = beforeCommit();
+    const int committed =
+        status == ERROR_SUCCESS ? CKWSqlQuery(m_connection, kCommit).Run() : SQLITE_ABORT;
     if (committed != SQLITE_OK) {
         CKWSqlQuery(m_connection, kRollback).Run();
     }
-    LSTATUS status = Status(committed);
+    if (status == ERROR_SUCCESS) {
+        status = Status(committed);
+    }
     if (status == ERROR_SUCCESS && m_flushAfterBatch) {
-        status = Status(m_connection.Checkpoint());
+        status = Status(m_connection.MakeDurable());
     }
     m_flushAfterBatch = false;
     m_peekMarkIsValid = false;

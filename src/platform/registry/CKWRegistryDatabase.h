@@ -40,14 +40,19 @@ public:
     // succeeds; work's result is the result, unless the store fails.
     LSTATUS Read(const std::function<LSTATUS()>& work);
     LSTATUS Write(const std::function<LSTATUS()>& work);
+    // A write whose work changes the database with one statement at most,
+    // which SQLite undoes by itself when it fails: inside a batch it needs
+    // no savepoint of its own.
+    LSTATUS WriteOneChange(const std::function<LSTATUS()>& work);
     // Makes every committed write durable; inside a batch, the batch when it
     // commits.
     LSTATUS Flush();
 
     // A batch on the calling thread, nested ones joining the outermost,
-    // which commits at its EndBatch.
+    // which runs beforeCommit inside the transaction and commits at its
+    // EndBatch.
     LSTATUS BeginBatch();
-    LSTATUS EndBatch();
+    LSTATUS EndBatch(const std::function<LSTATUS()>& beforeCommit);
 
     // Runs lookup(changed) under the mutex, outside any transaction, for
     // caches of what Read found: changed is false only when nothing has been
@@ -84,8 +89,10 @@ public:
     static constexpr int kBusyTimeoutMs = 5000;
 
 private:
-    LSTATUS Transact(bool isWrite, const std::function<LSTATUS()>& work);
-    LSTATUS TransactInBatch(bool isWrite, const std::function<LSTATUS()>& work);
+    enum EKWTransaction { kRead, kWrite, kWriteOneChange };
+
+    LSTATUS Transact(EKWTransaction kind, const std::function<LSTATUS()>& work);
+    LSTATUS TransactInBatch(EKWTransaction kind, const std::function<LSTATUS()>& work);
     // Under the mutex: whether anything changed since the last call (see Peek).
     bool TakeChange();
     LSTATUS Connect();

@@ -312,7 +312,28 @@ LSTATUS CKWRegistryStore::DeleteValue(KWRegistryKeyId key, std::string_view name
     return connection.Changes() == 0 ? ERROR_FILE_NOT_FOUND : Touch(key);
 }
 
+LSTATUS CKWRegistryStore::EndBatch() {
+    return m_database.EndBatch([&] {
+        LSTATUS status = ERROR_SUCCESS;
+        for (const KWRegistryKeyId key : m_touchedInBatch) {
+            if (status == ERROR_SUCCESS) {
+                status = TouchNow(key);
+            }
+        }
+        m_touchedInBatch.clear();
+        return status;
+    });
+}
+
 LSTATUS CKWRegistryStore::Touch(KWRegistryKeyId key) {
+    if (m_database.IsInBatch()) {
+        m_touchedInBatch.insert(key);
+        return ERROR_SUCCESS;
+    }
+    return TouchNow(key);
+}
+
+LSTATUS CKWRegistryStore::TouchNow(KWRegistryKeyId key) {
     CKWSqlQuery touch(m_database.Connection(), kTouchKey);
     touch.Bind(1, key);
     touch.Bind(2, FileTimeNow());

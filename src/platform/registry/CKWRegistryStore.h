@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 typedef std::int64_t KWRegistryKeyId;
 
@@ -41,9 +42,15 @@ public:
 
     LSTATUS Read(const std::function<LSTATUS()>& work) { return m_database.Read(work); }
     LSTATUS Write(const std::function<LSTATUS()>& work) { return m_database.Write(work); }
+    // For work that makes one change at most (see CKWRegistryDatabase), such
+    // as SetValue and DeleteValue.
+    LSTATUS WriteOneChange(const std::function<LSTATUS()>& work) {
+        return m_database.WriteOneChange(work);
+    }
     LSTATUS Flush() { return m_database.Flush(); }
     LSTATUS BeginBatch() { return m_database.BeginBatch(); }
-    LSTATUS EndBatch() { return m_database.EndBatch(); }
+    // Keys written in a batch are marked as changed once, when it commits.
+    LSTATUS EndBatch();
 
     // ERROR_KEY_DELETED when the key is gone.
     LSTATUS CheckKey(KWRegistryKeyId key, bool& isVolatile);
@@ -86,8 +93,9 @@ private:
     };
     typedef std::unordered_map<KWRegistryKeyId, SKWEnumCursor> CursorMap;
 
-    // Marks the key as changed now.
+    // Marks the key as changed now; inside a batch, when it commits.
     LSTATUS Touch(KWRegistryKeyId key);
+    LSTATUS TouchNow(KWRegistryKeyId key);
     // The cursor of key that stands just before index, or null.
     const SKWEnumCursor* CursorBefore(CursorMap& cursors, KWRegistryKeyId key, DWORD index);
     void KeepCursor(CursorMap& cursors, KWRegistryKeyId key, const SKWEnumCursor& cursor);
@@ -102,6 +110,8 @@ private:
     // Values read, valid while the database's Peek finds nothing changed.
     std::unordered_map<std::string, CachedValue> m_valueCache;
     std::size_t m_valueCacheBytes = 0;
+    // Keys the running batch changed.
+    std::unordered_set<KWRegistryKeyId> m_touchedInBatch;
     CursorMap m_subKeyCursors;
     CursorMap m_valueCursors;
     unsigned m_cursorsVersion = 0;

@@ -96,9 +96,16 @@ int CKWSqliteConnection::LastError() const {
     return m_db != nullptr ? sqlite3_errcode(m_db) : SQLITE_CANTOPEN;
 }
 
-int CKWSqliteConnection::Checkpoint() {
+int CKWSqliteConnection::MakeDurable() {
     if (m_db == nullptr) {
         return SQLITE_MISUSE;
+    }
+    // Frames leave the log only once a checkpoint has copied them and synced
+    // the database file, so syncing the log is enough.
+    sqlite3_file* log = nullptr;
+    sqlite3_file_control(m_db, "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+    if (log != nullptr && log->pMethods != nullptr) {
+        return log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
     }
     return sqlite3_wal_checkpoint_v2(m_db, nullptr, SQLITE_CHECKPOINT_FULL, nullptr, nullptr);
 }

@@ -48,8 +48,10 @@ public:
     // A number that changes whenever the database changes, through this
     // connection or another; read it inside a transaction.
     unsigned DataVersion() const;
-    // Copies the write-ahead log into the database file and syncs it.
-    int Checkpoint();
+    // Makes every committed transaction durable: syncs the write-ahead log,
+    // which holds whatever the database file does not; without a log open,
+    // copies it into the database file and syncs that.
+    int MakeDurable();
 
     // The header of the write-ahead log's index, which every connection to
     // the file shares in memory and rewrites at each commit: two equal

@@ -209,7 +209,7 @@ LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD /*Reserved*/, DWORD 
     if (status != ERROR_SUCCESS) {
         return status;
     }
-    return key.store->Write([&] {
+    return key.store->WriteOneChange([&] {
         const LSTATUS checked = CheckKey(key);
         return checked != ERROR_SUCCESS
                    ? checked
@@ -318,7 +318,7 @@ LSTATUS RegDeleteValueA(HKEY hKey, LPCSTR lpValueName) {
         return status;
     }
     const std::string_view name = lpValueName != nullptr ? lpValueName : "";
-    return key.store->Write([&] {
+    return key.store->WriteOneChange([&] {
         const LSTATUS checked = CheckKey(key);
         return checked != ERROR_SUCCESS ? checked : key.store->DeleteValue(key.key, name);
     });
