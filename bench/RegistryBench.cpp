@@ -12,7 +12,8 @@
 //   - export of each layout to a "REGEDIT4" file (ours alone: QSettings has
 //     no such export).
 // Each data set lives in a store and an INI file of its own in a temporary
-// folder, made once per run and shared by the benchmarks that use it.
+// folder, made once per run and shared by the benchmarks that use it. Rates
+// are of wall-clock time: sets wait for the disk.
 #include <benchmark/benchmark.h>
 
 #include <QSettings>
@@ -395,51 +396,73 @@ void BM_ExportTree(benchmark::State& state, EKWLayout layout) {
 
 }  // namespace
 
-BENCHMARK_CAPTURE(BM_GetRaw, one_key_string, kOneKey, kString);
-BENCHMARK_CAPTURE(BM_GetCKWRegistry, one_key_string, kOneKey, kString);
-BENCHMARK_CAPTURE(BM_GetQSettings, one_key_string, kOneKey, kString);
-BENCHMARK_CAPTURE(BM_GetRaw, one_key_dword, kOneKey, kDword);
-BENCHMARK_CAPTURE(BM_GetCKWRegistry, one_key_dword, kOneKey, kDword);
-BENCHMARK_CAPTURE(BM_GetQSettings, one_key_dword, kOneKey, kDword);
-BENCHMARK_CAPTURE(BM_GetRaw, spread_string, kSpread, kString);
-BENCHMARK_CAPTURE(BM_GetCKWRegistry, spread_string, kSpread, kString);
-BENCHMARK_CAPTURE(BM_GetQSettings, spread_string, kSpread, kString);
-BENCHMARK_CAPTURE(BM_GetRaw, spread_dword, kSpread, kDword);
-BENCHMARK_CAPTURE(BM_GetCKWRegistry, spread_dword, kSpread, kDword);
-BENCHMARK_CAPTURE(BM_GetQSettings, spread_dword, kSpread, kDword);
+BENCHMARK_CAPTURE(BM_GetRaw, one_key_string, kOneKey, kString)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetCKWRegistry, one_key_string, kOneKey, kString)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetQSettings, one_key_string, kOneKey, kString)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetRaw, one_key_dword, kOneKey, kDword)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetCKWRegistry, one_key_dword, kOneKey, kDword)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetQSettings, one_key_dword, kOneKey, kDword)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetRaw, spread_string, kSpread, kString)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetCKWRegistry, spread_string, kSpread, kString)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetQSettings, spread_string, kSpread, kString)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetRaw, spread_dword, kSpread, kDword)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetCKWRegistry, spread_dword, kSpread, kDword)->UseRealTime();
+BENCHMARK_CAPTURE(BM_GetQSettings, spread_dword, kSpread, kDword)->UseRealTime();
 
 BENCHMARK_CAPTURE(BM_BatchedSetsRaw, one_key_string, kOneKey, kString)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsCKWRegistry, one_key_string, kOneKey, kString)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsQSettings, one_key_string, kOneKey, kString)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_BatchedSetsRaw, one_key_dword, kOneKey, kDword)->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(BM_BatchedSetsRaw, one_key_dword, kOneKey, kDword)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsCKWRegistry, one_key_dword, kOneKey, kDword)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsQSettings, one_key_dword, kOneKey, kDword)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsRaw, spread_string, kSpread, kString)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsCKWRegistry, spread_string, kSpread, kString)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsQSettings, spread_string, kSpread, kString)
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_BatchedSetsRaw, spread_dword, kSpread, kDword)->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(BM_BatchedSetsRaw, spread_dword, kSpread, kDword)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsCKWRegistry, spread_dword, kSpread, kDword)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK_CAPTURE(BM_BatchedSetsQSettings, spread_dword, kSpread, kDword)
-    ->Unit(benchmark::kMillisecond);
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 
-BENCHMARK_CAPTURE(BM_DurableSetsRaw, string, kString)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(BM_DurableSetsCKWRegistry, string, kString)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(BM_DurableSetsQSettings, string, kString)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(BM_DurableSetsRaw, dword, kDword)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(BM_DurableSetsCKWRegistry, dword, kDword)->Unit(benchmark::kMicrosecond);
-BENCHMARK_CAPTURE(BM_DurableSetsQSettings, dword, kDword)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(BM_DurableSetsRaw, string, kString)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK_CAPTURE(BM_DurableSetsCKWRegistry, string, kString)
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(BM_DurableSetsQSettings, string, kString)
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(BM_DurableSetsRaw, dword, kDword)->Unit(benchmark::kMicrosecond)->UseRealTime();
+BENCHMARK_CAPTURE(BM_DurableSetsCKWRegistry, dword, kDword)
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime();
+BENCHMARK_CAPTURE(BM_DurableSetsQSettings, dword, kDword)
+    ->Unit(benchmark::kMicrosecond)
+    ->UseRealTime();
 
-BENCHMARK(BM_EnumerateSubKeysRaw)->Unit(benchmark::kMillisecond);
-BENCHMARK(BM_EnumerateSubKeysQSettings)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_EnumerateSubKeysRaw)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(BM_EnumerateSubKeysQSettings)->Unit(benchmark::kMillisecond)->UseRealTime();
 
-BENCHMARK_CAPTURE(BM_ExportTree, one_key, kOneKey)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(BM_ExportTree, spread, kSpread)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(BM_ExportTree, one_key, kOneKey)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(BM_ExportTree, spread, kSpread)->Unit(benchmark::kMillisecond)->UseRealTime();
