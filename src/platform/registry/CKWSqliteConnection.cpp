@@ -1,6 +1,5 @@
 #include "CKWSqliteConnection.h"
 
-#include <atomic>
 #include <cstring>
 
 namespace {
@@ -142,14 +141,14 @@ bool CKWSqliteConnection::ReadCommitMark(CommitMark& mark) {
     if (index == nullptr) {
         return false;
     }
+    // Acquiring loads of the first copy keep the second copy's loads after them.
     const auto* words = static_cast<const volatile std::uint32_t*>(index);
     CommitMark second;
     for (std::size_t i = 0; i < mark.size(); ++i) {
-        mark[i] = words[i];
+        mark[i] = __atomic_load_n(words + i, __ATOMIC_ACQUIRE);
     }
-    std::atomic_thread_fence(std::memory_order_acquire);
     for (std::size_t i = 0; i < second.size(); ++i) {
-        second[i] = words[mark.size() + i];
+        second[i] = __atomic_load_n(words + mark.size() + i, __ATOMIC_RELAXED);
     }
     unsigned char initialised = 0;
     std::memcpy(&initialised,
