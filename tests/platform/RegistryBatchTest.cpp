@@ -1,5 +1,5 @@
-// Batches of registry writes, and gets served from the store's cache: what
-// other threads, processes and connections see, and when.
+// Batches of registry writes, and gets and opens served from the store's
+// caches: what other threads, processes and connections see, and when.
 #if !defined(_WIN32)
 
 #include "RegistryTestKeys.h"
@@ -218,6 +218,39 @@ TEST_F(RegistryTest, AGetSeesTheBatchsOwnWritesAndAValueOfAKeyDeletedSinceIsGone
     ASSERT_EQ(RegDeleteKeyA(Base(), "Child"), ERROR_SUCCESS);
     EXPECT_EQ(RegQueryValueExA(child.Get(), "Height", nullptr, nullptr, nullptr, nullptr),
               ERROR_KEY_DELETED);
+}
+
+TEST_F(RegistryTest, AnOpenMissesAKeyAnotherProcessDeletedAfterItWasOpened) {
+    CKeyHandle child;
+    ASSERT_EQ(CreateKey(Base(), "Child\\Grandchild", child), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Child\\Grandchild", child), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Child\\Grandchild", child), ERROR_SUCCESS);
+    const std::string path = Registry().GetKeyPath();
+    EXPECT_EQ(RunInChild([&] {
+                  CKeyHandle key;
+                  return OpenKey(HKEY_CURRENT_USER, path.c_str(), key) == ERROR_SUCCESS &&
+                                 RegDeleteKeyA(key.Get(), "Child\\Grandchild") == ERROR_SUCCESS
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(OpenKey(Base(), "Child\\Grandchild", child), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(OpenKey(Base(), "Child", child), ERROR_SUCCESS);
+}
+
+TEST_F(RegistryTest, InsideABatchAnOpenMissesAKeyTheBatchDeleted) {
+    CKeyHandle child;
+    ASSERT_EQ(CreateKey(Base(), "Child", child), ERROR_SUCCESS);
+    CKWRegistryBatch batch;
+    ASSERT_EQ(OpenKey(Base(), "Child", child), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Child", child), ERROR_SUCCESS);
+    ASSERT_EQ(RegDeleteKeyA(Base(), "Child"), ERROR_SUCCESS);
+    EXPECT_EQ(OpenKey(Base(), "Child", child), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(CreateKey(Base(), "Child", child), ERROR_SUCCESS);
+    EXPECT_EQ(SetDword(child.Get(), "Height", 480), ERROR_SUCCESS);
+    EXPECT_EQ(batch.Commit(), ERROR_SUCCESS);
+    EXPECT_EQ(GetDword(child.Get(), "Height"), 480u);
 }
 
 #endif  // !_WIN32

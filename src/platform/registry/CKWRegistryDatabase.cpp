@@ -162,9 +162,6 @@ LSTATUS CKWRegistryDatabase::Transact(EKWTransaction kind, const std::function<L
     if (connected != ERROR_SUCCESS) {
         return connected;
     }
-    if (isWrite) {
-        m_peekMarkIsValid = false;
-    }
     const int begun = CKWSqlQuery(m_connection, isWrite ? kBeginWrite : kBeginRead).Run();
     if (begun != SQLITE_OK) {
         return Status(begun);
@@ -186,22 +183,31 @@ LSTATUS CKWRegistryDatabase::Transact(EKWTransaction kind, const std::function<L
 
 LSTATUS CKWRegistryDatabase::TransactInBatch(EKWTransaction kind,
                                              const std::function<LSTATUS()>& work) {
-    if (kind != kRead) {
-        m_peekMarkIsValid = false;
-    }
-    if (kind != kWrite) {
+    if (kind == kRead) {
         return work();
     }
-    const int saved = CKWSqlQuery(m_connection, kSavepoint).Run();
+    m_batchWroteSincePeek = true;
+    const bool needsSavepoint = kind == kWrite;
+    const int saved = needsSavepoint ? CKWSqlQuery(m_connection, kSavepoint).Run() : SQLITE_OK;
     if (saved != SQLITE_OK) {
         return Status(saved);
     }
-    const LSTATUS status = work();
+    LSTATUS status = work();
     if (status != ERROR_SUCCESS) {
-        CKWSqlQuery(m_connection, kRollbackToSavepoint).Run();
+        // Whatever was read since may be undone; a failing SQLite may even
+        // have undone the whole batch.
+        m_peekMarkIsValid = false;
     }
-    const int released = CKWSqlQuery(m_connection, kReleaseSavepoint).Run();
-    return status != ERROR_SUCCESS ? status : Status(released);
+    if (needsSavepoint) {
+        if (status != ERROR_SUCCESS) {
+            CKWSqlQuery(m_connection, kRollbackToSavepoint).Run();
+        }
+        const int released = CKWSqlQuery(m_connection, kReleaseSavepoint).Run();
+        if (status == ERROR_SUCCESS) {
+            status = Status(released);
+        }
+    }
+    return status;
 }
 
 LSTATUS CKWRegistryDatabase::Flush() {
@@ -259,13 +265,19 @@ LSTATUS CKWRegistryDatabase::EndBatch(const std::function<LSTATUS()>& beforeComm
     return status;
 }
 
-bool CKWRegistryDatabase::TakeChange() {
+// A batch holds the write lock, so only its own writes change the store
+// while it lasts, and they move the commit mark only when it commits.
+CKWRegistryDatabase::EKWChange CKWRegistryDatabase::TakeChange() {
     CKWSqliteConnection::CommitMark mark;
     const bool isRead = m_connection.ReadCommitMark(mark);
-    const bool changed = !isRead || !m_peekMarkIsValid || mark != m_peekMark;
+    EKWChange change = m_batchWroteSincePeek ? kOwnWrites : kUnchanged;
+    if (!isRead || !m_peekMarkIsValid || mark != m_peekMark) {
+        change = kAnyChange;
+    }
     m_peekMark = mark;
-    m_peekMarkIsValid = isRead && !IsInBatch();
-    return changed;
+    m_peekMarkIsValid = isRead;
+    m_batchWroteSincePeek = false;
+    return change;
 }
 
 LSTATUS CKWRegistryDatabase::Connect() {

@@ -54,10 +54,15 @@ public:
     LSTATUS BeginBatch();
     LSTATUS EndBatch(const std::function<LSTATUS()>& beforeCommit);
 
-    // Runs lookup(changed) under the mutex, outside any transaction, for
-    // caches of what Read found: changed is false only when nothing has been
-    // committed to the store, by any thread or process, since the last Peek,
-    // and this process has not written since. Lookup must not touch the
+    // What may have changed since the last Peek: nothing; only what this
+    // thread's batch wrote (its values; keys are only added by it, as a
+    // batch's deletions are the caches' own business); or anything.
+    enum EKWChange { kUnchanged, kOwnWrites, kAnyChange };
+
+    // Runs lookup(change) under the mutex, outside any transaction, for
+    // caches of what was read: change tells what may have been committed to
+    // the store, by any thread, process or program, or written by a batch
+    // of this thread, since the last Peek. Lookup must not touch the
     // database. Template, as it is on the path of every cached read.
     template <class Lookup>
     LSTATUS Peek(Lookup&& lookup) {
@@ -68,8 +73,7 @@ public:
         const LSTATUS connected = Connect();
         return connected != ERROR_SUCCESS ? connected : lookup(TakeChange());
     }
-    // Whether the calling thread's uses join a batch, whose writes are not
-    // committed yet: what they read must not be cached.
+    // Whether the calling thread's uses join a batch.
     bool IsInBatch() const { return m_batchThread.load() == std::this_thread::get_id(); }
 
     // Only inside Read or Write.
@@ -94,7 +98,7 @@ private:
     LSTATUS Transact(EKWTransaction kind, const std::function<LSTATUS()>& work);
     LSTATUS TransactInBatch(EKWTransaction kind, const std::function<LSTATUS()>& work);
     // Under the mutex: whether anything changed since the last call (see Peek).
-    bool TakeChange();
+    EKWChange TakeChange();
     LSTATUS Connect();
     LSTATUS CheckOrCreateSchema();
     LSTATUS CreateSchemaIfEmpty();
@@ -110,7 +114,9 @@ private:
     std::atomic<std::thread::id> m_batchThread;
     int m_batchDepth = 0;
     bool m_flushAfterBatch = false;
-    // The commit mark at the last Peek; invalid after a write of this process.
+    // The commit mark at the last Peek; invalid when the connection was
+    // opened again or a batch undid writes since.
     CKWSqliteConnection::CommitMark m_peekMark{};
     bool m_peekMarkIsValid = false;
+    bool m_batchWroteSincePeek = false;
 };

@@ -75,6 +75,7 @@ LSTATUS StepOneRow(CKWSqlQuery& query, LSTATUS notFound) {
 // values together would pass the limit.
 constexpr std::size_t kMaxCachedValueSize = 4096;
 constexpr std::size_t kMaxValueCacheBytes = 16 << 20;
+constexpr std::size_t kMaxCachedSubKeys = 1 << 16;
 
 // Enumerations of this many keys at once keep their place; more are rare
 // (an export walks one key per level of the tree).
@@ -152,6 +153,7 @@ LSTATUS CKWRegistryStore::DeleteKey(KWRegistryKeyId key) {
             return Status(result);
         }
     }
+    m_subKeyCache.clear();
     for (const char* sql : {kDeleteValuesOfKey, kDeleteKey}) {
         CKWSqlQuery remove(connection, sql);
         remove.Bind(1, key);
@@ -213,14 +215,50 @@ LSTATUS CKWRegistryStore::GetValue(KWRegistryKeyId key, std::string_view name,
     return ERROR_SUCCESS;
 }
 
+LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                                   KWRegistryKeyId& key) {
+    // A key with a sub-key cannot be deleted, so a cached path also vouches
+    // for its base; an empty one needs the database.
+    bool isCached = false;
+    const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+        ForgetChanged(change);
+        key = base;
+        for (const std::string_view name : names) {
+            MakeCacheKey(key, name, m_lookupKey);
+            const auto found = m_subKeyCache.find(m_lookupKey);
+            if (found == m_subKeyCache.end()) {
+                return ERROR_SUCCESS;
+            }
+            key = found->second;
+        }
+        isCached = !names.empty();
+        return ERROR_SUCCESS;
+    });
+    if (peeked != ERROR_SUCCESS || isCached) {
+        return peeked;
+    }
+    return m_database.Read([&] {
+        bool isVolatile = false;
+        LSTATUS status = CheckKey(base, isVolatile);
+        key = base;
+        for (std::size_t i = 0; status == ERROR_SUCCESS && i < names.size(); ++i) {
+            KWRegistryKeyId child = 0;
+            status = FindSubKey(key, names[i], child, isVolatile);
+            if (status == ERROR_SUCCESS) {
+                CacheSubKey(key, names[i], child);
+                key = child;
+            }
+        }
+        return status;
+    });
+}
+
 LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
                                     std::shared_ptr<const SKWRegistryValue>& value) {
-    std::string cacheKey = ValueCacheKey(key, name);
-    const LSTATUS peeked = m_database.Peek([&](bool changed) {
-        if (changed) {
-            m_valueCache.clear();
-            m_valueCacheBytes = 0;
-        }
+    std::string cacheKey;
+    MakeCacheKey(key, name, cacheKey);
+    const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+        ForgetChanged(change);
         const auto found = m_valueCache.find(cacheKey);
         if (found != m_valueCache.end()) {
             value = found->second;
@@ -242,18 +280,36 @@ LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
         }
         read->name.clear();
         value = read;
-        if (!m_database.IsInBatch()) {
-            CacheValue(std::move(cacheKey), value);
-        }
+        CacheValue(std::move(cacheKey), value);
         return status;
     });
 }
 
-std::string CKWRegistryStore::ValueCacheKey(KWRegistryKeyId key, std::string_view name) {
-    std::string cacheKey(sizeof key + name.size(), '\0');
+void CKWRegistryStore::MakeCacheKey(KWRegistryKeyId key, std::string_view name,
+                                    std::string& cacheKey) {
+    cacheKey.resize(sizeof key + name.size());
     std::memcpy(&cacheKey[0], &key, sizeof key);
     kwRegistryNames::FoldNameInto(name, &cacheKey[sizeof key]);
-    return cacheKey;
+}
+
+void CKWRegistryStore::ForgetChanged(CKWRegistryDatabase::EKWChange change) {
+    if (change != CKWRegistryDatabase::kUnchanged) {
+        m_valueCache.clear();
+        m_valueCacheBytes = 0;
+    }
+    if (change == CKWRegistryDatabase::kAnyChange) {
+        m_subKeyCache.clear();
+    }
+}
+
+void CKWRegistryStore::CacheSubKey(KWRegistryKeyId parent, std::string_view name,
+                                   KWRegistryKeyId child) {
+    if (m_subKeyCache.size() >= kMaxCachedSubKeys) {
+        m_subKeyCache.clear();
+    }
+    std::string cacheKey;
+    MakeCacheKey(parent, name, cacheKey);
+    m_subKeyCache.emplace(std::move(cacheKey), child);
 }
 
 void CKWRegistryStore::CacheValue(std::string cacheKey, const CachedValue& value) {

@@ -16,6 +16,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 typedef std::int64_t KWRegistryKeyId;
 
@@ -68,6 +69,12 @@ public:
     LSTATUS GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::string& name,
                         ULONGLONG& lastWriteTime);
 
+    // The key that names lead to from base, in a transaction of its own:
+    // from the cache of sub-keys found before while nothing has been
+    // committed since, else from the database. ERROR_KEY_DELETED when base
+    // is gone, ERROR_FILE_NOT_FOUND when a key on the way is missing.
+    LSTATUS FindPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                     KWRegistryKeyId& key);
     // A value of a key, in a transaction of its own: from the cache of values
     // read before while nothing has been committed since, else from the
     // database. ERROR_KEY_DELETED, ERROR_FILE_NOT_FOUND as below.
@@ -102,14 +109,21 @@ private:
 
     typedef std::shared_ptr<const SKWRegistryValue> CachedValue;
 
-    // The cache's key for a value: the key ID's bytes and the folded name.
-    static std::string ValueCacheKey(KWRegistryKeyId key, std::string_view name);
+    // The caches' key for a sub-key or a value: the key ID's bytes and the
+    // folded name, written over cacheKey.
+    static void MakeCacheKey(KWRegistryKeyId key, std::string_view name, std::string& cacheKey);
+    // Under the database's mutex: empties the caches that change outdates.
+    void ForgetChanged(CKWRegistryDatabase::EKWChange change);
     void CacheValue(std::string cacheKey, const CachedValue& value);
+    void CacheSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId child);
 
     CKWRegistryDatabase m_database;
     // Values read, valid while the database's Peek finds nothing changed.
     std::unordered_map<std::string, CachedValue> m_valueCache;
     std::size_t m_valueCacheBytes = 0;
+    // Sub-keys found, by parent and name; emptied also when a key is deleted.
+    std::unordered_map<std::string, KWRegistryKeyId> m_subKeyCache;
+    std::string m_lookupKey;  // reused for look-ups, under the mutex
     // Keys the running batch changed.
     std::unordered_set<KWRegistryKeyId> m_touchedInBatch;
     CursorMap m_subKeyCursors;

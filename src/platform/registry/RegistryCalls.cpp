@@ -150,7 +150,7 @@ LSTATUS RegOpenKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD /*ulOptions*/, REGSAM sa
     }
     KWRegistryKeyId key = 0;
     if (status == ERROR_SUCCESS) {
-        status = base.store->Read([&] { return WalkPath(base, names, key); });
+        status = base.store->FindPath(base.key, names, key);
     }
     if (status == ERROR_SUCCESS) {
         *phkResult = Handles().Add({base.store, key, CKWRegistryHandles::MapAccess(samDesired)});
@@ -181,7 +181,7 @@ LSTATUS RegCreateKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD Reserved, LPSTR /*lpCl
     // Opening an existing key needs no write lock: most calls just open.
     KWRegistryKeyId key = 0;
     bool created = false;
-    status = base.store->Read([&] { return WalkPath(base, names, key); });
+    status = base.store->FindPath(base.key, names, key);
     if (status == ERROR_FILE_NOT_FOUND) {
         const bool makeVolatile = (dwOptions & REG_OPTION_VOLATILE) != 0;
         status = base.store->Write(
