@@ -184,6 +184,7 @@ public:
 private:
     std::string StorePath() const { return (m_folder.GetPath() / "registry.db").string(); }
     void SetAllRaw(int round) {
+        CKWRegistryBatch batch(m_rootKey);
         for (int i = 0; i < Count(); ++i) {
             SetRaw(i, round);
         }
