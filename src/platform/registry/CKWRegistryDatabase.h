@@ -6,7 +6,8 @@
 //
 // A batch holds the mutex and one write transaction from BeginBatch to
 // EndBatch on one thread; that thread's uses join the transaction, each
-// writing one inside a savepoint so a failed use undoes only itself.
+// write inside a savepoint of its own (unless it makes one change at most),
+// so a failed use undoes only itself.
 //
 // A file that is not a store is never written to: it gives
 // ERROR_REGISTRY_CORRUPT until it is replaced. A process forked from the one
@@ -97,7 +98,7 @@ private:
 
     LSTATUS Transact(EKWTransaction kind, const std::function<LSTATUS()>& work);
     LSTATUS TransactInBatch(EKWTransaction kind, const std::function<LSTATUS()>& work);
-    // Under the mutex: whether anything changed since the last call (see Peek).
+    // Under the mutex: what may have changed since the last call (see Peek).
     EKWChange TakeChange();
     LSTATUS Connect();
     LSTATUS CheckOrCreateSchema();
