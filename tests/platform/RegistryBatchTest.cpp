@@ -238,6 +238,36 @@ TEST_F(RegistryTest, AnOpenMissesAKeyAnotherProcessDeletedAfterItWasOpened) {
     EXPECT_EQ(OpenKey(Base(), "Child", child), ERROR_SUCCESS);
 }
 
+// This process's own commits keep what it found; another's, before or after
+// them, outdates it.
+TEST_F(RegistryTest, AnOpenMissesAKeyAnotherProcessDeletedAroundThisProcesssWrites) {
+    const std::string path = Registry().GetKeyPath();
+    const auto deleteInChild = [&](const char* name) {
+        return RunInChild([&] {
+            CKeyHandle key;
+            return OpenKey(HKEY_CURRENT_USER, path.c_str(), key) == ERROR_SUCCESS &&
+                           RegDeleteKeyA(key.Get(), name) == ERROR_SUCCESS
+                       ? 0
+                       : 1;
+        });
+    };
+    CKeyHandle child;
+    ASSERT_EQ(CreateKey(Base(), "First", child), ERROR_SUCCESS);
+    ASSERT_EQ(CreateKey(Base(), "Second", child), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "First", child), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Second", child), ERROR_SUCCESS);
+
+    ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+    ASSERT_EQ(deleteInChild("First"), 0);
+    EXPECT_EQ(OpenKey(Base(), "First", child), ERROR_FILE_NOT_FOUND);
+
+    ASSERT_EQ(OpenKey(Base(), "Second", child), ERROR_SUCCESS);
+    ASSERT_EQ(deleteInChild("Second"), 0);
+    ASSERT_EQ(SetDword(Base(), "Width", 800), ERROR_SUCCESS);
+    EXPECT_EQ(OpenKey(Base(), "Second", child), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(GetDword(Base(), "Width"), 800u);
+}
+
 TEST_F(RegistryTest, InsideABatchAnOpenMissesAKeyTheBatchDeleted) {
     CKeyHandle child;
     ASSERT_EQ(CreateKey(Base(), "Child", child), ERROR_SUCCESS);

@@ -66,6 +66,8 @@ constexpr const char* kBeginRead = "BEGIN";
 constexpr const char* kBeginWrite = "BEGIN IMMEDIATE";
 constexpr const char* kCommit = "COMMIT";
 constexpr const char* kRollback = "ROLLBACK";
+// The word of the log index's header that counts transactions.
+constexpr std::size_t kTransactionCounterWord = 2;
 constexpr const char* kSavepoint = "SAVEPOINT call";
 constexpr const char* kReleaseSavepoint = "RELEASE call";
 constexpr const char* kRollbackToSavepoint = "ROLLBACK TO call";
@@ -171,7 +173,7 @@ LSTATUS CKWRegistryDatabase::Transact(EKWTransaction kind, const std::function<L
         CKWSqlQuery(m_connection, kRollback).Run();
         return status;
     }
-    const int committed = CKWSqlQuery(m_connection, kCommit).Run();
+    const int committed = isWrite ? CommitNoting() : CKWSqlQuery(m_connection, kCommit).Run();
     if (committed != SQLITE_OK) {
         CKWSqlQuery(m_connection, kRollback).Run();
         if (status == ERROR_SUCCESS) {
@@ -186,7 +188,7 @@ LSTATUS CKWRegistryDatabase::TransactInBatch(EKWTransaction kind,
     if (kind == kRead) {
         return work();
     }
-    m_batchWroteSincePeek = true;
+    m_wroteSincePeek = true;
     const bool needsSavepoint = kind == kWrite;
     const int saved = needsSavepoint ? CKWSqlQuery(m_connection, kSavepoint).Run() : SQLITE_OK;
     if (saved != SQLITE_OK) {
@@ -247,10 +249,10 @@ LSTATUS CKWRegistryDatabase::EndBatch(const std::function<LSTATUS()>& beforeComm
         return ERROR_SUCCESS;
     }
     LSTATUS status = beforeCommit();
-    const int committed =
-        status == ERROR_SUCCESS ? CKWSqlQuery(m_connection, kCommit).Run() : SQLITE_ABORT;
+    const int committed = status == ERROR_SUCCESS ? CommitNoting() : SQLITE_ABORT;
     if (committed != SQLITE_OK) {
         CKWSqlQuery(m_connection, kRollback).Run();
+        m_peekMarkIsValid = false;
     }
     if (status == ERROR_SUCCESS) {
         status = Status(committed);
@@ -259,7 +261,6 @@ LSTATUS CKWRegistryDatabase::EndBatch(const std::function<LSTATUS()>& beforeComm
         status = Status(m_connection.MakeDurable());
     }
     m_flushAfterBatch = false;
-    m_peekMarkIsValid = false;
     m_batchThread = std::thread::id();
     m_mutex.unlock();
     return status;
@@ -270,14 +271,40 @@ LSTATUS CKWRegistryDatabase::EndBatch(const std::function<LSTATUS()>& beforeComm
 CKWRegistryDatabase::EKWChange CKWRegistryDatabase::TakeChange() {
     CKWSqliteConnection::CommitMark mark;
     const bool isRead = m_connection.ReadCommitMark(mark);
-    EKWChange change = m_batchWroteSincePeek ? kOwnWrites : kUnchanged;
+    EKWChange change = m_wroteSincePeek ? kOwnWrites : kUnchanged;
     if (!isRead || !m_peekMarkIsValid || mark != m_peekMark) {
         change = kAnyChange;
     }
     m_peekMark = mark;
     m_peekMarkIsValid = isRead;
-    m_batchWroteSincePeek = false;
+    m_wroteSincePeek = false;
     return change;
+}
+
+int CKWRegistryDatabase::CommitNoting() {
+    CKWSqliteConnection::CommitMark before;
+    const bool isKnown = ReadMarkBeforeCommit(before);
+    const int committed = CKWSqlQuery(m_connection, kCommit).Run();
+    if (committed == SQLITE_OK && isKnown) {
+        NoteOwnCommit(before);
+    }
+    return committed;
+}
+
+// Under the write lock, so no other commit can come between this and ours.
+bool CKWRegistryDatabase::ReadMarkBeforeCommit(CKWSqliteConnection::CommitMark& before) {
+    return m_peekMarkIsValid && m_connection.ReadCommitMark(before) && before == m_peekMark;
+}
+
+// Each commit adds one to the header's transaction counter, so one more
+// means ours alone; a commit that changed nothing leaves the mark as it was.
+void CKWRegistryDatabase::NoteOwnCommit(const CKWSqliteConnection::CommitMark& before) {
+    CKWSqliteConnection::CommitMark after;
+    if (m_connection.ReadCommitMark(after) &&
+        after[kTransactionCounterWord] == before[kTransactionCounterWord] + 1) {
+        m_peekMark = after;
+        m_wroteSincePeek = true;
+    }
 }
 
 LSTATUS CKWRegistryDatabase::Connect() {

@@ -56,13 +56,13 @@ public:
     LSTATUS EndBatch(const std::function<LSTATUS()>& beforeCommit);
 
     // What may have changed since the last Peek: nothing; only what this
-    // thread's batch wrote (its values; keys are only added by it, as a
-    // batch's deletions are the caches' own business); or anything.
+    // process wrote (values; keys are only added by it, as its deletions are
+    // the caches' own business); or anything.
     enum EKWChange { kUnchanged, kOwnWrites, kAnyChange };
 
     // Runs lookup(change) under the mutex, outside any transaction, for
     // caches of what was read: change tells what may have been committed to
-    // the store, by any thread, process or program, or written by a batch
+    // the store, by this process or any other program, or written by a batch
     // of this thread, since the last Peek. Lookup must not touch the
     // database. Template, as it is on the path of every cached read.
     template <class Lookup>
@@ -100,6 +100,12 @@ private:
     LSTATUS TransactInBatch(EKWTransaction kind, const std::function<LSTATUS()>& work);
     // Under the mutex: what may have changed since the last call (see Peek).
     EKWChange TakeChange();
+    // Around a commit of this connection: the mark before it, when nothing
+    // else was committed since the last Peek; then, when the commit was the
+    // only one since, what only this process's writes changed.
+    bool ReadMarkBeforeCommit(CKWSqliteConnection::CommitMark& before);
+    void NoteOwnCommit(const CKWSqliteConnection::CommitMark& before);
+    int CommitNoting();
     LSTATUS Connect();
     LSTATUS CheckOrCreateSchema();
     LSTATUS CreateSchemaIfEmpty();
@@ -119,5 +125,5 @@ private:
     // opened again or a batch undid writes since.
     CKWSqliteConnection::CommitMark m_peekMark{};
     bool m_peekMarkIsValid = false;
-    bool m_batchWroteSincePeek = false;
+    bool m_wroteSincePeek = false;
 };

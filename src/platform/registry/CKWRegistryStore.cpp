@@ -256,12 +256,14 @@ LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const std::vector<std::
 LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
                                     std::shared_ptr<const SKWRegistryValue>& value) {
     std::string cacheKey;
-    MakeCacheKey(key, name, cacheKey);
     const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
         ForgetChanged(change);
-        const auto found = m_valueCache.find(cacheKey);
+        MakeCacheKey(key, name, m_lookupKey);
+        const auto found = m_valueCache.find(m_lookupKey);
         if (found != m_valueCache.end()) {
             value = found->second;
+        } else {
+            cacheKey = m_lookupKey;
         }
         return ERROR_SUCCESS;
     });
@@ -293,11 +295,12 @@ void CKWRegistryStore::MakeCacheKey(KWRegistryKeyId key, std::string_view name,
 }
 
 void CKWRegistryStore::ForgetChanged(CKWRegistryDatabase::EKWChange change) {
-    if (change != CKWRegistryDatabase::kUnchanged) {
+    // Emptying a map costs as much as its buckets, even when it holds nothing.
+    if (change != CKWRegistryDatabase::kUnchanged && !m_valueCache.empty()) {
         m_valueCache.clear();
         m_valueCacheBytes = 0;
     }
-    if (change == CKWRegistryDatabase::kAnyChange) {
+    if (change == CKWRegistryDatabase::kAnyChange && !m_subKeyCache.empty()) {
         m_subKeyCache.clear();
     }
 }
