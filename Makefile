@@ -34,9 +34,11 @@ COVERAGE_PACKAGES := $(BUILD_PACKAGES) $(CLANG_PACKAGES) llvm $(LIBRARY_PACKAGES
 	libgtest-dev libgmock-dev libeigen3-dev
 # The benchmarks and the peers they measure against: libuuid (GUIDs),
 # Boost.Serialization (XML archive), Boost.Signals2 (observers), Boost.Graph
-# (graph walks), CGAL (triangulations) and Eigen (matrices and quaternions).
+# (graph walks), CGAL (triangulations), Eigen (matrices and quaternions) and
+# Qt's QSettings (registry settings).
 BENCH_PACKAGES := $(BUILD_PACKAGES) g++ $(LIBRARY_PACKAGES) $(XML_PACKAGES) libbenchmark-dev \
-	uuid-dev libboost-serialization-dev libboost-dev libboost-graph-dev libcgal-dev libeigen3-dev
+	uuid-dev libboost-serialization-dev libboost-dev libboost-graph-dev libcgal-dev libeigen3-dev \
+	qtbase5-dev
 # The Windows build: MinGW-w64, GoogleTest built from Debian's sources, and
 # the 64-bit Wine that runs the tests.
 WINDOWS_PACKAGES := $(BUILD_PACKAGES) g++-mingw-w64-x86-64-posix googletest wine64

@@ -8,21 +8,25 @@
 namespace {
 
 constexpr int kBraceGuidLength = 38;
+constexpr DWORD kFirstReadSize = 256;
+constexpr int kMaxReadAttempts = 4;
 
 // Reads valueName of an open key into data, which must be of exactly the
-// expected type. The buffer is sized from the key's largest value.
+// expected type. Settings are mostly small: one call reads them, and a
+// larger value gives its size for the next call.
 _EKWRegistryErrors QueryValue(HKEY key, const CString& valueName, DWORD expectedType,
                               std::vector<BYTE>& data) {
-    DWORD largestValue = 0;
-    if (RegQueryInfoKeyA(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                         nullptr, &largestValue, nullptr, nullptr) != ERROR_SUCCESS) {
-        return KW_REGISTRY_CALL_FAILED;
-    }
     // One spare byte, so the buffer is never null and a string always ends.
-    std::vector<BYTE> buffer(largestValue + 1, 0);
+    std::vector<BYTE> buffer(kFirstReadSize + 1, 0);
     DWORD type = REG_NONE;
-    DWORD size = largestValue;
-    if (RegQueryValueExA(key, valueName, nullptr, &type, buffer.data(), &size) != ERROR_SUCCESS) {
+    DWORD size = kFirstReadSize;
+    LSTATUS status = RegQueryValueExA(key, valueName, nullptr, &type, buffer.data(), &size);
+    // A value that another writer keeps growing is given up on.
+    for (int attempt = 0; status == ERROR_MORE_DATA && attempt < kMaxReadAttempts; ++attempt) {
+        buffer.assign(size + 1, 0);
+        status = RegQueryValueExA(key, valueName, nullptr, &type, buffer.data(), &size);
+    }
+    if (status != ERROR_SUCCESS) {
         return KW_REGISTRY_CALL_FAILED;
     }
     if (type != expectedType) {

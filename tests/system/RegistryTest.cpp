@@ -2,6 +2,8 @@
 
 #include "CTempRegistry.h"
 
+#include "kwcore/platform/CKWRegistryBatch.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -234,6 +236,38 @@ TEST_F(RegistryTest, AGuidMapReadsBraceGuidEqualsTextEntriesAndSkipsOthers) {
               0);
     const std::map<CKWGuid, CString> expected{{first, "first = one"}, {second, ""}};
     EXPECT_EQ(map, expected);
+}
+
+// Values longer than a first read takes are read whole, whatever else the
+// key holds.
+TEST_F(RegistryTest, LongValuesAreReadWhole) {
+    const CString text(std::string(5000, 'x').c_str());
+    const std::vector<CString> list{CString(std::string(300, 'a').c_str()), "b"};
+    ASSERT_EQ(m_registry.PutRegValue(Section("long"), "short", CString("s")), 0);
+    ASSERT_EQ(m_registry.PutRegValue(Section("long"), "text", text), 0);
+    ASSERT_EQ(m_registry.PutRegValue(Section("long"), "list", list), 0);
+    CString readText;
+    EXPECT_EQ(m_registry.GetRegValue(Section("long"), "text", readText, CString()), 0);
+    EXPECT_EQ(readText, text);
+    std::vector<CString> readList;
+    EXPECT_EQ(m_registry.GetRegValue(Section("long"), "list", readList, std::vector<CString>()), 0);
+    EXPECT_EQ(readList, list);
+}
+
+TEST_F(RegistryTest, PutsInsideABatchAreCommittedWithIt) {
+    {
+        CKWRegistryBatch batch;
+        EXPECT_EQ(m_registry.PutRegValue(Section("batch"), "width", 640), 0);
+        EXPECT_EQ(m_registry.PutRegValue(Section("batch"), "title", CString("Main")), 0);
+        int width = 0;
+        EXPECT_EQ(m_registry.GetRegValue(Section("batch"), "width", width, 0), 0);
+        EXPECT_EQ(width, 640);
+        EXPECT_EQ(batch.Commit(), ERROR_SUCCESS);
+    }
+    DWORD type = REG_NONE;
+    std::string bytes;
+    ASSERT_TRUE(ReadRaw(Section("batch"), "title", type, bytes));
+    EXPECT_EQ(bytes, std::string("Main", 5));
 }
 
 }  // namespace

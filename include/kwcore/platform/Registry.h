@@ -8,8 +8,9 @@
 // names are case-insensitive (ASCII letters) and keep the case they were
 // created with; sub-keys enumerate in case-insensitive alphabetical order,
 // values in the order they were created. Every call is one transaction, so
-// threads and processes share the store safely. docs/platform.md lists the
-// limits and the code of every failure.
+// threads and processes share the store safely; a CKWRegistryBatch makes a
+// thread's writes one transaction. docs/platform.md lists the limits and
+// the code of every failure.
 //
 //   HKEY key = nullptr;
 //   if (RegCreateKeyExA(HKEY_CURRENT_USER, "Software\\Quellspar\\CoreLib", 0, nullptr,
@@ -87,7 +88,8 @@ KWCORE_API LSTATUS RegDeleteValueA(HKEY hKey, LPCSTR lpValueName);
 // predefined root, are refused with ERROR_ACCESS_DENIED.
 KWCORE_API LSTATUS RegDeleteKeyA(HKEY hKey, LPCSTR lpSubKey);
 
-// Makes everything written so far durable on disk.
+// Makes everything written so far durable on disk; inside a batch, the
+// batch when it commits.
 KWCORE_API LSTATUS RegFlushKey(HKEY hKey);
 
 // Closing a predefined root does nothing and succeeds.

@@ -2,9 +2,11 @@
 
 #include "CKWSqlQuery.h"
 
+#include <pthread.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <cerrno>
 #include <fstream>
 #include <iterator>
@@ -64,6 +66,11 @@ constexpr const char* kBeginRead = "BEGIN";
 constexpr const char* kBeginWrite = "BEGIN IMMEDIATE";
 constexpr const char* kCommit = "COMMIT";
 constexpr const char* kRollback = "ROLLBACK";
+// The word of the log index's header that counts transactions.
+constexpr std::size_t kTransactionCounterWord = 2;
+constexpr const char* kSavepoint = "SAVEPOINT call";
+constexpr const char* kReleaseSavepoint = "RELEASE call";
+constexpr const char* kRollbackToSavepoint = "ROLLBACK TO call";
 
 // Creates the folders above the store's file, private to the user as
 // configuration folders are.
@@ -76,6 +83,18 @@ bool CreateParentFolders(const std::string& file) {
         }
     }
     return true;
+}
+
+// The running process's ID, kept: getpid is a system call, and every use of
+// the store asks. Only fork changes it.
+std::atomic<pid_t> g_process{0};
+
+pid_t CurrentProcess() {
+    static const bool isKept = [] {
+        g_process = getpid();
+        return pthread_atfork(nullptr, nullptr, [] { g_process = getpid(); }) == 0;
+    }();
+    return isKept ? g_process.load(std::memory_order_relaxed) : getpid();
 }
 
 }  // namespace
@@ -118,20 +137,28 @@ LSTATUS CKWRegistryDatabase::Status(int sqliteResult) {
 
 CKWRegistryDatabase::~CKWRegistryDatabase() {
     // A forked child's copy belongs to the parent (see CKWSqliteConnection).
-    if (m_owner != getpid()) {
+    if (m_owner != CurrentProcess()) {
         m_connection.Abandon();
     }
 }
 
 LSTATUS CKWRegistryDatabase::Read(const std::function<LSTATUS()>& work) {
-    return Transact(false, work);
+    return Transact(kRead, work);
 }
 
 LSTATUS CKWRegistryDatabase::Write(const std::function<LSTATUS()>& work) {
-    return Transact(true, work);
+    return Transact(kWrite, work);
 }
 
-LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS()>& work) {
+LSTATUS CKWRegistryDatabase::WriteOneChange(const std::function<LSTATUS()>& work) {
+    return Transact(kWriteOneChange, work);
+}
+
+LSTATUS CKWRegistryDatabase::Transact(EKWTransaction kind, const std::function<LSTATUS()>& work) {
+    if (IsInBatch()) {
+        return TransactInBatch(kind, work);
+    }
+    const bool isWrite = kind != kRead;
     std::lock_guard<std::mutex> lock(m_mutex);
     const LSTATUS connected = Connect();
     if (connected != ERROR_SUCCESS) {
@@ -146,7 +173,7 @@ LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS(
         CKWSqlQuery(m_connection, kRollback).Run();
         return status;
     }
-    const int committed = CKWSqlQuery(m_connection, kCommit).Run();
+    const int committed = isWrite ? CommitNoting() : CKWSqlQuery(m_connection, kCommit).Run();
     if (committed != SQLITE_OK) {
         CKWSqlQuery(m_connection, kRollback).Run();
         if (status == ERROR_SUCCESS) {
@@ -156,16 +183,135 @@ LSTATUS CKWRegistryDatabase::Transact(bool isWrite, const std::function<LSTATUS(
     return status;
 }
 
+LSTATUS CKWRegistryDatabase::TransactInBatch(EKWTransaction kind,
+                                             const std::function<LSTATUS()>& work) {
+    if (kind == kRead) {
+        return work();
+    }
+    m_wroteSincePeek = true;
+    const bool needsSavepoint = kind == kWrite;
+    const int saved = needsSavepoint ? CKWSqlQuery(m_connection, kSavepoint).Run() : SQLITE_OK;
+    if (saved != SQLITE_OK) {
+        return Status(saved);
+    }
+    LSTATUS status = work();
+    if (status != ERROR_SUCCESS) {
+        // Whatever was read since may be undone; a failing SQLite may even
+        // have undone the whole batch.
+        m_peekMarkIsValid = false;
+    }
+    if (needsSavepoint) {
+        if (status != ERROR_SUCCESS) {
+            CKWSqlQuery(m_connection, kRollbackToSavepoint).Run();
+        }
+        const int released = CKWSqlQuery(m_connection, kReleaseSavepoint).Run();
+        if (status == ERROR_SUCCESS) {
+            status = Status(released);
+        }
+    }
+    return status;
+}
+
 LSTATUS CKWRegistryDatabase::Flush() {
+    if (IsInBatch()) {
+        m_flushAfterBatch = true;
+        return ERROR_SUCCESS;
+    }
     std::lock_guard<std::mutex> lock(m_mutex);
     const LSTATUS connected = Connect();
-    return connected != ERROR_SUCCESS ? connected : Status(m_connection.Checkpoint());
+    return connected != ERROR_SUCCESS ? connected : Status(m_connection.MakeDurable());
+}
+
+LSTATUS CKWRegistryDatabase::BeginBatch() {
+    if (IsInBatch()) {
+        ++m_batchDepth;
+        return ERROR_SUCCESS;
+    }
+    std::unique_lock<std::mutex> lock(m_mutex);
+    LSTATUS status = Connect();
+    if (status == ERROR_SUCCESS) {
+        status = Status(CKWSqlQuery(m_connection, kBeginWrite).Run());
+    }
+    if (status != ERROR_SUCCESS) {
+        return status;
+    }
+    lock.release();  // held until the batch ends
+    m_batchThread = std::this_thread::get_id();
+    m_batchDepth = 1;
+    return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryDatabase::EndBatch(const std::function<LSTATUS()>& beforeCommit) {
+    if (!IsInBatch()) {
+        return ERROR_INVALID_FUNCTION;
+    }
+    if (--m_batchDepth > 0) {
+        return ERROR_SUCCESS;
+    }
+    LSTATUS status = beforeCommit();
+    const int committed = status == ERROR_SUCCESS ? CommitNoting() : SQLITE_ABORT;
+    if (committed != SQLITE_OK) {
+        CKWSqlQuery(m_connection, kRollback).Run();
+        m_peekMarkIsValid = false;
+    }
+    if (status == ERROR_SUCCESS) {
+        status = Status(committed);
+    }
+    if (status == ERROR_SUCCESS && m_flushAfterBatch) {
+        status = Status(m_connection.MakeDurable());
+    }
+    m_flushAfterBatch = false;
+    m_batchThread = std::thread::id();
+    m_mutex.unlock();
+    return status;
+}
+
+// A batch holds the write lock, so only its own writes change the store
+// while it lasts, and they move the commit mark only when it commits.
+CKWRegistryDatabase::EKWChange CKWRegistryDatabase::TakeChange() {
+    CKWSqliteConnection::CommitMark mark;
+    const bool isRead = m_connection.ReadCommitMark(mark);
+    EKWChange change = m_wroteSincePeek ? kOwnWrites : kUnchanged;
+    if (!isRead || !m_peekMarkIsValid || mark != m_peekMark) {
+        change = kAnyChange;
+    }
+    m_peekMark = mark;
+    m_peekMarkIsValid = isRead;
+    m_wroteSincePeek = false;
+    return change;
+}
+
+int CKWRegistryDatabase::CommitNoting() {
+    CKWSqliteConnection::CommitMark before;
+    const bool isKnown = ReadMarkBeforeCommit(before);
+    const int committed = CKWSqlQuery(m_connection, kCommit).Run();
+    if (committed == SQLITE_OK && isKnown) {
+        NoteOwnCommit(before);
+    }
+    return committed;
+}
+
+// Under the write lock, so no other commit can come between this and ours.
+bool CKWRegistryDatabase::ReadMarkBeforeCommit(CKWSqliteConnection::CommitMark& before) {
+    return m_peekMarkIsValid && m_connection.ReadCommitMark(before) && before == m_peekMark;
+}
+
+// Each commit adds one to the header's transaction counter, so one more
+// means ours alone; a commit that changed nothing leaves the mark as it was.
+void CKWRegistryDatabase::NoteOwnCommit(const CKWSqliteConnection::CommitMark& before) {
+    CKWSqliteConnection::CommitMark after;
+    if (m_connection.ReadCommitMark(after) &&
+        after[kTransactionCounterWord] == before[kTransactionCounterWord] + 1) {
+        m_peekMark = after;
+        m_wroteSincePeek = true;
+    }
 }
 
 LSTATUS CKWRegistryDatabase::Connect() {
-    if (m_connection.IsOpen() && m_owner == getpid()) {
+    if (m_connection.IsOpen() && m_owner == CurrentProcess()) {
         return ERROR_SUCCESS;
     }
+    m_peekMarkIsValid = false;
     m_connection.Abandon();
     if (!CreateParentFolders(m_path)) {
         return ERROR_REGISTRY_IO_FAILED;
@@ -189,7 +335,7 @@ LSTATUS CKWRegistryDatabase::Connect() {
         m_connection.Close();
         return status;
     }
-    m_owner = getpid();
+    m_owner = CurrentProcess();
     return ERROR_SUCCESS;
 }
 

@@ -4,6 +4,7 @@
 #include "KWRegistryNames.h"
 
 #include <chrono>
+#include <cstring>
 
 namespace {
 
@@ -69,6 +70,12 @@ LSTATUS StepOneRow(CKWSqlQuery& query, LSTATUS notFound) {
     }
     return result == SQLITE_ROW ? ERROR_SUCCESS : Status(result);
 }
+
+// The value cache holds values up to this size, and empties itself when its
+// values together would pass the limit.
+constexpr std::size_t kMaxCachedValueSize = 4096;
+constexpr std::size_t kMaxValueCacheBytes = 16 << 20;
+constexpr std::size_t kMaxCachedSubKeys = 1 << 16;
 
 // Enumerations of this many keys at once keep their place; more are rare
 // (an export walks one key per level of the tree).
@@ -146,6 +153,7 @@ LSTATUS CKWRegistryStore::DeleteKey(KWRegistryKeyId key) {
             return Status(result);
         }
     }
+    m_subKeyCache.clear();
     for (const char* sql : {kDeleteValuesOfKey, kDeleteKey}) {
         CKWSqlQuery remove(connection, sql);
         remove.Bind(1, key);
@@ -207,6 +215,120 @@ LSTATUS CKWRegistryStore::GetValue(KWRegistryKeyId key, std::string_view name,
     return ERROR_SUCCESS;
 }
 
+LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                                   KWRegistryKeyId& key) {
+    // A key with a sub-key cannot be deleted, so a cached path also vouches
+    // for its base; an empty one needs the database.
+    bool isCached = false;
+    const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+        ForgetChanged(change);
+        key = base;
+        for (const std::string_view name : names) {
+            MakeCacheKey(key, name, m_lookupKey);
+            const auto found = m_subKeyCache.find(m_lookupKey);
+            if (found == m_subKeyCache.end()) {
+                return ERROR_SUCCESS;
+            }
+            key = found->second;
+        }
+        isCached = !names.empty();
+        return ERROR_SUCCESS;
+    });
+    if (peeked != ERROR_SUCCESS || isCached) {
+        return peeked;
+    }
+    return m_database.Read([&] {
+        bool isVolatile = false;
+        LSTATUS status = CheckKey(base, isVolatile);
+        key = base;
+        for (std::size_t i = 0; status == ERROR_SUCCESS && i < names.size(); ++i) {
+            KWRegistryKeyId child = 0;
+            status = FindSubKey(key, names[i], child, isVolatile);
+            if (status == ERROR_SUCCESS) {
+                CacheSubKey(key, names[i], child);
+                key = child;
+            }
+        }
+        return status;
+    });
+}
+
+LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
+                                    std::shared_ptr<const SKWRegistryValue>& value) {
+    std::string cacheKey;
+    const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+        ForgetChanged(change);
+        MakeCacheKey(key, name, m_lookupKey);
+        const auto found = m_valueCache.find(m_lookupKey);
+        if (found != m_valueCache.end()) {
+            value = found->second;
+        } else {
+            cacheKey = m_lookupKey;
+        }
+        return ERROR_SUCCESS;
+    });
+    if (peeked != ERROR_SUCCESS || value != nullptr) {
+        return peeked;
+    }
+    return m_database.Read([&] {
+        bool isVolatile = false;
+        auto read = std::make_shared<SKWRegistryValue>();
+        LSTATUS status = CheckKey(key, isVolatile);
+        if (status == ERROR_SUCCESS) {
+            status = GetValue(key, name, *read);
+        }
+        if (status != ERROR_SUCCESS) {
+            return status;
+        }
+        read->name.clear();
+        value = read;
+        CacheValue(std::move(cacheKey), value);
+        return status;
+    });
+}
+
+void CKWRegistryStore::MakeCacheKey(KWRegistryKeyId key, std::string_view name,
+                                    std::string& cacheKey) {
+    cacheKey.resize(sizeof key + name.size());
+    std::memcpy(&cacheKey[0], &key, sizeof key);
+    kwRegistryNames::FoldNameInto(name, &cacheKey[sizeof key]);
+}
+
+void CKWRegistryStore::ForgetChanged(CKWRegistryDatabase::EKWChange change) {
+    // Emptying a map costs as much as its buckets, even when it holds nothing.
+    if (change != CKWRegistryDatabase::kUnchanged && !m_valueCache.empty()) {
+        m_valueCache.clear();
+        m_valueCacheBytes = 0;
+    }
+    if (change == CKWRegistryDatabase::kAnyChange && !m_subKeyCache.empty()) {
+        m_subKeyCache.clear();
+    }
+}
+
+void CKWRegistryStore::CacheSubKey(KWRegistryKeyId parent, std::string_view name,
+                                   KWRegistryKeyId child) {
+    if (m_subKeyCache.size() >= kMaxCachedSubKeys) {
+        m_subKeyCache.clear();
+    }
+    std::string cacheKey;
+    MakeCacheKey(parent, name, cacheKey);
+    m_subKeyCache.emplace(std::move(cacheKey), child);
+}
+
+void CKWRegistryStore::CacheValue(std::string cacheKey, const CachedValue& value) {
+    if (value->data.size() > kMaxCachedValueSize) {
+        return;
+    }
+    const std::size_t size = cacheKey.size() + value->data.size();
+    if (m_valueCacheBytes + size > kMaxValueCacheBytes) {
+        m_valueCache.clear();
+        m_valueCacheBytes = 0;
+    }
+    if (m_valueCache.emplace(std::move(cacheKey), value).second) {
+        m_valueCacheBytes += size;
+    }
+}
+
 LSTATUS CKWRegistryStore::GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegistryValue& value) {
     const SKWEnumCursor* before = CursorBefore(m_valueCursors, key, index);
     CKWSqlQuery query(m_database.Connection(), before ? kSelectValueAfter : kSelectValueAt);
@@ -249,7 +371,28 @@ LSTATUS CKWRegistryStore::DeleteValue(KWRegistryKeyId key, std::string_view name
     return connection.Changes() == 0 ? ERROR_FILE_NOT_FOUND : Touch(key);
 }
 
+LSTATUS CKWRegistryStore::EndBatch() {
+    return m_database.EndBatch([&] {
+        LSTATUS status = ERROR_SUCCESS;
+        for (const KWRegistryKeyId key : m_touchedInBatch) {
+            if (status == ERROR_SUCCESS) {
+                status = TouchNow(key);
+            }
+        }
+        m_touchedInBatch.clear();
+        return status;
+    });
+}
+
 LSTATUS CKWRegistryStore::Touch(KWRegistryKeyId key) {
+    if (m_database.IsInBatch()) {
+        m_touchedInBatch.insert(key);
+        return ERROR_SUCCESS;
+    }
+    return TouchNow(key);
+}
+
+LSTATUS CKWRegistryStore::TouchNow(KWRegistryKeyId key) {
     CKWSqlQuery touch(m_database.Connection(), kTouchKey);
     touch.Bind(1, key);
     touch.Bind(2, FileTimeNow());

@@ -11,9 +11,12 @@
 #include "CKWRegistryDatabase.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 typedef std::int64_t KWRegistryKeyId;
 
@@ -40,7 +43,15 @@ public:
 
     LSTATUS Read(const std::function<LSTATUS()>& work) { return m_database.Read(work); }
     LSTATUS Write(const std::function<LSTATUS()>& work) { return m_database.Write(work); }
+    // For work that makes one change at most (see CKWRegistryDatabase), such
+    // as SetValue and DeleteValue.
+    LSTATUS WriteOneChange(const std::function<LSTATUS()>& work) {
+        return m_database.WriteOneChange(work);
+    }
     LSTATUS Flush() { return m_database.Flush(); }
+    LSTATUS BeginBatch() { return m_database.BeginBatch(); }
+    // Keys written in a batch are marked as changed once, when it commits.
+    LSTATUS EndBatch();
 
     // ERROR_KEY_DELETED when the key is gone.
     LSTATUS CheckKey(KWRegistryKeyId key, bool& isVolatile);
@@ -58,6 +69,18 @@ public:
     LSTATUS GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::string& name,
                         ULONGLONG& lastWriteTime);
 
+    // The key that names lead to from base, in a transaction of its own:
+    // from the cache of sub-keys found before while nothing has been
+    // committed since, else from the database. ERROR_KEY_DELETED when base
+    // is gone, ERROR_FILE_NOT_FOUND when a key on the way is missing.
+    LSTATUS FindPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                     KWRegistryKeyId& key);
+    // A value of a key, in a transaction of its own: from the cache of values
+    // read before while nothing has been committed since, else from the
+    // database. ERROR_KEY_DELETED, ERROR_FILE_NOT_FOUND as below.
+    // The value is shared with the cache, and holds no name.
+    LSTATUS ReadValue(KWRegistryKeyId key, std::string_view name,
+                      std::shared_ptr<const SKWRegistryValue>& value);
     // ERROR_FILE_NOT_FOUND when there is no such value.
     LSTATUS GetValue(KWRegistryKeyId key, std::string_view name, SKWRegistryValue& value);
     // ERROR_NO_MORE_ITEMS past the last value.
@@ -77,13 +100,32 @@ private:
     };
     typedef std::unordered_map<KWRegistryKeyId, SKWEnumCursor> CursorMap;
 
-    // Marks the key as changed now.
+    // Marks the key as changed now; inside a batch, when it commits.
     LSTATUS Touch(KWRegistryKeyId key);
+    LSTATUS TouchNow(KWRegistryKeyId key);
     // The cursor of key that stands just before index, or null.
     const SKWEnumCursor* CursorBefore(CursorMap& cursors, KWRegistryKeyId key, DWORD index);
     void KeepCursor(CursorMap& cursors, KWRegistryKeyId key, const SKWEnumCursor& cursor);
 
+    typedef std::shared_ptr<const SKWRegistryValue> CachedValue;
+
+    // The caches' key for a sub-key or a value: the key ID's bytes and the
+    // folded name, written over cacheKey.
+    static void MakeCacheKey(KWRegistryKeyId key, std::string_view name, std::string& cacheKey);
+    // Under the database's mutex: empties the caches that change outdates.
+    void ForgetChanged(CKWRegistryDatabase::EKWChange change);
+    void CacheValue(std::string cacheKey, const CachedValue& value);
+    void CacheSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId child);
+
     CKWRegistryDatabase m_database;
+    // Values read, valid while the database's Peek finds nothing changed.
+    std::unordered_map<std::string, CachedValue> m_valueCache;
+    std::size_t m_valueCacheBytes = 0;
+    // Sub-keys found, by parent and name; emptied also when a key is deleted.
+    std::unordered_map<std::string, KWRegistryKeyId> m_subKeyCache;
+    std::string m_lookupKey;  // reused for look-ups, under the mutex
+    // Keys the running batch changed.
+    std::unordered_set<KWRegistryKeyId> m_touchedInBatch;
     CursorMap m_subKeyCursors;
     CursorMap m_valueCursors;
     unsigned m_cursorsVersion = 0;

@@ -9,6 +9,7 @@
 
 #include <sqlite3.h>
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -47,11 +48,24 @@ public:
     // A number that changes whenever the database changes, through this
     // connection or another; read it inside a transaction.
     unsigned DataVersion() const;
-    // Copies the write-ahead log into the database file and syncs it.
-    int Checkpoint();
+    // Makes every committed transaction durable: syncs the write-ahead log,
+    // which holds whatever the database file does not; without a log open,
+    // copies it into the database file and syncs that.
+    int MakeDurable();
+
+    // The header of the write-ahead log's index, which every connection to
+    // the file shares in memory and rewrites at each commit: two equal
+    // readings mean that nothing was committed in between. False when it
+    // cannot be read, or not whole (a commit is writing it).
+    typedef std::array<std::uint32_t, 12> CommitMark;
+    bool ReadCommitMark(CommitMark& mark);
 
 private:
+    const volatile void* MapWalIndex();
+
     sqlite3* m_db = nullptr;
+    // The index's first region as SQLite maps it, while m_db is open.
+    const volatile void* m_walIndex = nullptr;
     std::unordered_map<const char*, sqlite3_stmt*> m_statements;
     // Connections inherited across fork: never closed, kept so they stay reachable.
     std::vector<sqlite3*> m_abandoned;

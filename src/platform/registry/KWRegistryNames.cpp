@@ -34,13 +34,15 @@ LSTATUS CheckValueName(const char* name, std::string_view& checked) {
 }
 
 std::string FoldName(std::string_view name) {
-    std::string folded(name);
-    for (char& ch : folded) {
-        if (ch >= 'a' && ch <= 'z') {
-            ch = static_cast<char>(ch - 'a' + 'A');
-        }
-    }
+    std::string folded(name.size(), '\0');
+    FoldNameInto(name, &folded[0]);
     return folded;
+}
+
+void FoldNameInto(std::string_view name, char* out) {
+    for (const char ch : name) {
+        *out++ = ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
+    }
 }
 
 }  // namespace kwRegistryNames

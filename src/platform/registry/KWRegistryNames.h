@@ -28,5 +28,7 @@ LSTATUS CheckValueName(const char* name, std::string_view& checked);
 // The form names are compared and ordered in: ASCII letters in upper case,
 // every other byte as it is.
 std::string FoldName(std::string_view name);
+// The same, written to out, which has room for name.size() characters.
+void FoldNameInto(std::string_view name, char* out);
 
 }  // namespace kwRegistryNames

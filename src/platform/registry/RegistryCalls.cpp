@@ -150,7 +150,7 @@ LSTATUS RegOpenKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD /*ulOptions*/, REGSAM sa
     }
     KWRegistryKeyId key = 0;
     if (status == ERROR_SUCCESS) {
-        status = base.store->Read([&] { return WalkPath(base, names, key); });
+        status = base.store->FindPath(base.key, names, key);
     }
     if (status == ERROR_SUCCESS) {
         *phkResult = Handles().Add({base.store, key, CKWRegistryHandles::MapAccess(samDesired)});
@@ -181,7 +181,7 @@ LSTATUS RegCreateKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD Reserved, LPSTR /*lpCl
     // Opening an existing key needs no write lock: most calls just open.
     KWRegistryKeyId key = 0;
     bool created = false;
-    status = base.store->Read([&] { return WalkPath(base, names, key); });
+    status = base.store->FindPath(base.key, names, key);
     if (status == ERROR_FILE_NOT_FOUND) {
         const bool makeVolatile = (dwOptions & REG_OPTION_VOLATILE) != 0;
         status = base.store->Write(
@@ -209,7 +209,7 @@ LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD /*Reserved*/, DWORD 
     if (status != ERROR_SUCCESS) {
         return status;
     }
-    return key.store->Write([&] {
+    return key.store->WriteOneChange([&] {
         const LSTATUS checked = CheckKey(key);
         return checked != ERROR_SUCCESS
                    ? checked
@@ -229,12 +229,9 @@ LSTATUS RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWORD lpReserved, LPDW
     }
     // A name too long to be stored is simply not found.
     const std::string_view name = lpValueName != nullptr ? lpValueName : "";
-    SKWRegistryValue value;
-    status = key.store->Read([&] {
-        const LSTATUS checked = CheckKey(key);
-        return checked != ERROR_SUCCESS ? checked : key.store->GetValue(key.key, name, value);
-    });
-    return status != ERROR_SUCCESS ? status : CopyValueData(value, lpType, lpData, lpcbData);
+    std::shared_ptr<const SKWRegistryValue> value;
+    status = key.store->ReadValue(key.key, name, value);
+    return status != ERROR_SUCCESS ? status : CopyValueData(*value, lpType, lpData, lpcbData);
 }
 
 LSTATUS RegQueryInfoKeyA(HKEY hKey, LPSTR lpClass, LPDWORD lpcchClass, LPDWORD /*lpReserved*/,
@@ -321,7 +318,7 @@ LSTATUS RegDeleteValueA(HKEY hKey, LPCSTR lpValueName) {
         return status;
     }
     const std::string_view name = lpValueName != nullptr ? lpValueName : "";
-    return key.store->Write([&] {
+    return key.store->WriteOneChange([&] {
         const LSTATUS checked = CheckKey(key);
         return checked != ERROR_SUCCESS ? checked : key.store->DeleteValue(key.key, name);
     });

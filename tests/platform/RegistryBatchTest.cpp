@@ -1,0 +1,286 @@
+// Batches of registry writes, and gets and opens served from the store's
+// caches: what other threads, processes and connections see, and when.
+#if !defined(_WIN32)
+
+#include "RegistryTestKeys.h"
+
+#include "kwcore/platform/CKWRegistryBatch.h"
+
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <csignal>
+#include <functional>
+#include <string>
+#include <thread>
+
+namespace {
+
+// Runs body in a child process; its result is the child's exit code, -1 when
+// the child did not exit normally.
+int RunInChild(const std::function<int()>& body) {
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(body());
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// How many values of that name the store's file holds, as another program
+// reading it would count them.
+int CountValuesNamed(const CTempRegistry& registry, const char* name) {
+    sqlite3* db = nullptr;
+    sqlite3_open_v2(registry.GetStorePath().c_str(), &db, SQLITE_OPEN_READONLY, nullptr);
+    sqlite3_stmt* statement = nullptr;
+    int count = -1;
+    if (sqlite3_prepare_v2(db, "SELECT count(*) FROM vals WHERE name = ?1", -1, &statement,
+                           nullptr) == SQLITE_OK) {
+        sqlite3_bind_text(statement, 1, name, -1, SQLITE_STATIC);
+        if (sqlite3_step(statement) == SQLITE_ROW) {
+            count = sqlite3_column_int(statement, 0);
+        }
+    }
+    sqlite3_finalize(statement);
+    sqlite3_close(db);
+    return count;
+}
+
+DWORD GetDword(HKEY key, const char* name) {
+    DWORD value = 0;
+    DWORD size = sizeof value;
+    RegQueryValueExA(key, name, nullptr, nullptr, reinterpret_cast<BYTE*>(&value), &size);
+    return value;
+}
+
+}  // namespace
+
+// ------------------------------------------------------------------ batches
+
+TEST_F(RegistryTest, ABatchShowsItsWritesToOthersOnlyWhenItCommits) {
+    CKWRegistryBatch batch;
+    ASSERT_EQ(batch.GetStatus(), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+    EXPECT_EQ(GetDword(Base(), "Width"), 640u);  // the batch's own thread sees it
+    EXPECT_EQ(CountValuesNamed(Registry(), "Width"), 0);
+    EXPECT_EQ(batch.Commit(), ERROR_SUCCESS);
+    EXPECT_EQ(CountValuesNamed(Registry(), "Width"), 1);
+    EXPECT_EQ(batch.Commit(), ERROR_INVALID_FUNCTION);
+}
+
+TEST_F(RegistryTest, ANestedBatchCommitsWithTheOutermost) {
+    {
+        CKWRegistryBatch outer;
+        {
+            CKWRegistryBatch inner(Base());
+            ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+            EXPECT_EQ(inner.Commit(), ERROR_SUCCESS);
+        }
+        EXPECT_EQ(CountValuesNamed(Registry(), "Width"), 0);
+    }
+    EXPECT_EQ(CountValuesNamed(Registry(), "Width"), 1);
+}
+
+TEST_F(RegistryTest, AFailedCallInsideABatchKeepsTheBatchsOtherWrites) {
+    CKeyHandle session;
+    ASSERT_EQ(CreateKey(Base(), "Session", session, REG_OPTION_VOLATILE), ERROR_SUCCESS);
+    {
+        CKWRegistryBatch batch;
+        ASSERT_EQ(SetDword(Base(), "Before", 1), ERROR_SUCCESS);
+        CKeyHandle lasting;
+        EXPECT_EQ(CreateKey(session.Get(), "Lasting\\Deeper", lasting),
+                  ERROR_CHILD_MUST_BE_VOLATILE);
+        ASSERT_EQ(SetDword(Base(), "After", 2), ERROR_SUCCESS);
+        EXPECT_EQ(batch.Commit(), ERROR_SUCCESS);
+    }
+    EXPECT_EQ(GetDword(Base(), "Before"), 1u);
+    EXPECT_EQ(GetDword(Base(), "After"), 2u);
+    EXPECT_TRUE(SubKeyNames(session.Get()).empty());
+}
+
+TEST_F(RegistryTest, FlushingInsideABatchLeavesTheCommitToTheBatch) {
+    CKWRegistryBatch batch;
+    ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+    EXPECT_EQ(RegFlushKey(Base()), ERROR_SUCCESS);
+    EXPECT_EQ(CountValuesNamed(Registry(), "Width"), 0);
+    EXPECT_EQ(batch.Commit(), ERROR_SUCCESS);
+    EXPECT_EQ(CountValuesNamed(Registry(), "Width"), 1);
+}
+
+TEST_F(RegistryTest, OtherThreadsWaitForTheBatchAndSeeItWhole) {
+    std::atomic<bool> readerStarted{false};
+    DWORD seen = 0;
+    CKWRegistryBatch batch;
+    ASSERT_EQ(SetDword(Base(), "Step", 1), ERROR_SUCCESS);
+    std::thread reader([&] {
+        readerStarted = true;
+        seen = GetDword(Base(), "Step");
+    });
+    while (!readerStarted) {
+        std::this_thread::yield();
+    }
+    ASSERT_EQ(SetDword(Base(), "Step", 2), ERROR_SUCCESS);
+    EXPECT_EQ(batch.Commit(), ERROR_SUCCESS);
+    reader.join();
+    EXPECT_EQ(seen, 2u);
+}
+
+TEST_F(RegistryTest, AProcessKilledInTheMiddleOfABatchLeavesTheStoreAsItWas) {
+    ASSERT_EQ(SetDword(Base(), "Count", 0), ERROR_SUCCESS);
+    int progress[2];
+    ASSERT_EQ(pipe(progress), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        close(progress[0]);
+        CKWRegistryBatch batch;
+        for (DWORD i = 1; i <= 200; ++i) {
+            CKeyHandle item;
+            const std::string name = "Item" + std::to_string(i);
+            if (CreateKey(Base(), name.c_str(), item) != ERROR_SUCCESS ||
+                SetDword(Base(), "Count", i) != ERROR_SUCCESS) {
+                _exit(1);
+            }
+        }
+        static_cast<void>(write(progress[1], "!", 1));
+        pause();
+        _exit(0);
+    }
+    close(progress[1]);
+    char signal;
+    ASSERT_EQ(read(progress[0], &signal, 1), 1);
+    close(progress[0]);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+
+    EXPECT_EQ(GetDword(Base(), "Count"), 0u);
+    EXPECT_TRUE(SubKeyNames(Base()).empty());
+    EXPECT_EQ(SetDword(Base(), "Count", 1), ERROR_SUCCESS);
+}
+
+// ------------------------------------------------------------------ cached gets
+
+TEST_F(RegistryTest, AGetSeesAValueAnotherProcessChangedAfterItWasRead) {
+    ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+    ASSERT_EQ(GetDword(Base(), "Width"), 640u);
+    ASSERT_EQ(GetDword(Base(), "Width"), 640u);
+    const std::string path = Registry().GetKeyPath();
+    EXPECT_EQ(RunInChild([&] {
+                  CKeyHandle key;
+                  return OpenKey(HKEY_CURRENT_USER, path.c_str(), key) == ERROR_SUCCESS &&
+                                 SetDword(key.Get(), "Width", 800) == ERROR_SUCCESS
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(GetDword(Base(), "Width"), 800u);
+    EXPECT_EQ(RunInChild([&] {
+                  CKeyHandle key;
+                  return OpenKey(HKEY_CURRENT_USER, path.c_str(), key) == ERROR_SUCCESS &&
+                                 RegDeleteValueA(key.Get(), "Width") == ERROR_SUCCESS
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(GetBytes(Base(), "Width"), "");
+    EXPECT_EQ(RegQueryValueExA(Base(), "Width", nullptr, nullptr, nullptr, nullptr),
+              ERROR_FILE_NOT_FOUND);
+}
+
+TEST_F(RegistryTest, AGetSeesAValueAnotherConnectionChanged) {
+    ASSERT_EQ(SetString(Base(), "Title", "Before"), ERROR_SUCCESS);
+    ASSERT_EQ(GetBytes(Base(), "Title"), std::string("Before", 7));
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(Registry().GetStorePath().c_str(), &db), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(db, "UPDATE vals SET data = CAST('After' AS BLOB) WHERE name = 'Title'",
+                           nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(db);
+    EXPECT_EQ(GetBytes(Base(), "Title"), "After");
+}
+
+TEST_F(RegistryTest, AGetSeesTheBatchsOwnWritesAndAValueOfAKeyDeletedSinceIsGone) {
+    ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+    ASSERT_EQ(GetDword(Base(), "Width"), 640u);
+    {
+        CKWRegistryBatch batch;
+        ASSERT_EQ(SetDword(Base(), "Width", 800), ERROR_SUCCESS);
+        EXPECT_EQ(GetDword(Base(), "Width"), 800u);
+    }
+    EXPECT_EQ(GetDword(Base(), "Width"), 800u);
+
+    CKeyHandle child;
+    ASSERT_EQ(CreateKey(Base(), "Child", child), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(child.Get(), "Height", 480), ERROR_SUCCESS);
+    ASSERT_EQ(GetDword(child.Get(), "Height"), 480u);
+    ASSERT_EQ(RegDeleteKeyA(Base(), "Child"), ERROR_SUCCESS);
+    EXPECT_EQ(RegQueryValueExA(child.Get(), "Height", nullptr, nullptr, nullptr, nullptr),
+              ERROR_KEY_DELETED);
+}
+
+TEST_F(RegistryTest, AnOpenMissesAKeyAnotherProcessDeletedAfterItWasOpened) {
+    CKeyHandle child;
+    ASSERT_EQ(CreateKey(Base(), "Child\\Grandchild", child), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Child\\Grandchild", child), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Child\\Grandchild", child), ERROR_SUCCESS);
+    const std::string path = Registry().GetKeyPath();
+    EXPECT_EQ(RunInChild([&] {
+                  CKeyHandle key;
+                  return OpenKey(HKEY_CURRENT_USER, path.c_str(), key) == ERROR_SUCCESS &&
+                                 RegDeleteKeyA(key.Get(), "Child\\Grandchild") == ERROR_SUCCESS
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(OpenKey(Base(), "Child\\Grandchild", child), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(OpenKey(Base(), "Child", child), ERROR_SUCCESS);
+}
+
+// This process's own commits keep what it found; another's, before or after
+// them, outdates it.
+TEST_F(RegistryTest, AnOpenMissesAKeyAnotherProcessDeletedAroundThisProcesssWrites) {
+    const std::string path = Registry().GetKeyPath();
+    const auto deleteInChild = [&](const char* name) {
+        return RunInChild([&] {
+            CKeyHandle key;
+            return OpenKey(HKEY_CURRENT_USER, path.c_str(), key) == ERROR_SUCCESS &&
+                           RegDeleteKeyA(key.Get(), name) == ERROR_SUCCESS
+                       ? 0
+                       : 1;
+        });
+    };
+    CKeyHandle child;
+    ASSERT_EQ(CreateKey(Base(), "First", child), ERROR_SUCCESS);
+    ASSERT_EQ(CreateKey(Base(), "Second", child), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "First", child), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Second", child), ERROR_SUCCESS);
+
+    ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+    ASSERT_EQ(deleteInChild("First"), 0);
+    EXPECT_EQ(OpenKey(Base(), "First", child), ERROR_FILE_NOT_FOUND);
+
+    ASSERT_EQ(OpenKey(Base(), "Second", child), ERROR_SUCCESS);
+    ASSERT_EQ(deleteInChild("Second"), 0);
+    ASSERT_EQ(SetDword(Base(), "Width", 800), ERROR_SUCCESS);
+    EXPECT_EQ(OpenKey(Base(), "Second", child), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(GetDword(Base(), "Width"), 800u);
+}
+
+TEST_F(RegistryTest, InsideABatchAnOpenMissesAKeyTheBatchDeleted) {
+    CKeyHandle child;
+    ASSERT_EQ(CreateKey(Base(), "Child", child), ERROR_SUCCESS);
+    CKWRegistryBatch batch;
+    ASSERT_EQ(OpenKey(Base(), "Child", child), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(Base(), "Width", 640), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Child", child), ERROR_SUCCESS);
+    ASSERT_EQ(RegDeleteKeyA(Base(), "Child"), ERROR_SUCCESS);
+    EXPECT_EQ(OpenKey(Base(), "Child", child), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(CreateKey(Base(), "Child", child), ERROR_SUCCESS);
+    EXPECT_EQ(SetDword(child.Get(), "Height", 480), ERROR_SUCCESS);
+    EXPECT_EQ(batch.Commit(), ERROR_SUCCESS);
+    EXPECT_EQ(GetDword(child.Get(), "Height"), 480u);
+}
+
+#endif  // !_WIN32
