@@ -8,6 +8,7 @@
 #include "kwcore/platform/BString.h"
 #include "kwcore/platform/CArchive.h"
 #include "kwcore/platform/CException.h"
+#include "kwcore/platform/CKWRegistryBatch.h"
 #include "kwcore/platform/CKWTokenizer.h"
 #include "kwcore/platform/CKWTrace.h"
 #include "kwcore/platform/CList.h"
