@@ -222,48 +222,35 @@ LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const std::vector<std::
     bool isCached = false;
     const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
         ForgetChanged(change);
-        key = base;
-        for (const std::string_view name : names) {
-            MakeCacheKey(key, name, m_lookupKey);
-            const auto found = m_subKeyCache.find(m_lookupKey);
-            if (found == m_subKeyCache.end()) {
-                return ERROR_SUCCESS;
-            }
-            key = found->second;
-        }
-        isCached = !names.empty();
+        isCached = !names.empty() && LookUpPath(base, names, key);
         return ERROR_SUCCESS;
     });
     if (peeked != ERROR_SUCCESS || isCached) {
         return peeked;
     }
-    return m_database.Read([&] {
-        bool isVolatile = false;
-        LSTATUS status = CheckKey(base, isVolatile);
-        key = base;
-        for (std::size_t i = 0; status == ERROR_SUCCESS && i < names.size(); ++i) {
-            KWRegistryKeyId child = 0;
-            status = FindSubKey(key, names[i], child, isVolatile);
-            if (status == ERROR_SUCCESS) {
-                CacheSubKey(key, names[i], child);
-                key = child;
-            }
-        }
-        return status;
-    });
+    return m_database.Read([&] { return WalkPathCaching(base, names, key); });
 }
 
 LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
                                     std::shared_ptr<const SKWRegistryValue>& value) {
-    std::string cacheKey;
+    return ReadPathValue(key, {}, name, value);
+}
+
+LSTATUS CKWRegistryStore::ReadPathValue(KWRegistryKeyId base,
+                                        const std::vector<std::string_view>& names,
+                                        std::string_view name,
+                                        std::shared_ptr<const SKWRegistryValue>& value) {
+    // A cached value vouches for its key as a cached path does: the caches
+    // are emptied by any change that could remove either.
     const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
         ForgetChanged(change);
-        MakeCacheKey(key, name, m_lookupKey);
-        const auto found = m_valueCache.find(m_lookupKey);
-        if (found != m_valueCache.end()) {
-            value = found->second;
-        } else {
-            cacheKey = m_lookupKey;
+        KWRegistryKeyId key = 0;
+        if (LookUpPath(base, names, key)) {
+            MakeCacheKey(key, name, m_lookupKey);
+            const auto found = m_valueCache.find(m_lookupKey);
+            if (found != m_valueCache.end()) {
+                value = found->second;
+            }
         }
         return ERROR_SUCCESS;
     });
@@ -271,9 +258,9 @@ LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
         return peeked;
     }
     return m_database.Read([&] {
-        bool isVolatile = false;
+        KWRegistryKeyId key = 0;
         auto read = std::make_shared<SKWRegistryValue>();
-        LSTATUS status = CheckKey(key, isVolatile);
+        LSTATUS status = WalkPathCaching(base, names, key);
         if (status == ERROR_SUCCESS) {
             status = GetValue(key, name, *read);
         }
@@ -282,9 +269,42 @@ LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
         }
         read->name.clear();
         value = read;
+        std::string cacheKey;
+        MakeCacheKey(key, name, cacheKey);
         CacheValue(std::move(cacheKey), value);
         return status;
     });
+}
+
+bool CKWRegistryStore::LookUpPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                                  KWRegistryKeyId& key) {
+    key = base;
+    for (const std::string_view name : names) {
+        MakeCacheKey(key, name, m_lookupKey);
+        const auto found = m_subKeyCache.find(m_lookupKey);
+        if (found == m_subKeyCache.end()) {
+            return false;
+        }
+        key = found->second;
+    }
+    return true;
+}
+
+LSTATUS CKWRegistryStore::WalkPathCaching(KWRegistryKeyId base,
+                                          const std::vector<std::string_view>& names,
+                                          KWRegistryKeyId& key) {
+    bool isVolatile = false;
+    LSTATUS status = CheckKey(base, isVolatile);
+    key = base;
+    for (std::size_t i = 0; status == ERROR_SUCCESS && i < names.size(); ++i) {
+        KWRegistryKeyId child = 0;
+        status = FindSubKey(key, names[i], child, isVolatile);
+        if (status == ERROR_SUCCESS) {
+            CacheSubKey(key, names[i], child);
+            key = child;
+        }
+    }
+    return status;
 }
 
 void CKWRegistryStore::MakeCacheKey(KWRegistryKeyId key, std::string_view name,

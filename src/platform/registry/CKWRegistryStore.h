@@ -81,6 +81,11 @@ public:
     // The value is shared with the cache, and holds no name.
     LSTATUS ReadValue(KWRegistryKeyId key, std::string_view name,
                       std::shared_ptr<const SKWRegistryValue>& value);
+    // The same for the key that names lead to from base, under one lock when
+    // the path and the value are cached; ERROR_FILE_NOT_FOUND also when a
+    // key on the way is missing.
+    LSTATUS ReadPathValue(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                          std::string_view name, std::shared_ptr<const SKWRegistryValue>& value);
     // ERROR_FILE_NOT_FOUND when there is no such value.
     LSTATUS GetValue(KWRegistryKeyId key, std::string_view name, SKWRegistryValue& value);
     // ERROR_NO_MORE_ITEMS past the last value.
@@ -114,6 +119,13 @@ private:
     static void MakeCacheKey(KWRegistryKeyId key, std::string_view name, std::string& cacheKey);
     // Under the database's mutex: empties the caches that change outdates.
     void ForgetChanged(CKWRegistryDatabase::EKWChange change);
+    // Under the mutex: whether the cache of sub-keys holds every key on the
+    // path, and the last one.
+    bool LookUpPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                    KWRegistryKeyId& key);
+    // Inside a transaction: the key names lead to from base, cached on the way.
+    LSTATUS WalkPathCaching(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                            KWRegistryKeyId& key);
     void CacheValue(std::string cacheKey, const CachedValue& value);
     void CacheSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId child);
 
