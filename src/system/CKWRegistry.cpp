@@ -154,15 +154,21 @@ _EKWRegistryErrors CKWRegistry::WriteValue(const CString& keyPath, const CString
     if (!IsInitialized()) {
         return KW_REGISTRY_NOT_INITIALIZED;
     }
-    HKEY key = nullptr;
-    if (RegCreateKeyExA(base != nullptr ? base : m_hSoftwareKey, keyPath, 0, nullptr,
-                        REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
-                        nullptr) != ERROR_SUCCESS) {
-        return KW_REGISTRY_CALL_FAILED;
+    // One call, which creates the key when it is missing. A base handle
+    // without the right to set values of its own needs one opened for it.
+    const HKEY from = base != nullptr ? base : m_hSoftwareKey;
+    LSTATUS status = RegSetKeyValueA(from, keyPath, valueName, type, data.data(),
+                                     static_cast<DWORD>(data.size()));
+    if (status == ERROR_ACCESS_DENIED) {
+        HKEY key = nullptr;
+        status = RegCreateKeyExA(from, keyPath, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
+                                 nullptr, &key, nullptr);
+        if (status == ERROR_SUCCESS) {
+            status = RegSetValueExA(key, valueName, 0, type, data.data(),
+                                    static_cast<DWORD>(data.size()));
+            RegCloseKey(key);
+        }
     }
-    const LSTATUS status =
-        RegSetValueExA(key, valueName, 0, type, data.data(), static_cast<DWORD>(data.size()));
-    RegCloseKey(key);
     return status == ERROR_SUCCESS ? KW_REGISTRY_SUCCESS : KW_REGISTRY_CALL_FAILED;
 }
 

@@ -283,4 +283,29 @@ TEST_F(RegistryTest, InsideABatchAnOpenMissesAKeyTheBatchDeleted) {
     EXPECT_EQ(GetDword(child.Get(), "Height"), 480u);
 }
 
+TEST_F(RegistryTest, ABatchSetsValuesOfManyKeysAndRefusesAKeyItDeleted) {
+    constexpr DWORD kKeys = 300;
+    {
+        CKWRegistryBatch batch(Base());
+        for (DWORD i = 0; i < kKeys; ++i) {
+            const std::string path = "K" + std::to_string(i);
+            ASSERT_EQ(RegSetKeyValueA(Base(), path.c_str(), "v", REG_DWORD, &i, sizeof i),
+                      ERROR_SUCCESS);
+            ASSERT_EQ(RegSetKeyValueA(Base(), path.c_str(), "v", REG_DWORD, &i, sizeof i),
+                      ERROR_SUCCESS);
+        }
+        CKeyHandle doomed;
+        ASSERT_EQ(OpenKey(Base(), "K7", doomed), ERROR_SUCCESS);
+        ASSERT_EQ(RegDeleteKeyA(Base(), "K7"), ERROR_SUCCESS);
+        EXPECT_EQ(SetDword(doomed.Get(), "v", 1), ERROR_KEY_DELETED);
+        EXPECT_EQ(RegSetKeyValueA(Base(), "K7", "w", REG_BINARY, "", 0), ERROR_SUCCESS);
+    }
+    EXPECT_EQ(CountValuesNamed(Registry(), "v"), static_cast<int>(kKeys) - 1);
+    CKeyHandle key;
+    ASSERT_EQ(OpenKey(Base(), "K299", key), ERROR_SUCCESS);
+    EXPECT_EQ(GetDword(key.Get(), "v"), 299u);
+    ASSERT_EQ(OpenKey(Base(), "K7", key), ERROR_SUCCESS);
+    EXPECT_EQ(ValueNames(key.Get()), std::vector<std::string>{"w"});
+}
+
 #endif  // !_WIN32

@@ -396,4 +396,28 @@ TEST_F(RegistryTest, GetValueTerminatesStringsExpandsThemUnlessToldAndZeroesOnFa
     EXPECT_EQ(status, ERROR_UNSUPPORTED_TYPE);
 }
 
+TEST_F(RegistryTest, SetKeyValueCreatesTheKeyPathAndSetsTheValue) {
+    const std::string width("\x80\x02\0\0", 4);
+    ASSERT_EQ(RegSetKeyValueA(Base(), "New\\Path", "Width", REG_DWORD, width.data(), 4),
+              ERROR_SUCCESS);
+    CKeyHandle key;
+    ASSERT_EQ(OpenKey(Base(), "new\\path", key), ERROR_SUCCESS);
+    DWORD type = 0;
+    EXPECT_EQ(GetBytes(key.Get(), "Width", &type), width);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_DWORD));
+    EXPECT_EQ(RegSetKeyValueA(Base(), "NEW\\Path", "Width", REG_SZ, "x", 2), ERROR_SUCCESS);
+    EXPECT_EQ(GetBytes(key.Get(), "Width"), std::string("x", 2));
+    EXPECT_EQ(RegSetKeyValueA(key.Get(), nullptr, "Own", REG_BINARY, "ab", 2), ERROR_SUCCESS);
+    EXPECT_EQ(GetBytes(key.Get(), "Own"), "ab");
+
+    CKeyHandle readOnly;
+    ASSERT_EQ(OpenKey(Base(), "New", readOnly, KEY_QUERY_VALUE), ERROR_SUCCESS);
+    EXPECT_EQ(RegSetKeyValueA(readOnly.Get(), "", "v", REG_BINARY, "ab", 2), ERROR_ACCESS_DENIED);
+    CKeyHandle volatileKey;
+    ASSERT_EQ(CreateKey(Base(), "Volatile", volatileKey, REG_OPTION_VOLATILE), ERROR_SUCCESS);
+    EXPECT_EQ(RegSetKeyValueA(Base(), "Volatile\\Child", "v", REG_BINARY, "ab", 2),
+              ERROR_CHILD_MUST_BE_VOLATILE);
+    EXPECT_EQ(SubKeyNames(volatileKey.Get()), Names{});
+}
+
 }  // namespace

@@ -53,6 +53,12 @@ KWCORE_API LSTATUS RegCreateKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD Reserved, L
 KWCORE_API LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD Reserved, DWORD dwType,
                                   const BYTE* lpData, DWORD cbData);
 
+// Sets a value of the key lpSubKey below hkey (null or "" sets it on hkey,
+// which then needs KEY_SET_VALUE), creating the key and any missing key
+// above it first, as RegCreateKeyExA would, without opening a handle.
+KWCORE_API LSTATUS RegSetKeyValueA(HKEY hKey, LPCSTR lpSubKey, LPCSTR lpValueName, DWORD dwType,
+                                   LPCVOID lpData, DWORD cbData);
+
 // Reads a value: its type, and its bytes when lpData is not null. *lpcbData
 // holds the buffer size and receives the value's size; a buffer too small
 // gives ERROR_MORE_DATA and the size needed.

@@ -84,13 +84,31 @@ constexpr std::size_t kMaxCursors = 64;
 }  // namespace
 
 LSTATUS CKWRegistryStore::CheckKey(KWRegistryKeyId key, bool& isVolatile) {
+    const bool isInBatch = m_database.IsInBatch();
+    if (isInBatch) {
+        const auto checked = m_checkedInBatch.find(key);
+        if (checked != m_checkedInBatch.end()) {
+            isVolatile = checked->second;
+            return ERROR_SUCCESS;
+        }
+    }
     CKWSqlQuery query(m_database.Connection(), kSelectKey);
     query.Bind(1, key);
     if (const LSTATUS status = StepOneRow(query, ERROR_KEY_DELETED); status != ERROR_SUCCESS) {
         return status;
     }
     isVolatile = query.Integer(0) != 0;
+    if (isInBatch) {
+        m_checkedInBatch.emplace(key, isVolatile);
+    }
     return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::ForgetCheckedOnFailure(LSTATUS status) {
+    if (status != ERROR_SUCCESS && m_database.IsInBatch()) {
+        m_checkedInBatch.clear();
+    }
+    return status;
 }
 
 LSTATUS CKWRegistryStore::FindSubKey(KWRegistryKeyId parent, std::string_view name,
@@ -154,6 +172,7 @@ LSTATUS CKWRegistryStore::DeleteKey(KWRegistryKeyId key) {
         }
     }
     m_subKeyCache.clear();
+    m_checkedInBatch.clear();
     for (const char* sql : {kDeleteValuesOfKey, kDeleteKey}) {
         CKWSqlQuery remove(connection, sql);
         remove.Bind(1, key);
@@ -400,6 +419,7 @@ LSTATUS CKWRegistryStore::EndBatch() {
             }
         }
         m_touchedInBatch.clear();
+        m_checkedInBatch.clear();
         return status;
     });
 }

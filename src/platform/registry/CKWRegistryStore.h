@@ -42,18 +42,21 @@ public:
     const std::string& GetPath() const { return m_database.GetPath(); }
 
     LSTATUS Read(const std::function<LSTATUS()>& work) { return m_database.Read(work); }
-    LSTATUS Write(const std::function<LSTATUS()>& work) { return m_database.Write(work); }
+    LSTATUS Write(const std::function<LSTATUS()>& work) {
+        return ForgetCheckedOnFailure(m_database.Write(work));
+    }
     // For work that makes one change at most (see CKWRegistryDatabase), such
     // as SetValue and DeleteValue.
     LSTATUS WriteOneChange(const std::function<LSTATUS()>& work) {
-        return m_database.WriteOneChange(work);
+        return ForgetCheckedOnFailure(m_database.WriteOneChange(work));
     }
     LSTATUS Flush() { return m_database.Flush(); }
     LSTATUS BeginBatch() { return m_database.BeginBatch(); }
     // Keys written in a batch are marked as changed once, when it commits.
     LSTATUS EndBatch();
 
-    // ERROR_KEY_DELETED when the key is gone.
+    // ERROR_KEY_DELETED when the key is gone. Inside a batch a key is
+    // looked up once: only the batch changes the store while it lasts.
     LSTATUS CheckKey(KWRegistryKeyId key, bool& isVolatile);
     // ERROR_FILE_NOT_FOUND when parent has no sub-key of that name.
     LSTATUS FindSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId& child,
@@ -105,6 +108,9 @@ private:
     };
     typedef std::unordered_map<KWRegistryKeyId, SKWEnumCursor> CursorMap;
 
+    // A failed write inside a batch may have undone keys checked in it.
+    LSTATUS ForgetCheckedOnFailure(LSTATUS status);
+
     // Marks the key as changed now; inside a batch, when it commits.
     LSTATUS Touch(KWRegistryKeyId key);
     LSTATUS TouchNow(KWRegistryKeyId key);
@@ -136,8 +142,10 @@ private:
     // Sub-keys found, by parent and name; emptied also when a key is deleted.
     std::unordered_map<std::string, KWRegistryKeyId> m_subKeyCache;
     std::string m_lookupKey;  // reused for look-ups, under the mutex
-    // Keys the running batch changed.
+    // Keys the running batch changed, and the keys it found, with whether
+    // they are volatile.
     std::unordered_set<KWRegistryKeyId> m_touchedInBatch;
+    std::unordered_map<KWRegistryKeyId, bool> m_checkedInBatch;
     CursorMap m_subKeyCursors;
     CursorMap m_valueCursors;
     unsigned m_cursorsVersion = 0;

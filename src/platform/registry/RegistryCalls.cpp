@@ -309,6 +309,47 @@ LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD /*Reserved*/, DWORD 
     });
 }
 
+LSTATUS RegSetKeyValueA(HKEY hKey, LPCSTR lpSubKey, LPCSTR lpValueName, DWORD dwType,
+                        LPCVOID lpData, DWORD cbData) {
+    SKWOpenKey key;
+    LSTATUS status = Handles().Resolve(hKey, key);
+    KeyNames names;
+    if (status == ERROR_SUCCESS) {
+        status = SplitKeyPath(lpSubKey, names);
+    }
+    if (status == ERROR_SUCCESS && names.empty() && !Grants(key, KEY_SET_VALUE)) {
+        status = ERROR_ACCESS_DENIED;
+    }
+    KWRegistryKeyId target = key.key;
+    if (status == ERROR_SUCCESS && !names.empty()) {
+        status = key.store->FindPath(key.key, names, target);
+        if (status == ERROR_FILE_NOT_FOUND) {
+            bool created = false;
+            status = key.store->Write(
+                [&] { return WalkPathCreating(key, names, false, target, created); });
+        }
+    }
+    key.key = target;
+    // As on Windows, the key is there even when the value is refused.
+    std::string_view name;
+    if (status == ERROR_SUCCESS) {
+        status = CheckValueName(lpValueName, name);
+    }
+    if (status == ERROR_SUCCESS && lpData == nullptr && cbData != 0) {
+        status = ERROR_NOACCESS;
+    }
+    if (status != ERROR_SUCCESS) {
+        return status;
+    }
+    return key.store->WriteOneChange([&] {
+        const LSTATUS checked = CheckKey(key);
+        return checked != ERROR_SUCCESS
+                   ? checked
+                   : key.store->SetValue(key.key, name, dwType, static_cast<const BYTE*>(lpData),
+                                         cbData);
+    });
+}
+
 LSTATUS RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWORD lpReserved, LPDWORD lpType,
                          LPBYTE lpData, LPDWORD lpcbData) {
     if (lpReserved != nullptr || (lpData != nullptr && lpcbData == nullptr)) {
