@@ -308,4 +308,28 @@ TEST_F(RegistryTest, ABatchSetsValuesOfManyKeysAndRefusesAKeyItDeleted) {
     EXPECT_EQ(ValueNames(key.Get()), std::vector<std::string>{"w"});
 }
 
+TEST_F(RegistryTest, ABatchMarksTheKeysItChangedAsWrittenWhenItCommits) {
+    const char* const paths[] = {"A", "B", "C"};
+    const auto lastWrite = [&](const char* path) {
+        CKeyHandle key;
+        FILETIME time{};
+        EXPECT_EQ(CreateKey(Base(), path, key), ERROR_SUCCESS);
+        RegQueryInfoKeyA(key.Get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                         nullptr, nullptr, nullptr, &time);
+        return (static_cast<ULONGLONG>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
+    };
+    ULONGLONG before[3];
+    for (int i = 0; i < 3; ++i) {
+        before[i] = lastWrite(paths[i]);
+    }
+    {
+        CKWRegistryBatch batch(Base());
+        ASSERT_EQ(RegSetKeyValueA(Base(), "A", "v", REG_BINARY, "a", 1), ERROR_SUCCESS);
+        ASSERT_EQ(RegSetKeyValueA(Base(), "B", "v", REG_BINARY, "b", 1), ERROR_SUCCESS);
+    }
+    EXPECT_GT(lastWrite("A"), before[0]);
+    EXPECT_GT(lastWrite("B"), before[1]);
+    EXPECT_EQ(lastWrite("C"), before[2]);
+}
+
 #endif  // !_WIN32

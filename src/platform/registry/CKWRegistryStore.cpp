@@ -14,6 +14,9 @@ constexpr const char* kSelectSubKey =
 constexpr const char* kInsertKey =
     "INSERT INTO keys(parent, name, fold, boot, written) VALUES(?1, ?2, ?3, ?4, ?5)";
 constexpr const char* kTouchKey = "UPDATE keys SET written = ?2 WHERE id = ?1";
+// The keys given as a JSON array of IDs.
+constexpr const char* kTouchKeys =
+    "UPDATE keys SET written = ?2 WHERE id IN (SELECT value FROM json_each(?1))";
 constexpr const char* kSelectParent = "SELECT parent FROM keys WHERE id = ?1";
 constexpr const char* kSelectAnySubKey = "SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1";
 constexpr const char* kDeleteValuesOfKey = "DELETE FROM vals WHERE key = ?1";
@@ -412,16 +415,25 @@ LSTATUS CKWRegistryStore::DeleteValue(KWRegistryKeyId key, std::string_view name
 
 LSTATUS CKWRegistryStore::EndBatch() {
     return m_database.EndBatch([&] {
-        LSTATUS status = ERROR_SUCCESS;
-        for (const KWRegistryKeyId key : m_touchedInBatch) {
-            if (status == ERROR_SUCCESS) {
-                status = TouchNow(key);
-            }
-        }
+        const LSTATUS status = m_touchedInBatch.empty() ? ERROR_SUCCESS : TouchAllNow();
         m_touchedInBatch.clear();
         m_checkedInBatch.clear();
         return status;
     });
+}
+
+LSTATUS CKWRegistryStore::TouchAllNow() {
+    // One statement for all the keys rather than one for each.
+    std::string ids = "[";
+    for (const KWRegistryKeyId key : m_touchedInBatch) {
+        ids += std::to_string(key);
+        ids += ',';
+    }
+    ids.back() = ']';
+    CKWSqlQuery touch(m_database.Connection(), kTouchKeys);
+    touch.BindText(1, ids);
+    touch.Bind(2, FileTimeNow());
+    return Status(touch.Run());
 }
 
 LSTATUS CKWRegistryStore::Touch(KWRegistryKeyId key) {

@@ -114,6 +114,8 @@ private:
     // Marks the key as changed now; inside a batch, when it commits.
     LSTATUS Touch(KWRegistryKeyId key);
     LSTATUS TouchNow(KWRegistryKeyId key);
+    // Marks every key of m_touchedInBatch, which holds one at least.
+    LSTATUS TouchAllNow();
     // The cursor of key that stands just before index, or null.
     const SKWEnumCursor* CursorBefore(CursorMap& cursors, KWRegistryKeyId key, DWORD index);
     void KeepCursor(CursorMap& cursors, KWRegistryKeyId key, const SKWEnumCursor& cursor);
