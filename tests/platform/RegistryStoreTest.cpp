@@ -346,7 +346,7 @@ TEST_F(RegistryTest, AWriterKilledInTheMiddleLeavesAWholeStore) {
     EXPECT_EQ(SetDword(key.Get(), "After", 1), ERROR_SUCCESS);
 }
 
-TEST_F(RegistryTest, GetValueSeesAnotherProcessChangeAndDeleteWhatItHasCached) {
+TEST_F(RegistryTest, GetValueSeesChangesAndDeletionsByThisAndAnotherProcess) {
     CKeyHandle key;
     ASSERT_EQ(CreateKey(Base(), "Cached\\Key", key), ERROR_SUCCESS);
     ASSERT_EQ(SetDword(key.Get(), "N", 1), ERROR_SUCCESS);
@@ -360,6 +360,8 @@ TEST_F(RegistryTest, GetValueSeesAnotherProcessChangeAndDeleteWhatItHasCached) {
     ASSERT_EQ(read(), 1);
     ASSERT_EQ(RunInChild([&] { return SetDword(key.Get(), "N", 2) == ERROR_SUCCESS ? 0 : 1; }), 0);
     EXPECT_EQ(read(), 2);
+    ASSERT_EQ(SetDword(key.Get(), "N", 3), ERROR_SUCCESS);
+    EXPECT_EQ(read(), 3);
     ASSERT_EQ(RunInChild([&] {
                   return RegDeleteValueA(key.Get(), "N") == ERROR_SUCCESS &&
                                  RegDeleteKeyA(Base(), "Cached\\Key") == ERROR_SUCCESS
@@ -367,6 +369,11 @@ TEST_F(RegistryTest, GetValueSeesAnotherProcessChangeAndDeleteWhatItHasCached) {
                              : 1;
               }),
               0);
+    EXPECT_EQ(read(), -ERROR_FILE_NOT_FOUND);
+    ASSERT_EQ(CreateKey(Base(), "Cached\\Key", key), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(key.Get(), "N", 4), ERROR_SUCCESS);
+    EXPECT_EQ(read(), 4);
+    ASSERT_EQ(RegDeleteKeyA(Base(), "Cached\\Key"), ERROR_SUCCESS);
     EXPECT_EQ(read(), -ERROR_FILE_NOT_FOUND);
 }
 

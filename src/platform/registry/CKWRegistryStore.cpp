@@ -255,13 +255,44 @@ LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const std::vector<std::
 
 LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
                                     std::shared_ptr<const SKWRegistryValue>& value) {
-    return ReadPathValue(key, {}, name, value);
+    return ReadValueOf(key, {}, name, nullptr, value);
 }
 
-LSTATUS CKWRegistryStore::ReadPathValue(KWRegistryKeyId base,
-                                        const std::vector<std::string_view>& names,
+LSTATUS CKWRegistryStore::ReadPathValue(KWRegistryKeyId base, const char* path,
                                         std::string_view name,
                                         std::shared_ptr<const SKWRegistryValue>& value) {
+    // Only a path that was split without fault is ever kept.
+    const bool byPath = path != nullptr && path[0] != '\0';
+    if (byPath) {
+        const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+            ForgetChanged(change);
+            MakePathValueKey(base, path, name, m_lookupKey);
+            const auto found = m_pathValueCache.find(m_lookupKey);
+            if (found != m_pathValueCache.end()) {
+                value = found->second;
+            }
+            return ERROR_SUCCESS;
+        });
+        if (peeked != ERROR_SUCCESS || value != nullptr) {
+            return peeked;
+        }
+    }
+    std::vector<std::string_view> names;
+    const LSTATUS split = kwRegistryNames::SplitKeyPath(path, names);
+    if (split != ERROR_SUCCESS) {
+        return split;
+    }
+    std::string pathKey;
+    if (byPath) {
+        MakePathValueKey(base, path, name, pathKey);
+    }
+    return ReadValueOf(base, names, name, byPath ? &pathKey : nullptr, value);
+}
+
+LSTATUS CKWRegistryStore::ReadValueOf(KWRegistryKeyId base,
+                                      const std::vector<std::string_view>& names,
+                                      std::string_view name, const std::string* pathKey,
+                                      std::shared_ptr<const SKWRegistryValue>& value) {
     // A cached value vouches for its key as a cached path does: the caches
     // are emptied by any change that could remove either.
     const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
@@ -272,6 +303,7 @@ LSTATUS CKWRegistryStore::ReadPathValue(KWRegistryKeyId base,
             const auto found = m_valueCache.find(m_lookupKey);
             if (found != m_valueCache.end()) {
                 value = found->second;
+                CacheValueByPath(pathKey, value);
             }
         }
         return ERROR_SUCCESS;
@@ -294,6 +326,7 @@ LSTATUS CKWRegistryStore::ReadPathValue(KWRegistryKeyId base,
         std::string cacheKey;
         MakeCacheKey(key, name, cacheKey);
         CacheValue(std::move(cacheKey), value);
+        CacheValueByPath(pathKey, value);
         return status;
     });
 }
@@ -336,8 +369,31 @@ void CKWRegistryStore::MakeCacheKey(KWRegistryKeyId key, std::string_view name,
     kwRegistryNames::FoldNameInto(name, &cacheKey[sizeof key]);
 }
 
+void CKWRegistryStore::MakePathValueKey(KWRegistryKeyId base, std::string_view path,
+                                        std::string_view name, std::string& cacheKey) {
+    MakeCacheKey(base, path, cacheKey);
+    const std::size_t nameAt = cacheKey.size() + 1;
+    cacheKey.resize(nameAt + name.size());
+    cacheKey[nameAt - 1] = '\0';
+    kwRegistryNames::FoldNameInto(name, &cacheKey[nameAt]);
+}
+
+void CKWRegistryStore::CacheValueByPath(const std::string* pathKey, const CachedValue& value) {
+    // Only values the value cache holds, so both are bounded together.
+    if (pathKey == nullptr || value->data.size() > kMaxCachedValueSize) {
+        return;
+    }
+    if (m_pathValueCache.size() >= kMaxCachedSubKeys) {
+        m_pathValueCache.clear();
+    }
+    m_pathValueCache.emplace(*pathKey, value);
+}
+
 void CKWRegistryStore::ForgetChanged(CKWRegistryDatabase::EKWChange change) {
     // Emptying a map costs as much as its buckets, even when it holds nothing.
+    if (change != CKWRegistryDatabase::kUnchanged && !m_pathValueCache.empty()) {
+        m_pathValueCache.clear();
+    }
     if (change != CKWRegistryDatabase::kUnchanged && !m_valueCache.empty()) {
         m_valueCache.clear();
         m_valueCacheBytes = 0;
@@ -363,6 +419,7 @@ void CKWRegistryStore::CacheValue(std::string cacheKey, const CachedValue& value
     }
     const std::size_t size = cacheKey.size() + value->data.size();
     if (m_valueCacheBytes + size > kMaxValueCacheBytes) {
+        m_pathValueCache.clear();
         m_valueCache.clear();
         m_valueCacheBytes = 0;
     }

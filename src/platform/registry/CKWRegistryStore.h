@@ -84,11 +84,13 @@ public:
     // The value is shared with the cache, and holds no name.
     LSTATUS ReadValue(KWRegistryKeyId key, std::string_view name,
                       std::shared_ptr<const SKWRegistryValue>& value);
-    // The same for the key that names lead to from base, under one lock when
-    // the path and the value are cached; ERROR_FILE_NOT_FOUND also when a
-    // key on the way is missing.
-    LSTATUS ReadPathValue(KWRegistryKeyId base, const std::vector<std::string_view>& names,
-                          std::string_view name, std::shared_ptr<const SKWRegistryValue>& value);
+    // The same for the key at path below base (a sub-key path as
+    // RegOpenKeyExA takes it), under one lock when this path and name were
+    // read before, or the path's keys and the value are cached, and nothing
+    // has been committed since; ERROR_FILE_NOT_FOUND also when a key on the
+    // way is missing, and the path's own codes.
+    LSTATUS ReadPathValue(KWRegistryKeyId base, const char* path, std::string_view name,
+                          std::shared_ptr<const SKWRegistryValue>& value);
     // ERROR_FILE_NOT_FOUND when there is no such value.
     LSTATUS GetValue(KWRegistryKeyId key, std::string_view name, SKWRegistryValue& value);
     // ERROR_NO_MORE_ITEMS past the last value.
@@ -127,6 +129,16 @@ private:
     static void MakeCacheKey(KWRegistryKeyId key, std::string_view name, std::string& cacheKey);
     // Under the database's mutex: empties the caches that change outdates.
     void ForgetChanged(CKWRegistryDatabase::EKWChange change);
+    // ReadPathValue for the key that names lead to; a value it finds is also
+    // kept under pathKey unless that is null.
+    LSTATUS ReadValueOf(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                        std::string_view name, const std::string* pathKey,
+                        std::shared_ptr<const SKWRegistryValue>& value);
+    // The key of a value read by path: base's bytes, the folded path, a
+    // zero byte and the folded name.
+    static void MakePathValueKey(KWRegistryKeyId base, std::string_view path, std::string_view name,
+                                 std::string& cacheKey);
+    void CacheValueByPath(const std::string* pathKey, const CachedValue& value);
     // Under the mutex: whether the cache of sub-keys holds every key on the
     // path, and the last one.
     bool LookUpPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
@@ -141,6 +153,8 @@ private:
     // Values read, valid while the database's Peek finds nothing changed.
     std::unordered_map<std::string, CachedValue> m_valueCache;
     std::size_t m_valueCacheBytes = 0;
+    // The values of m_valueCache again, by the path they were read by.
+    std::unordered_map<std::string, CachedValue> m_pathValueCache;
     // Sub-keys found, by parent and name; emptied also when a key is deleted.
     std::unordered_map<std::string, KWRegistryKeyId> m_subKeyCache;
     std::string m_lookupKey;  // reused for look-ups, under the mutex

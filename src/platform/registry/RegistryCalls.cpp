@@ -378,17 +378,14 @@ LSTATUS RegGetValueA(HKEY hkey, LPCSTR lpSubKey, LPCSTR lpValue, DWORD dwFlags, 
     const DWORD capacity = pcbData != nullptr ? *pcbData : 0;
     SKWOpenKey base;
     LSTATUS status = Handles().Resolve(hkey, base);
-    KeyNames names;
-    if (status == ERROR_SUCCESS) {
-        status = SplitKeyPath(lpSubKey, names);
-    }
-    if (status == ERROR_SUCCESS && names.empty() && !Grants(base, KEY_QUERY_VALUE)) {
+    const bool onHandle = lpSubKey == nullptr || lpSubKey[0] == '\0';
+    if (status == ERROR_SUCCESS && onHandle && !Grants(base, KEY_QUERY_VALUE)) {
         status = ERROR_ACCESS_DENIED;
     }
     std::shared_ptr<const SKWRegistryValue> value;
     if (status == ERROR_SUCCESS) {
         status =
-            base.store->ReadPathValue(base.key, names, lpValue != nullptr ? lpValue : "", value);
+            base.store->ReadPathValue(base.key, lpSubKey, lpValue != nullptr ? lpValue : "", value);
     }
     if (status == ERROR_SUCCESS) {
         const std::unique_ptr<SKWRegistryValue> adjusted = AdjustForGet(*value, dwFlags);
