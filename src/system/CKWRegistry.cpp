@@ -11,20 +11,23 @@ constexpr int kBraceGuidLength = 38;
 constexpr DWORD kFirstReadSize = 256;
 constexpr int kMaxReadAttempts = 4;
 
-// Reads valueName of an open key into data, which must be of exactly the
+// Reads a value with read(type, buffer, size), a call of the
+// RegQueryValueExA size protocol, into data, which must be of exactly the
 // expected type. Settings are mostly small: one call reads them, and a
-// larger value gives its size for the next call.
-_EKWRegistryErrors QueryValue(HKEY key, const CString& valueName, DWORD expectedType,
-                              std::vector<BYTE>& data) {
+// larger value gives its size for the next call. The failing call's code
+// is kept in status.
+template <class Read>
+_EKWRegistryErrors ReadSized(Read read, DWORD expectedType, std::vector<BYTE>& data,
+                             LSTATUS& status) {
     // One spare byte, so the buffer is never null and a string always ends.
     std::vector<BYTE> buffer(kFirstReadSize + 1, 0);
     DWORD type = REG_NONE;
     DWORD size = kFirstReadSize;
-    LSTATUS status = RegQueryValueExA(key, valueName, nullptr, &type, buffer.data(), &size);
+    status = read(&type, buffer.data(), &size);
     // A value that another writer keeps growing is given up on.
     for (int attempt = 0; status == ERROR_MORE_DATA && attempt < kMaxReadAttempts; ++attempt) {
         buffer.assign(size + 1, 0);
-        status = RegQueryValueExA(key, valueName, nullptr, &type, buffer.data(), &size);
+        status = read(&type, buffer.data(), &size);
     }
     if (status != ERROR_SUCCESS) {
         return KW_REGISTRY_CALL_FAILED;
@@ -35,6 +38,16 @@ _EKWRegistryErrors QueryValue(HKEY key, const CString& valueName, DWORD expected
     buffer.resize(size);
     data = std::move(buffer);
     return KW_REGISTRY_SUCCESS;
+}
+
+_EKWRegistryErrors QueryValue(HKEY key, const char* valueName, DWORD expectedType,
+                              std::vector<BYTE>& data) {
+    LSTATUS status = ERROR_SUCCESS;
+    return ReadSized(
+        [&](DWORD* type, BYTE* buffer, DWORD* size) {
+            return RegQueryValueExA(key, valueName, nullptr, type, buffer, size);
+        },
+        expectedType, data, status);
 }
 
 // The text up to the first zero byte or the end of the data.
@@ -110,17 +123,29 @@ _EKWRegistryErrors CKWRegistry::ReadValue(const CString& keyPath, const CString&
     if (!IsInitialized()) {
         return KW_REGISTRY_NOT_INITIALIZED;
     }
+    // Most reads find key and value: one call, without a handle. Only when
+    // one of them is missing is the key created, as reading creates a
+    // missing key: hosts rely on the key being there after their first
+    // read of a setting.
+    const HKEY from = base != nullptr ? base : m_hSoftwareKey;
+    LSTATUS status = ERROR_SUCCESS;
+    const _EKWRegistryErrors result = ReadSized(
+        [&](DWORD* type, BYTE* buffer, DWORD* size) {
+            return RegGetValueA(from, keyPath, valueName, RRF_RT_ANY | RRF_NOEXPAND, type, buffer,
+                                size);
+        },
+        expectedType, data, status);
+    if (status != ERROR_FILE_NOT_FOUND) {
+        return result;
+    }
     HKEY key = nullptr;
-    // Reading creates a missing key: hosts rely on the key being there after
-    // their first read of a setting.
-    if (RegCreateKeyExA(base != nullptr ? base : m_hSoftwareKey, keyPath, 0, nullptr,
-                        REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
-                        nullptr) != ERROR_SUCCESS) {
+    if (RegCreateKeyExA(from, keyPath, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr,
+                        &key, nullptr) != ERROR_SUCCESS) {
         return KW_REGISTRY_CALL_FAILED;
     }
-    const _EKWRegistryErrors result = QueryValue(key, valueName, expectedType, data);
+    const _EKWRegistryErrors created = QueryValue(key, valueName, expectedType, data);
     RegCloseKey(key);
-    return result;
+    return created;
 }
 
 _EKWRegistryErrors CKWRegistry::WriteValue(const CString& keyPath, const CString& valueName,
@@ -129,15 +154,21 @@ _EKWRegistryErrors CKWRegistry::WriteValue(const CString& keyPath, const CString
     if (!IsInitialized()) {
         return KW_REGISTRY_NOT_INITIALIZED;
     }
-    HKEY key = nullptr;
-    if (RegCreateKeyExA(base != nullptr ? base : m_hSoftwareKey, keyPath, 0, nullptr,
-                        REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
-                        nullptr) != ERROR_SUCCESS) {
-        return KW_REGISTRY_CALL_FAILED;
+    // One call, which creates the key when it is missing. A base handle
+    // without the right to set values of its own needs one opened for it.
+    const HKEY from = base != nullptr ? base : m_hSoftwareKey;
+    LSTATUS status = RegSetKeyValueA(from, keyPath, valueName, type, data.data(),
+                                     static_cast<DWORD>(data.size()));
+    if (status == ERROR_ACCESS_DENIED) {
+        HKEY key = nullptr;
+        status = RegCreateKeyExA(from, keyPath, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
+                                 nullptr, &key, nullptr);
+        if (status == ERROR_SUCCESS) {
+            status = RegSetValueExA(key, valueName, 0, type, data.data(),
+                                    static_cast<DWORD>(data.size()));
+            RegCloseKey(key);
+        }
     }
-    const LSTATUS status =
-        RegSetValueExA(key, valueName, 0, type, data.data(), static_cast<DWORD>(data.size()));
-    RegCloseKey(key);
     return status == ERROR_SUCCESS ? KW_REGISTRY_SUCCESS : KW_REGISTRY_CALL_FAILED;
 }
 

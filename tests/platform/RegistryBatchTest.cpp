@@ -283,4 +283,53 @@ TEST_F(RegistryTest, InsideABatchAnOpenMissesAKeyTheBatchDeleted) {
     EXPECT_EQ(GetDword(child.Get(), "Height"), 480u);
 }
 
+TEST_F(RegistryTest, ABatchSetsValuesOfManyKeysAndRefusesAKeyItDeleted) {
+    constexpr DWORD kKeys = 300;
+    {
+        CKWRegistryBatch batch(Base());
+        for (DWORD i = 0; i < kKeys; ++i) {
+            const std::string path = "K" + std::to_string(i);
+            ASSERT_EQ(RegSetKeyValueA(Base(), path.c_str(), "v", REG_DWORD, &i, sizeof i),
+                      ERROR_SUCCESS);
+            ASSERT_EQ(RegSetKeyValueA(Base(), path.c_str(), "v", REG_DWORD, &i, sizeof i),
+                      ERROR_SUCCESS);
+        }
+        CKeyHandle doomed;
+        ASSERT_EQ(OpenKey(Base(), "K7", doomed), ERROR_SUCCESS);
+        ASSERT_EQ(RegDeleteKeyA(Base(), "K7"), ERROR_SUCCESS);
+        EXPECT_EQ(SetDword(doomed.Get(), "v", 1), ERROR_KEY_DELETED);
+        EXPECT_EQ(RegSetKeyValueA(Base(), "K7", "w", REG_BINARY, "", 0), ERROR_SUCCESS);
+    }
+    EXPECT_EQ(CountValuesNamed(Registry(), "v"), static_cast<int>(kKeys) - 1);
+    CKeyHandle key;
+    ASSERT_EQ(OpenKey(Base(), "K299", key), ERROR_SUCCESS);
+    EXPECT_EQ(GetDword(key.Get(), "v"), 299u);
+    ASSERT_EQ(OpenKey(Base(), "K7", key), ERROR_SUCCESS);
+    EXPECT_EQ(ValueNames(key.Get()), std::vector<std::string>{"w"});
+}
+
+TEST_F(RegistryTest, ABatchMarksTheKeysItChangedAsWrittenWhenItCommits) {
+    const char* const paths[] = {"A", "B", "C"};
+    const auto lastWrite = [&](const char* path) {
+        CKeyHandle key;
+        FILETIME time{};
+        EXPECT_EQ(CreateKey(Base(), path, key), ERROR_SUCCESS);
+        RegQueryInfoKeyA(key.Get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                         nullptr, nullptr, nullptr, &time);
+        return (static_cast<ULONGLONG>(time.dwHighDateTime) << 32) | time.dwLowDateTime;
+    };
+    ULONGLONG before[3];
+    for (int i = 0; i < 3; ++i) {
+        before[i] = lastWrite(paths[i]);
+    }
+    {
+        CKWRegistryBatch batch(Base());
+        ASSERT_EQ(RegSetKeyValueA(Base(), "A", "v", REG_BINARY, "a", 1), ERROR_SUCCESS);
+        ASSERT_EQ(RegSetKeyValueA(Base(), "B", "v", REG_BINARY, "b", 1), ERROR_SUCCESS);
+    }
+    EXPECT_GT(lastWrite("A"), before[0]);
+    EXPECT_GT(lastWrite("B"), before[1]);
+    EXPECT_EQ(lastWrite("C"), before[2]);
+}
+
 #endif  // !_WIN32

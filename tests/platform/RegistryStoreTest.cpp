@@ -346,6 +346,37 @@ TEST_F(RegistryTest, AWriterKilledInTheMiddleLeavesAWholeStore) {
     EXPECT_EQ(SetDword(key.Get(), "After", 1), ERROR_SUCCESS);
 }
 
+TEST_F(RegistryTest, GetValueSeesChangesAndDeletionsByThisAndAnotherProcess) {
+    CKeyHandle key;
+    ASSERT_EQ(CreateKey(Base(), "Cached\\Key", key), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(key.Get(), "N", 1), ERROR_SUCCESS);
+    const auto read = [&] {
+        DWORD value = 0;
+        DWORD size = sizeof value;
+        const LSTATUS status =
+            RegGetValueA(Base(), "Cached\\Key", "N", RRF_RT_DWORD, nullptr, &value, &size);
+        return status == ERROR_SUCCESS ? static_cast<int>(value) : -static_cast<int>(status);
+    };
+    ASSERT_EQ(read(), 1);
+    ASSERT_EQ(RunInChild([&] { return SetDword(key.Get(), "N", 2) == ERROR_SUCCESS ? 0 : 1; }), 0);
+    EXPECT_EQ(read(), 2);
+    ASSERT_EQ(SetDword(key.Get(), "N", 3), ERROR_SUCCESS);
+    EXPECT_EQ(read(), 3);
+    ASSERT_EQ(RunInChild([&] {
+                  return RegDeleteValueA(key.Get(), "N") == ERROR_SUCCESS &&
+                                 RegDeleteKeyA(Base(), "Cached\\Key") == ERROR_SUCCESS
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(read(), -ERROR_FILE_NOT_FOUND);
+    ASSERT_EQ(CreateKey(Base(), "Cached\\Key", key), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(key.Get(), "N", 4), ERROR_SUCCESS);
+    EXPECT_EQ(read(), 4);
+    ASSERT_EQ(RegDeleteKeyA(Base(), "Cached\\Key"), ERROR_SUCCESS);
+    EXPECT_EQ(read(), -ERROR_FILE_NOT_FOUND);
+}
+
 TEST_F(RegistryTest, ThreadsShareTheStore) {
     constexpr int kThreads = 4;
     constexpr int kValuesEach = 100;

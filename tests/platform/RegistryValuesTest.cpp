@@ -5,6 +5,7 @@
 #include <unistd.h>
 #endif
 
+#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -309,6 +310,114 @@ TEST_F(RegistryTest, KeyInformationSizesTheBuffersAnEnumerationNeeds) {
     EXPECT_EQ(RegQueryInfoKeyA(Base(), className, nullptr, nullptr, nullptr, nullptr, nullptr,
                                nullptr, nullptr, nullptr, nullptr, nullptr),
               ERROR_INVALID_PARAMETER);
+}
+
+// -------------------------------------------------------------- RegGetValueA
+
+// The value read with RegGetValueA into a generous buffer; its code in
+// *status.
+std::string GetValue(HKEY key, const char* subKey, const char* name, DWORD flags, DWORD* type,
+                     LSTATUS* status) {
+    std::string bytes(32768, '\0');
+    DWORD size = static_cast<DWORD>(bytes.size());
+    *status = RegGetValueA(key, subKey, name, flags, type, &bytes[0], &size);
+    bytes.resize(*status == ERROR_SUCCESS ? size : 0);
+    return bytes;
+}
+
+TEST_F(RegistryTest, GetValueReadsThroughASubKeyPathAndKeepsToTheTypesAsked) {
+    CKeyHandle child;
+    ASSERT_EQ(CreateKey(Base(), "A\\B", child), ERROR_SUCCESS);
+    ASSERT_EQ(SetDword(child.Get(), "Width", 640), ERROR_SUCCESS);
+    ASSERT_EQ(SetBytes(child.Get(), "Four", REG_BINARY, "wxyz"), ERROR_SUCCESS);
+    ASSERT_EQ(SetBytes(child.Get(), "Three", REG_BINARY, "xyz"), ERROR_SUCCESS);
+    DWORD type = 0;
+    LSTATUS status = ERROR_SUCCESS;
+    EXPECT_EQ(GetValue(Base(), "a\\b", "WIDTH", RRF_RT_DWORD, &type, &status),
+              std::string("\x80\x02\0\0", 4));
+    EXPECT_EQ(status, ERROR_SUCCESS);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_DWORD));
+    EXPECT_EQ(GetValue(Base(), "A\\B", "Four", RRF_RT_DWORD, &type, &status), "wxyz");
+    EXPECT_EQ(GetValue(Base(), "A\\B", "Three", RRF_RT_DWORD, &type, &status), "");
+    EXPECT_EQ(status, ERROR_DATATYPE_MISMATCH);
+    EXPECT_EQ(GetValue(Base(), "A\\B", "Three", RRF_RT_ANY, &type, &status), "xyz");
+    GetValue(Base(), "A\\B", "Width", RRF_RT_REG_SZ | RRF_RT_REG_QWORD, &type, &status);
+    EXPECT_EQ(status, ERROR_UNSUPPORTED_TYPE);
+
+    // A missing key is not created; a read from the handle itself needs the
+    // right to query.
+    DWORD size = 0;
+    EXPECT_EQ(RegGetValueA(Base(), "A\\C", "Width", RRF_RT_ANY, nullptr, nullptr, &size),
+              ERROR_FILE_NOT_FOUND);
+    CKeyHandle key;
+    EXPECT_EQ(OpenKey(Base(), "A\\C", key), ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegGetValueA(Base(), "A\\B", "Height", RRF_RT_ANY, nullptr, nullptr, &size),
+              ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(RegGetValueA(Base(), "A\\B", "Width", RRF_RT_ANY, nullptr, &type, nullptr),
+              ERROR_INVALID_PARAMETER);
+    EXPECT_EQ(RegGetValueA(Base(), "A\\B", "Width", RRF_RT_REG_EXPAND_SZ, nullptr, nullptr, &size),
+              ERROR_INVALID_PARAMETER);
+    ASSERT_EQ(OpenKey(Base(), "A\\B", key, KEY_SET_VALUE), ERROR_SUCCESS);
+    EXPECT_EQ(RegGetValueA(key.Get(), nullptr, "Width", RRF_RT_ANY, nullptr, nullptr, &size),
+              ERROR_ACCESS_DENIED);
+    EXPECT_EQ(RegGetValueA(Base(), "A", nullptr, RRF_RT_ANY, nullptr, nullptr, &size),
+              ERROR_FILE_NOT_FOUND);
+}
+
+TEST_F(RegistryTest, GetValueTerminatesStringsExpandsThemUnlessToldAndZeroesOnFailure) {
+    ASSERT_EQ(RegSetValueExA(Base(), "Bare", 0, REG_SZ, reinterpret_cast<const BYTE*>("abc"), 3),
+              ERROR_SUCCESS);
+    const std::string unexpanded("%PATH%;%KW_NO_SUCH_VARIABLE%", 29);
+    ASSERT_EQ(SetBytes(Base(), "Expand", REG_EXPAND_SZ, unexpanded), ERROR_SUCCESS);
+    DWORD type = 0;
+    DWORD size = 0;
+    EXPECT_EQ(RegGetValueA(Base(), "", "Bare", RRF_RT_REG_SZ, &type, nullptr, &size),
+              ERROR_SUCCESS);
+    EXPECT_EQ(size, 4u);
+    char text[8] = "zzzzzzz";
+    size = 2;
+    EXPECT_EQ(
+        RegGetValueA(Base(), "", "Bare", RRF_RT_REG_SZ | RRF_ZEROONFAILURE, &type, text, &size),
+        ERROR_MORE_DATA);
+    EXPECT_EQ(size, 4u);
+    EXPECT_EQ(std::string(text, 2), std::string(2, '\0'));
+    LSTATUS status = ERROR_SUCCESS;
+    EXPECT_EQ(GetValue(Base(), nullptr, "Bare", RRF_RT_REG_SZ, &type, &status),
+              std::string("abc", 4));
+
+    EXPECT_EQ(GetValue(Base(), nullptr, "Expand", RRF_RT_REG_SZ, &type, &status),
+              std::string(std::getenv("PATH")) + ";%KW_NO_SUCH_VARIABLE%" + '\0');
+    EXPECT_EQ(type, static_cast<DWORD>(REG_SZ));
+    EXPECT_EQ(
+        GetValue(Base(), nullptr, "Expand", RRF_RT_REG_EXPAND_SZ | RRF_NOEXPAND, &type, &status),
+        unexpanded);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_EXPAND_SZ));
+    GetValue(Base(), nullptr, "Expand", RRF_RT_REG_SZ | RRF_NOEXPAND, &type, &status);
+    EXPECT_EQ(status, ERROR_UNSUPPORTED_TYPE);
+}
+
+TEST_F(RegistryTest, SetKeyValueCreatesTheKeyPathAndSetsTheValue) {
+    const std::string width("\x80\x02\0\0", 4);
+    ASSERT_EQ(RegSetKeyValueA(Base(), "New\\Path", "Width", REG_DWORD, width.data(), 4),
+              ERROR_SUCCESS);
+    CKeyHandle key;
+    ASSERT_EQ(OpenKey(Base(), "new\\path", key), ERROR_SUCCESS);
+    DWORD type = 0;
+    EXPECT_EQ(GetBytes(key.Get(), "Width", &type), width);
+    EXPECT_EQ(type, static_cast<DWORD>(REG_DWORD));
+    EXPECT_EQ(RegSetKeyValueA(Base(), "NEW\\Path", "Width", REG_SZ, "x", 2), ERROR_SUCCESS);
+    EXPECT_EQ(GetBytes(key.Get(), "Width"), std::string("x", 2));
+    EXPECT_EQ(RegSetKeyValueA(key.Get(), nullptr, "Own", REG_BINARY, "ab", 2), ERROR_SUCCESS);
+    EXPECT_EQ(GetBytes(key.Get(), "Own"), "ab");
+
+    CKeyHandle readOnly;
+    ASSERT_EQ(OpenKey(Base(), "New", readOnly, KEY_QUERY_VALUE), ERROR_SUCCESS);
+    EXPECT_EQ(RegSetKeyValueA(readOnly.Get(), "", "v", REG_BINARY, "ab", 2), ERROR_ACCESS_DENIED);
+    CKeyHandle volatileKey;
+    ASSERT_EQ(CreateKey(Base(), "Volatile", volatileKey, REG_OPTION_VOLATILE), ERROR_SUCCESS);
+    EXPECT_EQ(RegSetKeyValueA(Base(), "Volatile\\Child", "v", REG_BINARY, "ab", 2),
+              ERROR_CHILD_MUST_BE_VOLATILE);
+    EXPECT_EQ(SubKeyNames(volatileKey.Get()), Names{});
 }
 
 }  // namespace

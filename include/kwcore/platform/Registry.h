@@ -53,11 +53,30 @@ KWCORE_API LSTATUS RegCreateKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD Reserved, L
 KWCORE_API LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD Reserved, DWORD dwType,
                                   const BYTE* lpData, DWORD cbData);
 
+// Sets a value of the key lpSubKey below hkey (null or "" sets it on hkey,
+// which then needs KEY_SET_VALUE), creating the key and any missing key
+// above it first, as RegCreateKeyExA would, without opening a handle.
+KWCORE_API LSTATUS RegSetKeyValueA(HKEY hKey, LPCSTR lpSubKey, LPCSTR lpValueName, DWORD dwType,
+                                   LPCVOID lpData, DWORD cbData);
+
 // Reads a value: its type, and its bytes when lpData is not null. *lpcbData
 // holds the buffer size and receives the value's size; a buffer too small
 // gives ERROR_MORE_DATA and the size needed.
 KWCORE_API LSTATUS RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWORD lpReserved,
                                     LPDWORD lpType, LPBYTE lpData, LPDWORD lpcbData);
+
+// Reads the value lpValue of the key lpSubKey below hkey (null or "" reads
+// from hkey, which then needs KEY_QUERY_VALUE) without opening a handle.
+// dwFlags names the types accepted (RRF_RT_*; another gives
+// ERROR_UNSUPPORTED_TYPE, and a REG_BINARY of the wrong size for RRF_RT_DWORD
+// or RRF_RT_QWORD ERROR_DATATYPE_MISMATCH). A REG_EXPAND_SZ is returned
+// expanded, as REG_SZ, unless RRF_NOEXPAND is given; asking for
+// RRF_RT_REG_EXPAND_SZ without it is ERROR_INVALID_PARAMETER. Strings always
+// end in their terminators, counted in the size. The size protocol is
+// RegQueryValueExA's; RRF_ZEROONFAILURE zeroes the buffer after a failure.
+// A missing key or value is ERROR_FILE_NOT_FOUND.
+KWCORE_API LSTATUS RegGetValueA(HKEY hkey, LPCSTR lpSubKey, LPCSTR lpValue, DWORD dwFlags,
+                                LPDWORD pdwType, PVOID pvData, LPDWORD pcbData);
 
 // The key's sub-key and value counts, its longest sub-key name, value name
 // (in characters, without the terminator) and value data (in bytes), and

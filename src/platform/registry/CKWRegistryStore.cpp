@@ -14,6 +14,9 @@ constexpr const char* kSelectSubKey =
 constexpr const char* kInsertKey =
     "INSERT INTO keys(parent, name, fold, boot, written) VALUES(?1, ?2, ?3, ?4, ?5)";
 constexpr const char* kTouchKey = "UPDATE keys SET written = ?2 WHERE id = ?1";
+// The keys given as a JSON array of IDs.
+constexpr const char* kTouchKeys =
+    "UPDATE keys SET written = ?2 WHERE id IN (SELECT value FROM json_each(?1))";
 constexpr const char* kSelectParent = "SELECT parent FROM keys WHERE id = ?1";
 constexpr const char* kSelectAnySubKey = "SELECT 1 FROM keys WHERE parent = ?1 LIMIT 1";
 constexpr const char* kDeleteValuesOfKey = "DELETE FROM vals WHERE key = ?1";
@@ -84,13 +87,31 @@ constexpr std::size_t kMaxCursors = 64;
 }  // namespace
 
 LSTATUS CKWRegistryStore::CheckKey(KWRegistryKeyId key, bool& isVolatile) {
+    const bool isInBatch = m_database.IsInBatch();
+    if (isInBatch) {
+        const auto checked = m_checkedInBatch.find(key);
+        if (checked != m_checkedInBatch.end()) {
+            isVolatile = checked->second;
+            return ERROR_SUCCESS;
+        }
+    }
     CKWSqlQuery query(m_database.Connection(), kSelectKey);
     query.Bind(1, key);
     if (const LSTATUS status = StepOneRow(query, ERROR_KEY_DELETED); status != ERROR_SUCCESS) {
         return status;
     }
     isVolatile = query.Integer(0) != 0;
+    if (isInBatch) {
+        m_checkedInBatch.emplace(key, isVolatile);
+    }
     return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::ForgetCheckedOnFailure(LSTATUS status) {
+    if (status != ERROR_SUCCESS && m_database.IsInBatch()) {
+        m_checkedInBatch.clear();
+    }
+    return status;
 }
 
 LSTATUS CKWRegistryStore::FindSubKey(KWRegistryKeyId parent, std::string_view name,
@@ -154,6 +175,7 @@ LSTATUS CKWRegistryStore::DeleteKey(KWRegistryKeyId key) {
         }
     }
     m_subKeyCache.clear();
+    m_checkedInBatch.clear();
     for (const char* sql : {kDeleteValuesOfKey, kDeleteKey}) {
         CKWSqlQuery remove(connection, sql);
         remove.Bind(1, key);
@@ -222,48 +244,67 @@ LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const std::vector<std::
     bool isCached = false;
     const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
         ForgetChanged(change);
-        key = base;
-        for (const std::string_view name : names) {
-            MakeCacheKey(key, name, m_lookupKey);
-            const auto found = m_subKeyCache.find(m_lookupKey);
-            if (found == m_subKeyCache.end()) {
-                return ERROR_SUCCESS;
-            }
-            key = found->second;
-        }
-        isCached = !names.empty();
+        isCached = !names.empty() && LookUpPath(base, names, key);
         return ERROR_SUCCESS;
     });
     if (peeked != ERROR_SUCCESS || isCached) {
         return peeked;
     }
-    return m_database.Read([&] {
-        bool isVolatile = false;
-        LSTATUS status = CheckKey(base, isVolatile);
-        key = base;
-        for (std::size_t i = 0; status == ERROR_SUCCESS && i < names.size(); ++i) {
-            KWRegistryKeyId child = 0;
-            status = FindSubKey(key, names[i], child, isVolatile);
-            if (status == ERROR_SUCCESS) {
-                CacheSubKey(key, names[i], child);
-                key = child;
-            }
-        }
-        return status;
-    });
+    return m_database.Read([&] { return WalkPathCaching(base, names, key); });
 }
 
 LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
                                     std::shared_ptr<const SKWRegistryValue>& value) {
-    std::string cacheKey;
+    return ReadValueOf(key, {}, name, nullptr, value);
+}
+
+LSTATUS CKWRegistryStore::ReadPathValue(KWRegistryKeyId base, const char* path,
+                                        std::string_view name,
+                                        std::shared_ptr<const SKWRegistryValue>& value) {
+    // Only a path that was split without fault is ever kept.
+    const bool byPath = path != nullptr && path[0] != '\0';
+    if (byPath) {
+        const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+            ForgetChanged(change);
+            MakePathValueKey(base, path, name, m_lookupKey);
+            const auto found = m_pathValueCache.find(m_lookupKey);
+            if (found != m_pathValueCache.end()) {
+                value = found->second;
+            }
+            return ERROR_SUCCESS;
+        });
+        if (peeked != ERROR_SUCCESS || value != nullptr) {
+            return peeked;
+        }
+    }
+    std::vector<std::string_view> names;
+    const LSTATUS split = kwRegistryNames::SplitKeyPath(path, names);
+    if (split != ERROR_SUCCESS) {
+        return split;
+    }
+    std::string pathKey;
+    if (byPath) {
+        MakePathValueKey(base, path, name, pathKey);
+    }
+    return ReadValueOf(base, names, name, byPath ? &pathKey : nullptr, value);
+}
+
+LSTATUS CKWRegistryStore::ReadValueOf(KWRegistryKeyId base,
+                                      const std::vector<std::string_view>& names,
+                                      std::string_view name, const std::string* pathKey,
+                                      std::shared_ptr<const SKWRegistryValue>& value) {
+    // A cached value vouches for its key as a cached path does: the caches
+    // are emptied by any change that could remove either.
     const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
         ForgetChanged(change);
-        MakeCacheKey(key, name, m_lookupKey);
-        const auto found = m_valueCache.find(m_lookupKey);
-        if (found != m_valueCache.end()) {
-            value = found->second;
-        } else {
-            cacheKey = m_lookupKey;
+        KWRegistryKeyId key = 0;
+        if (LookUpPath(base, names, key)) {
+            MakeCacheKey(key, name, m_lookupKey);
+            const auto found = m_valueCache.find(m_lookupKey);
+            if (found != m_valueCache.end()) {
+                value = found->second;
+                CacheValueByPath(pathKey, value);
+            }
         }
         return ERROR_SUCCESS;
     });
@@ -271,9 +312,9 @@ LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
         return peeked;
     }
     return m_database.Read([&] {
-        bool isVolatile = false;
+        KWRegistryKeyId key = 0;
         auto read = std::make_shared<SKWRegistryValue>();
-        LSTATUS status = CheckKey(key, isVolatile);
+        LSTATUS status = WalkPathCaching(base, names, key);
         if (status == ERROR_SUCCESS) {
             status = GetValue(key, name, *read);
         }
@@ -282,9 +323,43 @@ LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
         }
         read->name.clear();
         value = read;
+        std::string cacheKey;
+        MakeCacheKey(key, name, cacheKey);
         CacheValue(std::move(cacheKey), value);
+        CacheValueByPath(pathKey, value);
         return status;
     });
+}
+
+bool CKWRegistryStore::LookUpPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                                  KWRegistryKeyId& key) {
+    key = base;
+    for (const std::string_view name : names) {
+        MakeCacheKey(key, name, m_lookupKey);
+        const auto found = m_subKeyCache.find(m_lookupKey);
+        if (found == m_subKeyCache.end()) {
+            return false;
+        }
+        key = found->second;
+    }
+    return true;
+}
+
+LSTATUS CKWRegistryStore::WalkPathCaching(KWRegistryKeyId base,
+                                          const std::vector<std::string_view>& names,
+                                          KWRegistryKeyId& key) {
+    bool isVolatile = false;
+    LSTATUS status = CheckKey(base, isVolatile);
+    key = base;
+    for (std::size_t i = 0; status == ERROR_SUCCESS && i < names.size(); ++i) {
+        KWRegistryKeyId child = 0;
+        status = FindSubKey(key, names[i], child, isVolatile);
+        if (status == ERROR_SUCCESS) {
+            CacheSubKey(key, names[i], child);
+            key = child;
+        }
+    }
+    return status;
 }
 
 void CKWRegistryStore::MakeCacheKey(KWRegistryKeyId key, std::string_view name,
@@ -294,8 +369,31 @@ void CKWRegistryStore::MakeCacheKey(KWRegistryKeyId key, std::string_view name,
     kwRegistryNames::FoldNameInto(name, &cacheKey[sizeof key]);
 }
 
+void CKWRegistryStore::MakePathValueKey(KWRegistryKeyId base, std::string_view path,
+                                        std::string_view name, std::string& cacheKey) {
+    MakeCacheKey(base, path, cacheKey);
+    const std::size_t nameAt = cacheKey.size() + 1;
+    cacheKey.resize(nameAt + name.size());
+    cacheKey[nameAt - 1] = '\0';
+    kwRegistryNames::FoldNameInto(name, &cacheKey[nameAt]);
+}
+
+void CKWRegistryStore::CacheValueByPath(const std::string* pathKey, const CachedValue& value) {
+    // Only values the value cache holds, so both are bounded together.
+    if (pathKey == nullptr || value->data.size() > kMaxCachedValueSize) {
+        return;
+    }
+    if (m_pathValueCache.size() >= kMaxCachedSubKeys) {
+        m_pathValueCache.clear();
+    }
+    m_pathValueCache.emplace(*pathKey, value);
+}
+
 void CKWRegistryStore::ForgetChanged(CKWRegistryDatabase::EKWChange change) {
     // Emptying a map costs as much as its buckets, even when it holds nothing.
+    if (change != CKWRegistryDatabase::kUnchanged && !m_pathValueCache.empty()) {
+        m_pathValueCache.clear();
+    }
     if (change != CKWRegistryDatabase::kUnchanged && !m_valueCache.empty()) {
         m_valueCache.clear();
         m_valueCacheBytes = 0;
@@ -321,6 +419,7 @@ void CKWRegistryStore::CacheValue(std::string cacheKey, const CachedValue& value
     }
     const std::size_t size = cacheKey.size() + value->data.size();
     if (m_valueCacheBytes + size > kMaxValueCacheBytes) {
+        m_pathValueCache.clear();
         m_valueCache.clear();
         m_valueCacheBytes = 0;
     }
@@ -373,15 +472,25 @@ LSTATUS CKWRegistryStore::DeleteValue(KWRegistryKeyId key, std::string_view name
 
 LSTATUS CKWRegistryStore::EndBatch() {
     return m_database.EndBatch([&] {
-        LSTATUS status = ERROR_SUCCESS;
-        for (const KWRegistryKeyId key : m_touchedInBatch) {
-            if (status == ERROR_SUCCESS) {
-                status = TouchNow(key);
-            }
-        }
+        const LSTATUS status = m_touchedInBatch.empty() ? ERROR_SUCCESS : TouchAllNow();
         m_touchedInBatch.clear();
+        m_checkedInBatch.clear();
         return status;
     });
+}
+
+LSTATUS CKWRegistryStore::TouchAllNow() {
+    // One statement for all the keys rather than one for each.
+    std::string ids = "[";
+    for (const KWRegistryKeyId key : m_touchedInBatch) {
+        ids += std::to_string(key);
+        ids += ',';
+    }
+    ids.back() = ']';
+    CKWSqlQuery touch(m_database.Connection(), kTouchKeys);
+    touch.BindText(1, ids);
+    touch.Bind(2, FileTimeNow());
+    return Status(touch.Run());
 }
 
 LSTATUS CKWRegistryStore::Touch(KWRegistryKeyId key) {

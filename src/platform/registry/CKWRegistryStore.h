@@ -42,18 +42,21 @@ public:
     const std::string& GetPath() const { return m_database.GetPath(); }
 
     LSTATUS Read(const std::function<LSTATUS()>& work) { return m_database.Read(work); }
-    LSTATUS Write(const std::function<LSTATUS()>& work) { return m_database.Write(work); }
+    LSTATUS Write(const std::function<LSTATUS()>& work) {
+        return ForgetCheckedOnFailure(m_database.Write(work));
+    }
     // For work that makes one change at most (see CKWRegistryDatabase), such
     // as SetValue and DeleteValue.
     LSTATUS WriteOneChange(const std::function<LSTATUS()>& work) {
-        return m_database.WriteOneChange(work);
+        return ForgetCheckedOnFailure(m_database.WriteOneChange(work));
     }
     LSTATUS Flush() { return m_database.Flush(); }
     LSTATUS BeginBatch() { return m_database.BeginBatch(); }
     // Keys written in a batch are marked as changed once, when it commits.
     LSTATUS EndBatch();
 
-    // ERROR_KEY_DELETED when the key is gone.
+    // ERROR_KEY_DELETED when the key is gone. Inside a batch a key is
+    // looked up once: only the batch changes the store while it lasts.
     LSTATUS CheckKey(KWRegistryKeyId key, bool& isVolatile);
     // ERROR_FILE_NOT_FOUND when parent has no sub-key of that name.
     LSTATUS FindSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId& child,
@@ -81,6 +84,13 @@ public:
     // The value is shared with the cache, and holds no name.
     LSTATUS ReadValue(KWRegistryKeyId key, std::string_view name,
                       std::shared_ptr<const SKWRegistryValue>& value);
+    // The same for the key at path below base (a sub-key path as
+    // RegOpenKeyExA takes it), under one lock when this path and name were
+    // read before, or the path's keys and the value are cached, and nothing
+    // has been committed since; ERROR_FILE_NOT_FOUND also when a key on the
+    // way is missing, and the path's own codes.
+    LSTATUS ReadPathValue(KWRegistryKeyId base, const char* path, std::string_view name,
+                          std::shared_ptr<const SKWRegistryValue>& value);
     // ERROR_FILE_NOT_FOUND when there is no such value.
     LSTATUS GetValue(KWRegistryKeyId key, std::string_view name, SKWRegistryValue& value);
     // ERROR_NO_MORE_ITEMS past the last value.
@@ -100,9 +110,14 @@ private:
     };
     typedef std::unordered_map<KWRegistryKeyId, SKWEnumCursor> CursorMap;
 
+    // A failed write inside a batch may have undone keys checked in it.
+    LSTATUS ForgetCheckedOnFailure(LSTATUS status);
+
     // Marks the key as changed now; inside a batch, when it commits.
     LSTATUS Touch(KWRegistryKeyId key);
     LSTATUS TouchNow(KWRegistryKeyId key);
+    // Marks every key of m_touchedInBatch, which holds one at least.
+    LSTATUS TouchAllNow();
     // The cursor of key that stands just before index, or null.
     const SKWEnumCursor* CursorBefore(CursorMap& cursors, KWRegistryKeyId key, DWORD index);
     void KeepCursor(CursorMap& cursors, KWRegistryKeyId key, const SKWEnumCursor& cursor);
@@ -114,6 +129,23 @@ private:
     static void MakeCacheKey(KWRegistryKeyId key, std::string_view name, std::string& cacheKey);
     // Under the database's mutex: empties the caches that change outdates.
     void ForgetChanged(CKWRegistryDatabase::EKWChange change);
+    // ReadPathValue for the key that names lead to; a value it finds is also
+    // kept under pathKey unless that is null.
+    LSTATUS ReadValueOf(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                        std::string_view name, const std::string* pathKey,
+                        std::shared_ptr<const SKWRegistryValue>& value);
+    // The key of a value read by path: base's bytes, the folded path, a
+    // zero byte and the folded name.
+    static void MakePathValueKey(KWRegistryKeyId base, std::string_view path, std::string_view name,
+                                 std::string& cacheKey);
+    void CacheValueByPath(const std::string* pathKey, const CachedValue& value);
+    // Under the mutex: whether the cache of sub-keys holds every key on the
+    // path, and the last one.
+    bool LookUpPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                    KWRegistryKeyId& key);
+    // Inside a transaction: the key names lead to from base, cached on the way.
+    LSTATUS WalkPathCaching(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                            KWRegistryKeyId& key);
     void CacheValue(std::string cacheKey, const CachedValue& value);
     void CacheSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId child);
 
@@ -121,11 +153,15 @@ private:
     // Values read, valid while the database's Peek finds nothing changed.
     std::unordered_map<std::string, CachedValue> m_valueCache;
     std::size_t m_valueCacheBytes = 0;
+    // The values of m_valueCache again, by the path they were read by.
+    std::unordered_map<std::string, CachedValue> m_pathValueCache;
     // Sub-keys found, by parent and name; emptied also when a key is deleted.
     std::unordered_map<std::string, KWRegistryKeyId> m_subKeyCache;
     std::string m_lookupKey;  // reused for look-ups, under the mutex
-    // Keys the running batch changed.
+    // Keys the running batch changed, and the keys it found, with whether
+    // they are volatile.
     std::unordered_set<KWRegistryKeyId> m_touchedInBatch;
+    std::unordered_map<KWRegistryKeyId, bool> m_checkedInBatch;
     CursorMap m_subKeyCursors;
     CursorMap m_valueCursors;
     unsigned m_cursorsVersion = 0;

@@ -13,6 +13,8 @@ LSTATUS SplitKeyPath(const char* path, std::vector<std::string_view>& names) {
         return ERROR_BAD_PATHNAME;
     }
     const std::string_view rest(path);
+    // One allocation, not one per doubling: paths are walked at every call.
+    names.reserve(std::count(rest.begin(), rest.end(), '\\') + 1);
     std::size_t start = 0;
     while (start < rest.size()) {
         const std::size_t end = std::min(rest.find('\\', start), rest.size());

@@ -8,7 +8,10 @@
 #include "CKWRegistryHandles.h"
 #include "KWRegistryNames.h"
 
+#include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <string>
 #include <vector>
 
 namespace {
@@ -97,6 +100,95 @@ LSTATUS CopyValueData(const SKWRegistryValue& value, LPDWORD lpType, LPBYTE lpDa
     }
     *lpcbData = needed;
     return ERROR_SUCCESS;
+}
+
+// The RRF_RT_* flag that accepts type; types without one only RRF_RT_ANY.
+DWORD TypeFlag(DWORD type) {
+    switch (type) {
+        case REG_NONE:
+            return RRF_RT_REG_NONE;
+        case REG_SZ:
+            return RRF_RT_REG_SZ;
+        case REG_EXPAND_SZ:
+            return RRF_RT_REG_EXPAND_SZ;
+        case REG_BINARY:
+            return RRF_RT_REG_BINARY;
+        case REG_DWORD:
+            return RRF_RT_REG_DWORD;
+        case REG_MULTI_SZ:
+            return RRF_RT_REG_MULTI_SZ;
+        case REG_QWORD:
+            return RRF_RT_REG_QWORD;
+        default:
+            return RRF_RT_ANY;
+    }
+}
+
+// Whether the flags take a value of this type and size.
+LSTATUS CheckRestriction(DWORD flags, DWORD type, std::size_t size) {
+    const DWORD accepted = flags & RRF_RT_ANY;
+    if ((accepted & TypeFlag(type)) != TypeFlag(type)) {
+        return ERROR_UNSUPPORTED_TYPE;
+    }
+    // REG_BINARY stands in for a number only with the number's size.
+    if (type == REG_BINARY && accepted != RRF_RT_ANY) {
+        if (((accepted & RRF_RT_DWORD) == RRF_RT_DWORD && size != sizeof(DWORD)) ||
+            ((accepted & RRF_RT_QWORD) == RRF_RT_QWORD && size != sizeof(ULONGLONG))) {
+            return ERROR_DATATYPE_MISMATCH;
+        }
+    }
+    return ERROR_SUCCESS;
+}
+
+// The text with every %NAME% of a set environment variable replaced by its
+// value; others stay as they are.
+std::string ExpandEnvironment(const std::string& text) {
+    std::string expanded;
+    std::size_t at = 0;
+    while (at < text.size()) {
+        const std::size_t open = text.find('%', at);
+        const std::size_t close = open == std::string::npos ? open : text.find('%', open + 1);
+        if (close == std::string::npos) {
+            break;
+        }
+        const char* variable = std::getenv(text.substr(open + 1, close - open - 1).c_str());
+        expanded.append(text, at, open - at);
+        if (variable != nullptr && close > open + 1) {
+            expanded += variable;
+            at = close + 1;
+        } else {
+            expanded += '%';
+            at = open + 1;
+        }
+    }
+    return expanded.append(text, at, std::string::npos);
+}
+
+// String data ends in its terminators: one zero byte, two for a list.
+bool IsTerminated(DWORD type, const std::string& data) {
+    const std::size_t zeros = type == REG_MULTI_SZ ? 2 : 1;
+    return data.size() >= zeros &&
+           data.find_first_not_of('\0', data.size() - zeros) == std::string::npos;
+}
+
+// RegGetValueA's form of a value: expanded unless the flags keep it, and a
+// string terminated. Null when the value is returned as stored.
+std::unique_ptr<SKWRegistryValue> AdjustForGet(const SKWRegistryValue& value, DWORD flags) {
+    const bool expand = value.type == REG_EXPAND_SZ && (flags & RRF_NOEXPAND) == 0;
+    const bool isString =
+        value.type == REG_SZ || value.type == REG_EXPAND_SZ || value.type == REG_MULTI_SZ;
+    if (!expand && (!isString || IsTerminated(value.type, value.data))) {
+        return nullptr;
+    }
+    auto adjusted = std::make_unique<SKWRegistryValue>(value);
+    if (expand) {
+        adjusted->data = ExpandEnvironment(adjusted->data.substr(0, adjusted->data.find('\0')));
+        adjusted->type = REG_SZ;
+    }
+    while (!IsTerminated(adjusted->type, adjusted->data)) {
+        adjusted->data += '\0';
+    }
+    return adjusted;
 }
 
 // Copies a name with its terminator when it fits in *count characters (the
@@ -217,6 +309,47 @@ LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD /*Reserved*/, DWORD 
     });
 }
 
+LSTATUS RegSetKeyValueA(HKEY hKey, LPCSTR lpSubKey, LPCSTR lpValueName, DWORD dwType,
+                        LPCVOID lpData, DWORD cbData) {
+    SKWOpenKey key;
+    LSTATUS status = Handles().Resolve(hKey, key);
+    KeyNames names;
+    if (status == ERROR_SUCCESS) {
+        status = SplitKeyPath(lpSubKey, names);
+    }
+    if (status == ERROR_SUCCESS && names.empty() && !Grants(key, KEY_SET_VALUE)) {
+        status = ERROR_ACCESS_DENIED;
+    }
+    KWRegistryKeyId target = key.key;
+    if (status == ERROR_SUCCESS && !names.empty()) {
+        status = key.store->FindPath(key.key, names, target);
+        if (status == ERROR_FILE_NOT_FOUND) {
+            bool created = false;
+            status = key.store->Write(
+                [&] { return WalkPathCreating(key, names, false, target, created); });
+        }
+    }
+    key.key = target;
+    // As on Windows, the key is there even when the value is refused.
+    std::string_view name;
+    if (status == ERROR_SUCCESS) {
+        status = CheckValueName(lpValueName, name);
+    }
+    if (status == ERROR_SUCCESS && lpData == nullptr && cbData != 0) {
+        status = ERROR_NOACCESS;
+    }
+    if (status != ERROR_SUCCESS) {
+        return status;
+    }
+    return key.store->WriteOneChange([&] {
+        const LSTATUS checked = CheckKey(key);
+        return checked != ERROR_SUCCESS
+                   ? checked
+                   : key.store->SetValue(key.key, name, dwType, static_cast<const BYTE*>(lpData),
+                                         cbData);
+    });
+}
+
 LSTATUS RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWORD lpReserved, LPDWORD lpType,
                          LPBYTE lpData, LPDWORD lpcbData) {
     if (lpReserved != nullptr || (lpData != nullptr && lpcbData == nullptr)) {
@@ -232,6 +365,42 @@ LSTATUS RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWORD lpReserved, LPDW
     std::shared_ptr<const SKWRegistryValue> value;
     status = key.store->ReadValue(key.key, name, value);
     return status != ERROR_SUCCESS ? status : CopyValueData(*value, lpType, lpData, lpcbData);
+}
+
+LSTATUS RegGetValueA(HKEY hkey, LPCSTR lpSubKey, LPCSTR lpValue, DWORD dwFlags, LPDWORD pdwType,
+                     PVOID pvData, LPDWORD pcbData) {
+    const DWORD accepted = dwFlags & RRF_RT_ANY;
+    if ((pvData != nullptr && pcbData == nullptr) ||
+        ((accepted & RRF_RT_REG_EXPAND_SZ) != 0 && (dwFlags & RRF_NOEXPAND) == 0 &&
+         accepted != RRF_RT_ANY)) {
+        return ERROR_INVALID_PARAMETER;
+    }
+    const DWORD capacity = pcbData != nullptr ? *pcbData : 0;
+    SKWOpenKey base;
+    LSTATUS status = Handles().Resolve(hkey, base);
+    const bool onHandle = lpSubKey == nullptr || lpSubKey[0] == '\0';
+    if (status == ERROR_SUCCESS && onHandle && !Grants(base, KEY_QUERY_VALUE)) {
+        status = ERROR_ACCESS_DENIED;
+    }
+    std::shared_ptr<const SKWRegistryValue> value;
+    if (status == ERROR_SUCCESS) {
+        status =
+            base.store->ReadPathValue(base.key, lpSubKey, lpValue != nullptr ? lpValue : "", value);
+    }
+    if (status == ERROR_SUCCESS) {
+        const std::unique_ptr<SKWRegistryValue> adjusted = AdjustForGet(*value, dwFlags);
+        const SKWRegistryValue& got = adjusted != nullptr ? *adjusted : *value;
+        status = CheckRestriction(dwFlags, got.type, got.data.size());
+        const LSTATUS copied = CopyValueData(
+            got, pdwType, status == ERROR_SUCCESS ? static_cast<LPBYTE>(pvData) : nullptr, pcbData);
+        if (status == ERROR_SUCCESS) {
+            status = copied;
+        }
+    }
+    if (status != ERROR_SUCCESS && pvData != nullptr && (dwFlags & RRF_ZEROONFAILURE) != 0) {
+        std::memset(pvData, 0, capacity);
+    }
+    return status;
 }
 
 LSTATUS RegQueryInfoKeyA(HKEY hKey, LPSTR lpClass, LPDWORD lpcchClass, LPDWORD /*lpReserved*/,
