@@ -18,18 +18,6 @@
 
 namespace {
 
-// Runs body in a child process; its result is the child's exit code, -1 when
-// the child did not exit normally.
-int RunInChild(const std::function<int()>& body) {
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(body());
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 // How many values of that name the store's file holds, as another program
 // reading it would count them.
 int CountValuesNamed(const CTempRegistry& registry, const char* name) {

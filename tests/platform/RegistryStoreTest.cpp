@@ -20,18 +20,6 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-// Runs body in a child process; its result is the child's exit code, -1 when
-// the child did not exit normally.
-int RunInChild(const std::function<int()>& body) {
-    const pid_t child = fork();
-    if (child == 0) {
-        _exit(body());
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 // Runs SQL on the store's file directly, as another program would.
 class CDirectConnection {
 public:

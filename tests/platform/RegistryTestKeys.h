@@ -8,8 +8,14 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
+
+#if !defined(_WIN32)
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 // An open key, closed when it goes.
 class CKeyHandle {
@@ -95,6 +101,20 @@ inline std::vector<std::string> ValueNames(HKEY key) {
     }
     return names;
 }
+
+#if !defined(_WIN32)
+// Runs body in a child process; its result is the child's exit code, -1 when
+// the child did not exit normally.
+inline int RunInChild(const std::function<int()>& body) {
+    const pid_t child = fork();
+    if (child == 0) {
+        _exit(body());
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+#endif
 
 // Every registry test works in a registry, and below a key, of its own.
 class RegistryTest : public ::testing::Test {

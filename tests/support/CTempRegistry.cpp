@@ -51,6 +51,18 @@ std::filesystem::path CTempRegistry::GetStorePath() const {
 
 #endif  // _WIN32
 
+HKEY CTempRegistry::CreateKey(const std::string& subPath) const {
+    HKEY key = nullptr;
+    RegCreateKeyExA(HKEY_CURRENT_USER, (m_keyPath + subPath).c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
+                    nullptr, &key, nullptr);
+    return key;
+}
+
+LSTATUS SetRawValue(HKEY key, const char* name, DWORD type, const std::string& bytes) {
+    return RegSetValueExA(key, name, 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
+                          static_cast<DWORD>(bytes.size()));
+}
+
 LSTATUS DeleteKeyTree(HKEY parent, const char* subKey) {
     HKEY key = nullptr;
     LSTATUS status = RegOpenKeyExA(parent, subKey, 0, KEY_READ, &key);

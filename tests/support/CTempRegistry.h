@@ -29,6 +29,9 @@ public:
     const std::string& GetKeyPath() const { return m_keyPath; }
     // The store's file on Linux (made on first use); empty on Windows.
     std::filesystem::path GetStorePath() const;
+    // Creates (or opens) GetKeyPath() followed by subPath below
+    // HKEY_CURRENT_USER with all access; null when that fails.
+    HKEY CreateKey(const std::string& subPath) const;
 
 private:
     std::string m_keyPath;
@@ -39,3 +42,6 @@ private:
 // Deletes subKey below parent with every key below it; the first failure, or
 // ERROR_SUCCESS.
 LSTATUS DeleteKeyTree(HKEY parent, const char* subKey);
+
+// Sets the value name of key to type and the bytes as they are.
+LSTATUS SetRawValue(HKEY key, const char* name, DWORD type, const std::string& bytes);

@@ -17,17 +17,10 @@ protected:
     void TearDown() override { RegCloseKey(m_key); }
 
     // Creates the key at the temporary key path followed by subPath.
-    HKEY CreateKey(const std::string& subPath) {
-        HKEY key = nullptr;
-        RegCreateKeyExA(HKEY_CURRENT_USER, (m_temp.GetKeyPath() + subPath).c_str(), 0, nullptr, 0,
-                        KEY_ALL_ACCESS, nullptr, &key, nullptr);
-        return key;
-    }
+    HKEY CreateKey(const std::string& subPath) { return m_temp.CreateKey(subPath); }
 
     static void SetValue(HKEY key, const char* name, DWORD type, const std::string& bytes) {
-        ASSERT_EQ(RegSetValueExA(key, name, 0, type, reinterpret_cast<const BYTE*>(bytes.data()),
-                                 static_cast<DWORD>(bytes.size())),
-                  ERROR_SUCCESS);
+        ASSERT_EQ(SetRawValue(key, name, type, bytes), ERROR_SUCCESS);
     }
 
     static std::string Bytes(int count) {
