@@ -441,12 +441,7 @@ LSTATUS RegEnumKeyExA(HKEY hKey, DWORD dwIndex, LPSTR lpName, LPDWORD lpcchName,
     std::string name;
     ULONGLONG lastWriteTime = 0;
     if (status == ERROR_SUCCESS) {
-        status = key.store->Read([&] {
-            const LSTATUS checked = CheckKey(key);
-            return checked != ERROR_SUCCESS
-                       ? checked
-                       : key.store->GetSubKeyAt(key.key, dwIndex, name, lastWriteTime);
-        });
+        status = key.store->EnumSubKey(key.key, dwIndex, name, lastWriteTime);
     }
     if (status == ERROR_SUCCESS) {
         status = CopyName(name, lpName, lpcchName);
