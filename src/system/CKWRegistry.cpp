@@ -56,12 +56,6 @@ CString StringFromBytes(const BYTE* data, size_t size) {
     return CString(text, static_cast<int>(std::find(text, text + size, '\0') - text));
 }
 
-std::vector<BYTE> BytesOfDword(DWORD value) {
-    std::vector<BYTE> bytes(sizeof value);
-    std::memcpy(bytes.data(), &value, sizeof value);
-    return bytes;
-}
-
 }  // namespace
 
 CKWRegistry::CKWRegistry()
@@ -149,27 +143,30 @@ _EKWRegistryErrors CKWRegistry::ReadValue(const CString& keyPath, const CString&
 }
 
 _EKWRegistryErrors CKWRegistry::WriteValue(const CString& keyPath, const CString& valueName,
-                                           HKEY base, DWORD type,
-                                           const std::vector<BYTE>& data) const {
+                                           HKEY base, DWORD type, const void* data,
+                                           DWORD size) const {
     if (!IsInitialized()) {
         return KW_REGISTRY_NOT_INITIALIZED;
     }
     // One call, which creates the key when it is missing. A base handle
     // without the right to set values of its own needs one opened for it.
     const HKEY from = base != nullptr ? base : m_hSoftwareKey;
-    LSTATUS status = RegSetKeyValueA(from, keyPath, valueName, type, data.data(),
-                                     static_cast<DWORD>(data.size()));
+    LSTATUS status = RegSetKeyValueA(from, keyPath, valueName, type, data, size);
     if (status == ERROR_ACCESS_DENIED) {
         HKEY key = nullptr;
         status = RegCreateKeyExA(from, keyPath, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                                  nullptr, &key, nullptr);
         if (status == ERROR_SUCCESS) {
-            status = RegSetValueExA(key, valueName, 0, type, data.data(),
-                                    static_cast<DWORD>(data.size()));
+            status = RegSetValueExA(key, valueName, 0, type, static_cast<const BYTE*>(data), size);
             RegCloseKey(key);
         }
     }
     return status == ERROR_SUCCESS ? KW_REGISTRY_SUCCESS : KW_REGISTRY_CALL_FAILED;
+}
+
+_EKWRegistryErrors CKWRegistry::WriteDword(const CString& keyPath, const CString& valueName,
+                                           HKEY base, DWORD value) const {
+    return WriteValue(keyPath, valueName, base, REG_DWORD, &value, sizeof value);
 }
 
 template <class Integer>
@@ -288,29 +285,29 @@ _EKWRegistryErrors CKWRegistry::GetStringValueFromReg(HKEY key, CString valueNam
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, int value,
                                             HKEY base) {
-    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+    return WriteDword(keyPath, valueName, base, static_cast<DWORD>(value));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, unsigned long value,
                                             HKEY base) {
-    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+    return WriteDword(keyPath, valueName, base, static_cast<DWORD>(value));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, long value,
                                             HKEY base) {
-    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+    return WriteDword(keyPath, valueName, base, static_cast<DWORD>(value));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, unsigned int value,
                                             HKEY base) {
-    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+    return WriteDword(keyPath, valueName, base, static_cast<DWORD>(value));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, CString value,
                                             HKEY base) {
     const char* text = value;
-    return WriteValue(keyPath, valueName, base, REG_SZ,
-                      std::vector<BYTE>(text, text + value.GetLength() + 1));
+    return WriteValue(keyPath, valueName, base, REG_SZ, text,
+                      static_cast<DWORD>(value.GetLength() + 1));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName,
@@ -321,5 +318,6 @@ _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName,
         data.insert(data.end(), bytes, bytes + text.GetLength() + 1);
     }
     data.insert(data.end(), 2, 0);
-    return WriteValue(keyPath, valueName, base, REG_MULTI_SZ, data);
+    return WriteValue(keyPath, valueName, base, REG_MULTI_SZ, data.data(),
+                      static_cast<DWORD>(data.size()));
 }
