@@ -247,8 +247,14 @@ LSTATUS CKWRegistryStore::ReadSubKeyList(KWRegistryKeyId key, SubKeyList& list) 
 }
 
 void CKWRegistryStore::CacheSubKeyList(KWRegistryKeyId key, const SubKeyList& list) {
+    // A key without sub-keys is enumerated with one call, and an export
+    // walks many of them while it enumerates their parent: keeping them
+    // would push the parent's list out.
+    if (list->empty()) {
+        return;
+    }
     if (m_subKeyLists.size() >= kMaxCursors) {
-        m_subKeyLists.clear();
+        m_subKeyLists.erase(m_subKeyLists.begin());
     }
     m_subKeyLists[key] = list;
 }
