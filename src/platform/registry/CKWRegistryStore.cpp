@@ -288,6 +288,32 @@ LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const std::vector<std::
     return m_database.Read([&] { return WalkPathCaching(base, names, key); });
 }
 
+LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const char* path,
+                                   std::vector<std::string_view>& names, KWRegistryKeyId& key) {
+    bool isCached = false;
+    if (path != nullptr && path[0] != '\0') {
+        const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+            ForgetChanged(change);
+            MakeCacheKey(base, path, m_lookupKey);
+            const auto found = m_pathKeyCache.find(m_lookupKey);
+            isCached = found != m_pathKeyCache.end();
+            if (isCached) {
+                key = found->second;
+            }
+            return ERROR_SUCCESS;
+        });
+        if (peeked != ERROR_SUCCESS || isCached) {
+            return peeked;
+        }
+    }
+    const LSTATUS split = kwRegistryNames::SplitKeyPath(path, names);
+    if (split != ERROR_SUCCESS || names.empty()) {
+        key = base;
+        return split;
+    }
+    return FindPath(base, names, key);
+}
+
 LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
                                     std::shared_ptr<const SKWRegistryValue>& value) {
     return ReadValueOf(key, {}, name, nullptr, value);
@@ -397,17 +423,20 @@ void CKWRegistryStore::MakePathKey(KWRegistryKeyId base, const std::vector<std::
     }
     cacheKey.resize(size);
     std::memcpy(&cacheKey[0], &base, sizeof base);
+    cacheKey.pop_back();  // no backslash before the first name
     std::size_t at = sizeof base;
     for (const std::string_view name : names) {
-        cacheKey[at] = '\\';
-        kwRegistryNames::FoldNameInto(name, &cacheKey[at + 1]);
-        at += 1 + name.size();
+        if (at > sizeof base) {
+            cacheKey[at++] = '\\';
+        }
+        kwRegistryNames::FoldNameInto(name, &cacheKey[at]);
+        at += name.size();
     }
 }
 
 void CKWRegistryStore::CachePath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
                                  KWRegistryKeyId key) {
-    if (names.size() < 2) {
+    if (names.empty()) {
         return;
     }
     if (m_pathKeyCache.size() >= kMaxCachedSubKeys) {

@@ -81,6 +81,12 @@ public:
     // is gone, ERROR_FILE_NOT_FOUND when a key on the way is missing.
     LSTATUS FindPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
                      KWRegistryKeyId& key);
+    // The same for a sub-key path as RegOpenKeyExA takes it: a path found
+    // before is known by its text and needs no splitting; else path is split
+    // into names (see kwRegistryNames::SplitKeyPath), which stay empty on a
+    // hit. Empty names give base itself, unchecked.
+    LSTATUS FindPath(KWRegistryKeyId base, const char* path, std::vector<std::string_view>& names,
+                     KWRegistryKeyId& key);
     // A value of a key, in a transaction of its own: from the cache of values
     // read before while nothing has been committed since, else from the
     // database. ERROR_KEY_DELETED, ERROR_FILE_NOT_FOUND as below.
@@ -159,8 +165,9 @@ private:
                             KWRegistryKeyId& key);
     void CacheValue(std::string cacheKey, const CachedValue& value);
     void CacheSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId child);
-    // The path cache's key: base's bytes and the folded names, each after a
-    // backslash, written over cacheKey.
+    // The path cache's key: base's bytes and the folded names joined by
+    // backslashes, written over cacheKey; so a path's own text, folded,
+    // finds it.
     static void MakePathKey(KWRegistryKeyId base, const std::vector<std::string_view>& names,
                             std::string& cacheKey);
     void CachePath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
@@ -176,7 +183,7 @@ private:
     std::unordered_map<std::string, CachedValue> m_pathValueCache;
     // Sub-keys found, by parent and name; emptied also when a key is deleted.
     std::unordered_map<std::string, KWRegistryKeyId> m_subKeyCache;
-    // Keys found by a path of more than one name, emptied with m_subKeyCache.
+    // Keys found by a path, emptied with m_subKeyCache.
     std::unordered_map<std::string, KWRegistryKeyId> m_pathKeyCache;
     // Sub-keys of keys enumerated, emptied by any change.
     std::unordered_map<KWRegistryKeyId, SubKeyList> m_subKeyLists;
