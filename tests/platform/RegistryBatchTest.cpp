@@ -407,4 +407,22 @@ TEST_F(RegistryTest, InsideABatchEnumerationsAndPathsFollowTheBatchsOwnChanges) 
     EXPECT_EQ(read("P\\Q\\S"), 2);
 }
 
+TEST_F(RegistryTest, ASetByPathFindsTheKeySetBeforeWhateverFormItsPathTakes) {
+    const auto set = [&](const char* path, DWORD value) {
+        return RegSetKeyValueA(Base(), path, "v", REG_DWORD, &value, sizeof value);
+    };
+    ASSERT_EQ(set("Deep\\Key", 1), ERROR_SUCCESS);
+    ASSERT_EQ(set("Deep\\Key", 2), ERROR_SUCCESS);
+    ASSERT_EQ(set("dEEP\\kEY", 3), ERROR_SUCCESS);
+    ASSERT_EQ(set("Deep\\\\Key\\", 4), ERROR_SUCCESS);
+    EXPECT_EQ(set("\\Deep\\Key", 5), ERROR_BAD_PATHNAME);
+    EXPECT_EQ(set("Deep\\KeyX", 6), ERROR_SUCCESS);
+    CKeyHandle deep;
+    ASSERT_EQ(OpenKey(Base(), "Deep", deep), ERROR_SUCCESS);
+    EXPECT_EQ(SubKeyNames(deep.Get()), (std::vector<std::string>{"Key", "KeyX"}));
+    CKeyHandle key;
+    ASSERT_EQ(OpenKey(deep.Get(), "Key", key), ERROR_SUCCESS);
+    EXPECT_EQ(GetDword(key.Get(), "v"), 4u);
+}
+
 #endif  // !_WIN32
