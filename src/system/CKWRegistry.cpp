@@ -19,12 +19,14 @@ constexpr int kMaxReadAttempts = 4;
 template <class Read>
 _EKWRegistryErrors ReadSized(Read read, DWORD expectedType, std::vector<BYTE>& data,
                              LSTATUS& status) {
-    // One spare byte, so the buffer is never null and a string always ends.
-    std::vector<BYTE> buffer(kFirstReadSize + 1, 0);
+    // The first read goes to the stack; only what was read is copied out.
+    BYTE first[kFirstReadSize];
     DWORD type = REG_NONE;
     DWORD size = kFirstReadSize;
-    status = read(&type, buffer.data(), &size);
-    // A value that another writer keeps growing is given up on.
+    status = read(&type, first, &size);
+    std::vector<BYTE> buffer;
+    // A value that another writer keeps growing is given up on. One spare
+    // byte, so the buffer is never null.
     for (int attempt = 0; status == ERROR_MORE_DATA && attempt < kMaxReadAttempts; ++attempt) {
         buffer.assign(size + 1, 0);
         status = read(&type, buffer.data(), &size);
@@ -35,8 +37,12 @@ _EKWRegistryErrors ReadSized(Read read, DWORD expectedType, std::vector<BYTE>& d
     if (type != expectedType) {
         return KW_REGISTRY_WRONG_TYPE;
     }
-    buffer.resize(size);
-    data = std::move(buffer);
+    if (buffer.empty()) {
+        data.assign(first, first + size);
+    } else {
+        buffer.resize(size);
+        data = std::move(buffer);
+    }
     return KW_REGISTRY_SUCCESS;
 }
 
