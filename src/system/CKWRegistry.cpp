@@ -19,12 +19,14 @@ constexpr int kMaxReadAttempts = 4;
 template <class Read>
 _EKWRegistryErrors ReadSized(Read read, DWORD expectedType, std::vector<BYTE>& data,
                              LSTATUS& status) {
-    // One spare byte, so the buffer is never null and a string always ends.
-    std::vector<BYTE> buffer(kFirstReadSize + 1, 0);
+    // The first read goes to the stack; only what was read is copied out.
+    BYTE first[kFirstReadSize];
     DWORD type = REG_NONE;
     DWORD size = kFirstReadSize;
-    status = read(&type, buffer.data(), &size);
-    // A value that another writer keeps growing is given up on.
+    status = read(&type, first, &size);
+    std::vector<BYTE> buffer;
+    // A value that another writer keeps growing is given up on. One spare
+    // byte, so the buffer is never null.
     for (int attempt = 0; status == ERROR_MORE_DATA && attempt < kMaxReadAttempts; ++attempt) {
         buffer.assign(size + 1, 0);
         status = read(&type, buffer.data(), &size);
@@ -35,8 +37,12 @@ _EKWRegistryErrors ReadSized(Read read, DWORD expectedType, std::vector<BYTE>& d
     if (type != expectedType) {
         return KW_REGISTRY_WRONG_TYPE;
     }
-    buffer.resize(size);
-    data = std::move(buffer);
+    if (buffer.empty()) {
+        data.assign(first, first + size);
+    } else {
+        buffer.resize(size);
+        data = std::move(buffer);
+    }
     return KW_REGISTRY_SUCCESS;
 }
 
@@ -54,12 +60,6 @@ _EKWRegistryErrors QueryValue(HKEY key, const char* valueName, DWORD expectedTyp
 CString StringFromBytes(const BYTE* data, size_t size) {
     const char* text = reinterpret_cast<const char*>(data);
     return CString(text, static_cast<int>(std::find(text, text + size, '\0') - text));
-}
-
-std::vector<BYTE> BytesOfDword(DWORD value) {
-    std::vector<BYTE> bytes(sizeof value);
-    std::memcpy(bytes.data(), &value, sizeof value);
-    return bytes;
 }
 
 }  // namespace
@@ -149,27 +149,30 @@ _EKWRegistryErrors CKWRegistry::ReadValue(const CString& keyPath, const CString&
 }
 
 _EKWRegistryErrors CKWRegistry::WriteValue(const CString& keyPath, const CString& valueName,
-                                           HKEY base, DWORD type,
-                                           const std::vector<BYTE>& data) const {
+                                           HKEY base, DWORD type, const void* data,
+                                           DWORD size) const {
     if (!IsInitialized()) {
         return KW_REGISTRY_NOT_INITIALIZED;
     }
     // One call, which creates the key when it is missing. A base handle
     // without the right to set values of its own needs one opened for it.
     const HKEY from = base != nullptr ? base : m_hSoftwareKey;
-    LSTATUS status = RegSetKeyValueA(from, keyPath, valueName, type, data.data(),
-                                     static_cast<DWORD>(data.size()));
+    LSTATUS status = RegSetKeyValueA(from, keyPath, valueName, type, data, size);
     if (status == ERROR_ACCESS_DENIED) {
         HKEY key = nullptr;
         status = RegCreateKeyExA(from, keyPath, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_ALL_ACCESS,
                                  nullptr, &key, nullptr);
         if (status == ERROR_SUCCESS) {
-            status = RegSetValueExA(key, valueName, 0, type, data.data(),
-                                    static_cast<DWORD>(data.size()));
+            status = RegSetValueExA(key, valueName, 0, type, static_cast<const BYTE*>(data), size);
             RegCloseKey(key);
         }
     }
     return status == ERROR_SUCCESS ? KW_REGISTRY_SUCCESS : KW_REGISTRY_CALL_FAILED;
+}
+
+_EKWRegistryErrors CKWRegistry::WriteDword(const CString& keyPath, const CString& valueName,
+                                           HKEY base, DWORD value) const {
+    return WriteValue(keyPath, valueName, base, REG_DWORD, &value, sizeof value);
 }
 
 template <class Integer>
@@ -288,29 +291,29 @@ _EKWRegistryErrors CKWRegistry::GetStringValueFromReg(HKEY key, CString valueNam
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, int value,
                                             HKEY base) {
-    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+    return WriteDword(keyPath, valueName, base, static_cast<DWORD>(value));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, unsigned long value,
                                             HKEY base) {
-    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+    return WriteDword(keyPath, valueName, base, static_cast<DWORD>(value));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, long value,
                                             HKEY base) {
-    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+    return WriteDword(keyPath, valueName, base, static_cast<DWORD>(value));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, unsigned int value,
                                             HKEY base) {
-    return WriteValue(keyPath, valueName, base, REG_DWORD, BytesOfDword(static_cast<DWORD>(value)));
+    return WriteDword(keyPath, valueName, base, static_cast<DWORD>(value));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName, CString value,
                                             HKEY base) {
     const char* text = value;
-    return WriteValue(keyPath, valueName, base, REG_SZ,
-                      std::vector<BYTE>(text, text + value.GetLength() + 1));
+    return WriteValue(keyPath, valueName, base, REG_SZ, text,
+                      static_cast<DWORD>(value.GetLength() + 1));
 }
 
 _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName,
@@ -321,5 +324,6 @@ _EKWRegistryErrors CKWRegistry::PutRegValue(CString keyPath, CString valueName,
         data.insert(data.end(), bytes, bytes + text.GetLength() + 1);
     }
     data.insert(data.end(), 2, 0);
-    return WriteValue(keyPath, valueName, base, REG_MULTI_SZ, data);
+    return WriteValue(keyPath, valueName, base, REG_MULTI_SZ, data.data(),
+                      static_cast<DWORD>(data.size()));
 }

@@ -320,4 +320,97 @@ TEST_F(RegistryTest, ABatchMarksTheKeysItChangedAsWrittenWhenItCommits) {
     EXPECT_EQ(lastWrite("C"), before[2]);
 }
 
+// ------------------------------------------------------------ enumerations
+
+TEST_F(RegistryTest, AnEnumerationSeesKeysAddedAndDeletedByOthersAndByThisProcess) {
+    CKeyHandle parent;
+    ASSERT_EQ(CreateKey(Base(), "Parent\\b", parent), ERROR_SUCCESS);
+    ASSERT_EQ(CreateKey(Base(), "Parent\\D", parent), ERROR_SUCCESS);
+    ASSERT_EQ(OpenKey(Base(), "Parent", parent), ERROR_SUCCESS);
+    using Names = std::vector<std::string>;
+    ASSERT_EQ(SubKeyNames(parent.Get()), (Names{"b", "D"}));
+    const std::string path = Registry().GetKeyPath() + "\\Parent";
+    ASSERT_EQ(RunInChild([&] {
+                  CKeyHandle key;
+                  CKeyHandle added;
+                  return OpenKey(HKEY_CURRENT_USER, path.c_str(), key) == ERROR_SUCCESS &&
+                                 CreateKey(key.Get(), "c", added) == ERROR_SUCCESS
+                             ? 0
+                             : 1;
+              }),
+              0);
+    EXPECT_EQ(SubKeyNames(parent.Get()), (Names{"b", "c", "D"}));
+
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(Registry().GetStorePath().c_str(), &db), SQLITE_OK);
+    EXPECT_EQ(sqlite3_exec(db, "DELETE FROM keys WHERE name = 'b'", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    sqlite3_close(db);
+    EXPECT_EQ(SubKeyNames(parent.Get()), (Names{"c", "D"}));
+
+    CKeyHandle added;
+    ASSERT_EQ(CreateKey(parent.Get(), "A", added), ERROR_SUCCESS);
+    EXPECT_EQ(SubKeyNames(parent.Get()), (Names{"A", "c", "D"}));
+    ASSERT_EQ(RegDeleteKeyA(parent.Get(), "c"), ERROR_SUCCESS);
+    EXPECT_EQ(SubKeyNames(parent.Get()), (Names{"A", "D"}));
+    ASSERT_EQ(RegDeleteKeyA(parent.Get(), "A"), ERROR_SUCCESS);
+    ASSERT_EQ(RegDeleteKeyA(parent.Get(), "D"), ERROR_SUCCESS);
+    ASSERT_EQ(RegDeleteKeyA(Base(), "Parent"), ERROR_SUCCESS);
+    char name[16];
+    DWORD length = sizeof name;
+    EXPECT_EQ(RegEnumKeyExA(parent.Get(), 0, name, &length, nullptr, nullptr, nullptr, nullptr),
+              ERROR_KEY_DELETED);
+}
+
+TEST_F(RegistryTest, InsideABatchEnumerationsAndPathsFollowTheBatchsOwnChanges) {
+    using Names = std::vector<std::string>;
+    const DWORD one = 1;
+    ASSERT_EQ(RegSetKeyValueA(Base(), "P\\Q\\R", "v", REG_DWORD, &one, sizeof one), ERROR_SUCCESS);
+    const auto read = [&](const char* keyPath) {
+        DWORD value = 0;
+        DWORD size = sizeof value;
+        const LSTATUS status =
+            RegGetValueA(Base(), keyPath, "v", RRF_RT_DWORD, nullptr, &value, &size);
+        return status == ERROR_SUCCESS ? static_cast<int>(value) : -static_cast<int>(status);
+    };
+    ASSERT_EQ(read("p\\q\\r"), 1);
+    CKeyHandle q;
+    ASSERT_EQ(OpenKey(Base(), "P\\Q", q), ERROR_SUCCESS);
+    ASSERT_EQ(SubKeyNames(q.Get()), Names{"R"});
+    {
+        CKWRegistryBatch batch(Base());
+        ASSERT_EQ(RegDeleteKeyA(Base(), "P\\Q\\R"), ERROR_SUCCESS);
+        EXPECT_EQ(read("P\\Q\\R"), -ERROR_FILE_NOT_FOUND);
+        EXPECT_EQ(SubKeyNames(q.Get()), Names{});
+        const DWORD two = 2;
+        ASSERT_EQ(RegSetKeyValueA(Base(), "P\\Q\\S", "v", REG_DWORD, &two, sizeof two),
+                  ERROR_SUCCESS);
+        EXPECT_EQ(SubKeyNames(q.Get()), Names{"S"});
+        ASSERT_EQ(RegSetKeyValueA(Base(), "P\\Q\\R", "v", REG_DWORD, &two, sizeof two),
+                  ERROR_SUCCESS);
+        EXPECT_EQ(read("P\\Q\\R"), 2);
+        EXPECT_EQ(SubKeyNames(q.Get()), (Names{"R", "S"}));
+    }
+    EXPECT_EQ(read("P\\Q\\R"), 2);
+    EXPECT_EQ(read("P\\Q\\S"), 2);
+}
+
+TEST_F(RegistryTest, ASetByPathFindsTheKeySetBeforeWhateverFormItsPathTakes) {
+    const auto set = [&](const char* path, DWORD value) {
+        return RegSetKeyValueA(Base(), path, "v", REG_DWORD, &value, sizeof value);
+    };
+    ASSERT_EQ(set("Deep\\Key", 1), ERROR_SUCCESS);
+    ASSERT_EQ(set("Deep\\Key", 2), ERROR_SUCCESS);
+    ASSERT_EQ(set("dEEP\\kEY", 3), ERROR_SUCCESS);
+    ASSERT_EQ(set("Deep\\\\Key\\", 4), ERROR_SUCCESS);
+    EXPECT_EQ(set("\\Deep\\Key", 5), ERROR_BAD_PATHNAME);
+    EXPECT_EQ(set("Deep\\KeyX", 6), ERROR_SUCCESS);
+    CKeyHandle deep;
+    ASSERT_EQ(OpenKey(Base(), "Deep", deep), ERROR_SUCCESS);
+    EXPECT_EQ(SubKeyNames(deep.Get()), (std::vector<std::string>{"Key", "KeyX"}));
+    CKeyHandle key;
+    ASSERT_EQ(OpenKey(deep.Get(), "Key", key), ERROR_SUCCESS);
+    EXPECT_EQ(GetDword(key.Get(), "v"), 4u);
+}
+
 #endif  // !_WIN32

@@ -161,7 +161,9 @@ private:
     _EKWRegistryErrors ReadValue(const CString& keyPath, const CString& valueName, HKEY base,
                                  DWORD expectedType, std::vector<BYTE>& data) const;
     _EKWRegistryErrors WriteValue(const CString& keyPath, const CString& valueName, HKEY base,
-                                  DWORD type, const std::vector<BYTE>& data) const;
+                                  DWORD type, const void* data, DWORD size) const;
+    _EKWRegistryErrors WriteDword(const CString& keyPath, const CString& valueName, HKEY base,
+                                  DWORD value) const;
     // Reads a REG_DWORD into an integer, sign-extended for the signed ones.
     template <class Integer>
     _EKWRegistryErrors ReadInteger(const CString& keyPath, const CString& valueName, HKEY base,

@@ -29,10 +29,8 @@ constexpr const char* kSelectKeyInfo =
     " (SELECT ifnull(max(length(CAST(name AS BLOB))), 0) FROM vals WHERE key = ?1),"
     " (SELECT ifnull(max(length(data)), 0) FROM vals WHERE key = ?1),"
     " written FROM keys WHERE id = ?1";
-constexpr const char* kSelectSubKeyAt =
-    "SELECT name, written, fold FROM keys WHERE parent = ?1 ORDER BY fold LIMIT 1 OFFSET ?2";
-constexpr const char* kSelectSubKeyAfter =
-    "SELECT name, written, fold FROM keys WHERE parent = ?1 AND fold > ?2 ORDER BY fold LIMIT 1";
+constexpr const char* kSelectSubKeys =
+    "SELECT name, written FROM keys WHERE parent = ?1 ORDER BY fold";
 constexpr const char* kSelectValue =
     "SELECT name, type, data FROM vals WHERE key = ?1 AND fold = ?2";
 constexpr const char* kSelectValueAt =
@@ -174,7 +172,7 @@ LSTATUS CKWRegistryStore::DeleteKey(KWRegistryKeyId key) {
             return Status(result);
         }
     }
-    m_subKeyCache.clear();
+    ForgetKeys();
     m_checkedInBatch.clear();
     for (const char* sql : {kDeleteValuesOfKey, kDeleteKey}) {
         CKWSqlQuery remove(connection, sql);
@@ -202,26 +200,63 @@ LSTATUS CKWRegistryStore::GetKeyInfo(KWRegistryKeyId key, SKWRegistryKeyInfo& in
     return ERROR_SUCCESS;
 }
 
-LSTATUS CKWRegistryStore::GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::string& name,
-                                      ULONGLONG& lastWriteTime) {
-    const SKWEnumCursor* before = CursorBefore(m_subKeyCursors, key, index);
-    CKWSqlQuery query(m_database.Connection(), before ? kSelectSubKeyAfter : kSelectSubKeyAt);
-    query.Bind(1, key);
-    if (before != nullptr) {
-        query.BindText(2, before->fold);
-    } else {
-        query.Bind(2, index);
+LSTATUS CKWRegistryStore::EnumSubKey(KWRegistryKeyId key, DWORD index, std::string& name,
+                                     ULONGLONG& lastWriteTime) {
+    // A kept list vouches for its key: deleting the key empties the lists.
+    SubKeyList list;
+    LSTATUS status = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+        ForgetChanged(change);
+        const auto found = m_subKeyLists.find(key);
+        if (found != m_subKeyLists.end()) {
+            list = found->second;
+        }
+        return ERROR_SUCCESS;
+    });
+    if (status == ERROR_SUCCESS && list == nullptr) {
+        status = m_database.Read([&] { return ReadSubKeyList(key, list); });
     }
-    if (const LSTATUS status = StepOneRow(query, ERROR_NO_MORE_ITEMS); status != ERROR_SUCCESS) {
+    if (status != ERROR_SUCCESS) {
         return status;
     }
-    name = query.Bytes(0);
-    lastWriteTime = static_cast<ULONGLONG>(query.Integer(1));
-    SKWEnumCursor cursor;
-    cursor.index = index;
-    cursor.fold = query.Bytes(2);
-    KeepCursor(m_subKeyCursors, key, cursor);
+    if (index >= list->size()) {
+        return ERROR_NO_MORE_ITEMS;
+    }
+    name = (*list)[index].name;
+    lastWriteTime = (*list)[index].lastWriteTime;
     return ERROR_SUCCESS;
+}
+
+LSTATUS CKWRegistryStore::ReadSubKeyList(KWRegistryKeyId key, SubKeyList& list) {
+    bool isVolatile = false;
+    if (const LSTATUS checked = CheckKey(key, isVolatile); checked != ERROR_SUCCESS) {
+        return checked;
+    }
+    auto read = std::make_shared<std::vector<SKWSubKeyEntry>>();
+    CKWSqlQuery query(m_database.Connection(), kSelectSubKeys);
+    query.Bind(1, key);
+    int result = SQLITE_ROW;
+    while ((result = query.Step()) == SQLITE_ROW) {
+        read->push_back({query.Bytes(0), static_cast<ULONGLONG>(query.Integer(1))});
+    }
+    if (result != SQLITE_DONE) {
+        return Status(result);
+    }
+    list = read;
+    CacheSubKeyList(key, list);
+    return ERROR_SUCCESS;
+}
+
+void CKWRegistryStore::CacheSubKeyList(KWRegistryKeyId key, const SubKeyList& list) {
+    // A key without sub-keys is enumerated with one call, and an export
+    // walks many of them while it enumerates their parent: keeping them
+    // would push the parent's list out.
+    if (list->empty()) {
+        return;
+    }
+    if (m_subKeyLists.size() >= kMaxCursors) {
+        m_subKeyLists.erase(m_subKeyLists.begin());
+    }
+    m_subKeyLists[key] = list;
 }
 
 LSTATUS CKWRegistryStore::GetValue(KWRegistryKeyId key, std::string_view name,
@@ -251,6 +286,32 @@ LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const std::vector<std::
         return peeked;
     }
     return m_database.Read([&] { return WalkPathCaching(base, names, key); });
+}
+
+LSTATUS CKWRegistryStore::FindPath(KWRegistryKeyId base, const char* path,
+                                   std::vector<std::string_view>& names, KWRegistryKeyId& key) {
+    bool isCached = false;
+    if (path != nullptr && path[0] != '\0') {
+        const LSTATUS peeked = m_database.Peek([&](CKWRegistryDatabase::EKWChange change) {
+            ForgetChanged(change);
+            MakeCacheKey(base, path, m_lookupKey);
+            const auto found = m_pathKeyCache.find(m_lookupKey);
+            isCached = found != m_pathKeyCache.end();
+            if (isCached) {
+                key = found->second;
+            }
+            return ERROR_SUCCESS;
+        });
+        if (peeked != ERROR_SUCCESS || isCached) {
+            return peeked;
+        }
+    }
+    const LSTATUS split = kwRegistryNames::SplitKeyPath(path, names);
+    if (split != ERROR_SUCCESS || names.empty()) {
+        key = base;
+        return split;
+    }
+    return FindPath(base, names, key);
 }
 
 LSTATUS CKWRegistryStore::ReadValue(KWRegistryKeyId key, std::string_view name,
@@ -333,6 +394,14 @@ LSTATUS CKWRegistryStore::ReadValueOf(KWRegistryKeyId base,
 
 bool CKWRegistryStore::LookUpPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
                                   KWRegistryKeyId& key) {
+    if (names.size() > 1) {
+        MakePathKey(base, names, m_lookupKey);
+        const auto found = m_pathKeyCache.find(m_lookupKey);
+        if (found != m_pathKeyCache.end()) {
+            key = found->second;
+            return true;
+        }
+    }
     key = base;
     for (const std::string_view name : names) {
         MakeCacheKey(key, name, m_lookupKey);
@@ -342,7 +411,53 @@ bool CKWRegistryStore::LookUpPath(KWRegistryKeyId base, const std::vector<std::s
         }
         key = found->second;
     }
+    CachePath(base, names, key);
     return true;
+}
+
+void CKWRegistryStore::MakePathKey(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                                   std::string& cacheKey) {
+    std::size_t size = sizeof base;
+    for (const std::string_view name : names) {
+        size += 1 + name.size();
+    }
+    cacheKey.resize(size);
+    std::memcpy(&cacheKey[0], &base, sizeof base);
+    cacheKey.pop_back();  // no backslash before the first name
+    std::size_t at = sizeof base;
+    for (const std::string_view name : names) {
+        if (at > sizeof base) {
+            cacheKey[at++] = '\\';
+        }
+        kwRegistryNames::FoldNameInto(name, &cacheKey[at]);
+        at += name.size();
+    }
+}
+
+void CKWRegistryStore::CachePath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                                 KWRegistryKeyId key) {
+    if (names.empty()) {
+        return;
+    }
+    if (m_pathKeyCache.size() >= kMaxCachedSubKeys) {
+        m_pathKeyCache.clear();
+    }
+    std::string cacheKey;
+    MakePathKey(base, names, cacheKey);
+    m_pathKeyCache.emplace(std::move(cacheKey), key);
+}
+
+void CKWRegistryStore::ForgetKeys() {
+    // Emptying a map costs as much as its buckets, even when it holds nothing.
+    if (!m_subKeyCache.empty()) {
+        m_subKeyCache.clear();
+    }
+    if (!m_pathKeyCache.empty()) {
+        m_pathKeyCache.clear();
+    }
+    if (!m_subKeyLists.empty()) {
+        m_subKeyLists.clear();
+    }
 }
 
 LSTATUS CKWRegistryStore::WalkPathCaching(KWRegistryKeyId base,
@@ -358,6 +473,9 @@ LSTATUS CKWRegistryStore::WalkPathCaching(KWRegistryKeyId base,
             CacheSubKey(key, names[i], child);
             key = child;
         }
+    }
+    if (status == ERROR_SUCCESS) {
+        CachePath(base, names, key);
     }
     return status;
 }
@@ -398,8 +516,11 @@ void CKWRegistryStore::ForgetChanged(CKWRegistryDatabase::EKWChange change) {
         m_valueCache.clear();
         m_valueCacheBytes = 0;
     }
-    if (change == CKWRegistryDatabase::kAnyChange && !m_subKeyCache.empty()) {
-        m_subKeyCache.clear();
+    if (change != CKWRegistryDatabase::kUnchanged && !m_subKeyLists.empty()) {
+        m_subKeyLists.clear();
+    }
+    if (change == CKWRegistryDatabase::kAnyChange) {
+        ForgetKeys();
     }
 }
 
@@ -407,6 +528,7 @@ void CKWRegistryStore::CacheSubKey(KWRegistryKeyId parent, std::string_view name
                                    KWRegistryKeyId child) {
     if (m_subKeyCache.size() >= kMaxCachedSubKeys) {
         m_subKeyCache.clear();
+        m_pathKeyCache.clear();
     }
     std::string cacheKey;
     MakeCacheKey(parent, name, cacheKey);
@@ -429,7 +551,7 @@ void CKWRegistryStore::CacheValue(std::string cacheKey, const CachedValue& value
 }
 
 LSTATUS CKWRegistryStore::GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegistryValue& value) {
-    const SKWEnumCursor* before = CursorBefore(m_valueCursors, key, index);
+    const SKWEnumCursor* before = CursorBefore(key, index);
     CKWSqlQuery query(m_database.Connection(), before ? kSelectValueAfter : kSelectValueAt);
     query.Bind(1, key);
     query.Bind(2, before != nullptr ? before->row : index);
@@ -440,7 +562,7 @@ LSTATUS CKWRegistryStore::GetValueAt(KWRegistryKeyId key, DWORD index, SKWRegist
     SKWEnumCursor cursor;
     cursor.index = index;
     cursor.row = query.Integer(3);
-    KeepCursor(m_valueCursors, key, cursor);
+    KeepCursor(key, cursor);
     return ERROR_SUCCESS;
 }
 
@@ -508,24 +630,22 @@ LSTATUS CKWRegistryStore::TouchNow(KWRegistryKeyId key) {
     return Status(touch.Run());
 }
 
-const CKWRegistryStore::SKWEnumCursor* CKWRegistryStore::CursorBefore(CursorMap& cursors,
-                                                                      KWRegistryKeyId key,
+const CKWRegistryStore::SKWEnumCursor* CKWRegistryStore::CursorBefore(KWRegistryKeyId key,
                                                                       DWORD index) {
     const unsigned version = m_database.Connection().DataVersion();
     if (version != m_cursorsVersion) {
-        m_subKeyCursors.clear();
         m_valueCursors.clear();
         m_cursorsVersion = version;
     }
-    const auto found = cursors.find(key);
-    return found != cursors.end() && index > 0 && found->second.index == index - 1 ? &found->second
-                                                                                   : nullptr;
+    const auto found = m_valueCursors.find(key);
+    return found != m_valueCursors.end() && index > 0 && found->second.index == index - 1
+               ? &found->second
+               : nullptr;
 }
 
-void CKWRegistryStore::KeepCursor(CursorMap& cursors, KWRegistryKeyId key,
-                                  const SKWEnumCursor& cursor) {
-    if (cursors.size() >= kMaxCursors && cursors.count(key) == 0) {
-        cursors.clear();
+void CKWRegistryStore::KeepCursor(KWRegistryKeyId key, const SKWEnumCursor& cursor) {
+    if (m_valueCursors.size() >= kMaxCursors && m_valueCursors.count(key) == 0) {
+        m_valueCursors.clear();
     }
-    cursors[key] = cursor;
+    m_valueCursors[key] = cursor;
 }

@@ -68,15 +68,24 @@ public:
     LSTATUS DeleteKey(KWRegistryKeyId key);
 
     LSTATUS GetKeyInfo(KWRegistryKeyId key, SKWRegistryKeyInfo& info);
-    // ERROR_NO_MORE_ITEMS past the last sub-key.
-    LSTATUS GetSubKeyAt(KWRegistryKeyId key, DWORD index, std::string& name,
-                        ULONGLONG& lastWriteTime);
+    // The sub-key at index in the order of folded names, in a transaction of
+    // its own: from the key's list of sub-keys, read whole at the first
+    // index and kept while nothing has been committed since.
+    // ERROR_KEY_DELETED, ERROR_NO_MORE_ITEMS past the last sub-key.
+    LSTATUS EnumSubKey(KWRegistryKeyId key, DWORD index, std::string& name,
+                       ULONGLONG& lastWriteTime);
 
     // The key that names lead to from base, in a transaction of its own:
     // from the cache of sub-keys found before while nothing has been
     // committed since, else from the database. ERROR_KEY_DELETED when base
     // is gone, ERROR_FILE_NOT_FOUND when a key on the way is missing.
     LSTATUS FindPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                     KWRegistryKeyId& key);
+    // The same for a sub-key path as RegOpenKeyExA takes it: a path found
+    // before is known by its text and needs no splitting; else path is split
+    // into names (see kwRegistryNames::SplitKeyPath), which stay empty on a
+    // hit. Empty names give base itself, unchecked.
+    LSTATUS FindPath(KWRegistryKeyId base, const char* path, std::vector<std::string_view>& names,
                      KWRegistryKeyId& key);
     // A value of a key, in a transaction of its own: from the cache of values
     // read before while nothing has been committed since, else from the
@@ -105,7 +114,6 @@ private:
     // the database has not changed since.
     struct SKWEnumCursor {
         DWORD index = 0;
-        std::string fold;      // of the sub-key at index
         std::int64_t row = 0;  // of the value at index
     };
     typedef std::unordered_map<KWRegistryKeyId, SKWEnumCursor> CursorMap;
@@ -119,8 +127,17 @@ private:
     // Marks every key of m_touchedInBatch, which holds one at least.
     LSTATUS TouchAllNow();
     // The cursor of key that stands just before index, or null.
-    const SKWEnumCursor* CursorBefore(CursorMap& cursors, KWRegistryKeyId key, DWORD index);
-    void KeepCursor(CursorMap& cursors, KWRegistryKeyId key, const SKWEnumCursor& cursor);
+    const SKWEnumCursor* CursorBefore(KWRegistryKeyId key, DWORD index);
+    void KeepCursor(KWRegistryKeyId key, const SKWEnumCursor& cursor);
+
+    struct SKWSubKeyEntry {
+        std::string name;
+        ULONGLONG lastWriteTime = 0;
+    };
+    typedef std::shared_ptr<const std::vector<SKWSubKeyEntry>> SubKeyList;
+    // Inside a transaction: the sub-keys of key, in their order.
+    LSTATUS ReadSubKeyList(KWRegistryKeyId key, SubKeyList& list);
+    void CacheSubKeyList(KWRegistryKeyId key, const SubKeyList& list);
 
     typedef std::shared_ptr<const SKWRegistryValue> CachedValue;
 
@@ -139,8 +156,8 @@ private:
     static void MakePathValueKey(KWRegistryKeyId base, std::string_view path, std::string_view name,
                                  std::string& cacheKey);
     void CacheValueByPath(const std::string* pathKey, const CachedValue& value);
-    // Under the mutex: whether the cache of sub-keys holds every key on the
-    // path, and the last one.
+    // Under the mutex: whether the caches of paths and sub-keys hold every
+    // key on the path, and the last one.
     bool LookUpPath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
                     KWRegistryKeyId& key);
     // Inside a transaction: the key names lead to from base, cached on the way.
@@ -148,6 +165,15 @@ private:
                             KWRegistryKeyId& key);
     void CacheValue(std::string cacheKey, const CachedValue& value);
     void CacheSubKey(KWRegistryKeyId parent, std::string_view name, KWRegistryKeyId child);
+    // The path cache's key: base's bytes and the folded names joined by
+    // backslashes, written over cacheKey; so a path's own text, folded,
+    // finds it.
+    static void MakePathKey(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                            std::string& cacheKey);
+    void CachePath(KWRegistryKeyId base, const std::vector<std::string_view>& names,
+                   KWRegistryKeyId key);
+    // Empties the caches that a deleted key outdates.
+    void ForgetKeys();
 
     CKWRegistryDatabase m_database;
     // Values read, valid while the database's Peek finds nothing changed.
@@ -157,12 +183,15 @@ private:
     std::unordered_map<std::string, CachedValue> m_pathValueCache;
     // Sub-keys found, by parent and name; emptied also when a key is deleted.
     std::unordered_map<std::string, KWRegistryKeyId> m_subKeyCache;
+    // Keys found by a path, emptied with m_subKeyCache.
+    std::unordered_map<std::string, KWRegistryKeyId> m_pathKeyCache;
+    // Sub-keys of keys enumerated, emptied by any change.
+    std::unordered_map<KWRegistryKeyId, SubKeyList> m_subKeyLists;
     std::string m_lookupKey;  // reused for look-ups, under the mutex
     // Keys the running batch changed, and the keys it found, with whether
     // they are volatile.
     std::unordered_set<KWRegistryKeyId> m_touchedInBatch;
     std::unordered_map<KWRegistryKeyId, bool> m_checkedInBatch;
-    CursorMap m_subKeyCursors;
     CursorMap m_valueCursors;
     unsigned m_cursorsVersion = 0;
 };

@@ -314,20 +314,19 @@ LSTATUS RegSetKeyValueA(HKEY hKey, LPCSTR lpSubKey, LPCSTR lpValueName, DWORD dw
     SKWOpenKey key;
     LSTATUS status = Handles().Resolve(hKey, key);
     KeyNames names;
+    KWRegistryKeyId target = key.key;
     if (status == ERROR_SUCCESS) {
-        status = SplitKeyPath(lpSubKey, names);
+        status = key.store->FindPath(key.key, lpSubKey, names, target);
     }
-    if (status == ERROR_SUCCESS && names.empty() && !Grants(key, KEY_SET_VALUE)) {
+    // Found by its text, a path had names; split, it may have none.
+    if (status == ERROR_SUCCESS && target == key.key && names.empty() &&
+        !Grants(key, KEY_SET_VALUE)) {
         status = ERROR_ACCESS_DENIED;
     }
-    KWRegistryKeyId target = key.key;
-    if (status == ERROR_SUCCESS && !names.empty()) {
-        status = key.store->FindPath(key.key, names, target);
-        if (status == ERROR_FILE_NOT_FOUND) {
-            bool created = false;
-            status = key.store->Write(
-                [&] { return WalkPathCreating(key, names, false, target, created); });
-        }
+    if (status == ERROR_FILE_NOT_FOUND && !names.empty()) {
+        bool created = false;
+        status =
+            key.store->Write([&] { return WalkPathCreating(key, names, false, target, created); });
     }
     key.key = target;
     // As on Windows, the key is there even when the value is refused.
@@ -441,12 +440,7 @@ LSTATUS RegEnumKeyExA(HKEY hKey, DWORD dwIndex, LPSTR lpName, LPDWORD lpcchName,
     std::string name;
     ULONGLONG lastWriteTime = 0;
     if (status == ERROR_SUCCESS) {
-        status = key.store->Read([&] {
-            const LSTATUS checked = CheckKey(key);
-            return checked != ERROR_SUCCESS
-                       ? checked
-                       : key.store->GetSubKeyAt(key.key, dwIndex, name, lastWriteTime);
-        });
+        status = key.store->EnumSubKey(key.key, dwIndex, name, lastWriteTime);
     }
     if (status == ERROR_SUCCESS) {
         status = CopyName(name, lpName, lpcchName);
