@@ -287,14 +287,14 @@ LSTATUS RegCreateKeyExA(HKEY hKey, LPCSTR lpSubKey, DWORD Reserved, LPSTR /*lpCl
     return ERROR_SUCCESS;
 }
 
-LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD /*Reserved*/, DWORD dwType,
-                       const BYTE* lpData, DWORD cbData) {
-    SKWOpenKey key;
-    LSTATUS status = ResolveFor(hKey, KEY_SET_VALUE, key);
+namespace {
+
+// Sets a value of a resolved key, once name and data are checked, in one
+// change of the store.
+LSTATUS SetValueOf(const SKWOpenKey& key, LPCSTR lpValueName, DWORD dwType, const BYTE* lpData,
+                   DWORD cbData) {
     std::string_view name;
-    if (status == ERROR_SUCCESS) {
-        status = CheckValueName(lpValueName, name);
-    }
+    LSTATUS status = CheckValueName(lpValueName, name);
     if (status == ERROR_SUCCESS && lpData == nullptr && cbData != 0) {
         status = ERROR_NOACCESS;
     }
@@ -307,6 +307,15 @@ LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD /*Reserved*/, DWORD 
                    ? checked
                    : key.store->SetValue(key.key, name, dwType, lpData, cbData);
     });
+}
+
+}  // namespace
+
+LSTATUS RegSetValueExA(HKEY hKey, LPCSTR lpValueName, DWORD /*Reserved*/, DWORD dwType,
+                       const BYTE* lpData, DWORD cbData) {
+    SKWOpenKey key;
+    LSTATUS status = ResolveFor(hKey, KEY_SET_VALUE, key);
+    return status != ERROR_SUCCESS ? status : SetValueOf(key, lpValueName, dwType, lpData, cbData);
 }
 
 LSTATUS RegSetKeyValueA(HKEY hKey, LPCSTR lpSubKey, LPCSTR lpValueName, DWORD dwType,
@@ -330,23 +339,9 @@ LSTATUS RegSetKeyValueA(HKEY hKey, LPCSTR lpSubKey, LPCSTR lpValueName, DWORD dw
     }
     key.key = target;
     // As on Windows, the key is there even when the value is refused.
-    std::string_view name;
-    if (status == ERROR_SUCCESS) {
-        status = CheckValueName(lpValueName, name);
-    }
-    if (status == ERROR_SUCCESS && lpData == nullptr && cbData != 0) {
-        status = ERROR_NOACCESS;
-    }
-    if (status != ERROR_SUCCESS) {
-        return status;
-    }
-    return key.store->WriteOneChange([&] {
-        const LSTATUS checked = CheckKey(key);
-        return checked != ERROR_SUCCESS
-                   ? checked
-                   : key.store->SetValue(key.key, name, dwType, static_cast<const BYTE*>(lpData),
-                                         cbData);
-    });
+    return status != ERROR_SUCCESS
+               ? status
+               : SetValueOf(key, lpValueName, dwType, static_cast<const BYTE*>(lpData), cbData);
 }
 
 LSTATUS RegQueryValueExA(HKEY hKey, LPCSTR lpValueName, LPDWORD lpReserved, LPDWORD lpType,
