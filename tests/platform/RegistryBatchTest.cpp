@@ -136,12 +136,7 @@ TEST_F(RegistryTest, AProcessKilledInTheMiddleOfABatchLeavesTheStoreAsItWas) {
         pause();
         _exit(0);
     }
-    close(progress[1]);
-    char signal;
-    ASSERT_EQ(read(progress[0], &signal, 1), 1);
-    close(progress[0]);
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
+    ASSERT_TRUE(KillChildWhenItSignals(child, progress));
 
     EXPECT_EQ(GetDword(Base(), "Count"), 0u);
     EXPECT_TRUE(SubKeyNames(Base()).empty());

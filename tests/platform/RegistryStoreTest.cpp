@@ -300,12 +300,7 @@ TEST_F(RegistryTest, AWriterKilledInTheMiddleLeavesAWholeStore) {
         }
         _exit(0);
     }
-    close(progress[1]);
-    char signal;
-    ASSERT_EQ(read(progress[0], &signal, 1), 1);
-    close(progress[0]);
-    kill(child, SIGKILL);
-    waitpid(child, nullptr, 0);
+    ASSERT_TRUE(KillChildWhenItSignals(child, progress));
 
     CDirectConnection direct(Registry().GetStorePath().string());
     EXPECT_EQ(direct.Text("PRAGMA integrity_check"), "ok");

@@ -14,7 +14,9 @@
 
 #if !defined(_WIN32)
 #include <sys/wait.h>
+
 #include <unistd.h>
+#include <csignal>
 #endif
 
 // An open key, closed when it goes.
@@ -113,6 +115,18 @@ inline int RunInChild(const std::function<int()>& body) {
     int status = 0;
     waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Waits for the child to write one byte to the pipe, then kills it in the
+// middle of what it does next; false when the child never wrote.
+inline bool KillChildWhenItSignals(pid_t child, int pipe[2]) {
+    close(pipe[1]);
+    char signal = 0;
+    const bool signalled = read(pipe[0], &signal, 1) == 1;
+    close(pipe[0]);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    return signalled;
 }
 #endif
 
